@@ -1,0 +1,53 @@
+# Sourced by ./run, ./test and .ci/run: installs the Debian packages that are missing, and builds a preset.
+#
+# A fresh Debian machine has nothing but a shell, so nothing is taken for granted here.
+
+say() { printf '%s\n' "$*" >&2; }
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+# Package servers hiccup: three tries, with a pause in between.
+retry() {
+    for pause in 5 20 0; do
+        "$@" && return 0
+        [ "$pause" -eq 0 ] || { say "Trying again in $pause s: $*"; sleep "$pause"; }
+    done
+    return 1
+}
+
+# need PACKAGE...: installs those that are not there yet.
+need() {
+    local missing=() package
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    say "Installing Debian packages: ${missing[*]}"
+    [ "$(id -u)" -eq 0 ] || say "(sudo may ask for your password)"
+    retry as_root apt-get update -q >&2 || { say "apt-get update failed"; return 1; }
+    retry as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" >&2 ||
+        { say "Could not install: ${missing[*]}"; return 1; }
+}
+
+need_build_tools() {
+    need g++ cmake ninja-build libgtest-dev libbenchmark-dev nlohmann-json3-dev libboost-context-dev
+}
+
+# build PRESET [cmake options]: configures and builds below build/PRESET.
+build() {
+    local preset=$1
+    shift
+    cmake --preset "$preset" "$@" >"$root/build/$preset.log" 2>&1 ||
+        { cat "$root/build/$preset.log" >&2; say "Configuring the preset $preset failed"; return 1; }
+    cmake --build --preset "$preset" >&2
+}
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root" || exit 1
+mkdir -p build

@@ -1,0 +1,10 @@
+// The seam: the Win32 names that the program calls, for platforms that do not have them of their own.
+//
+// Every function, type and constant carries Microsoft's name, signature and value. What the program does not call is not
+// declared. Where the layer does less than Windows, the line above the declaration says so.
+#pragma once
+
+#include "win/types.h"
+
+#include "win/kernel.h"
+#include "win/messages.h"

@@ -1,0 +1,39 @@
+// What the layer knows of one window.
+#pragma once
+
+#include <windows.h>
+
+#include <vector>
+
+class MessageQueue;
+struct WindowClass;
+
+// Every access wants the lock of MessageState. The window is never in hand while a procedure runs: the procedure may destroy
+// it, so the handle is looked up again afterwards.
+class Window {
+public:
+    Window(WindowClass& windowClass, MessageQueue& owner, HWND parent);
+    ~Window();
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    WNDPROC Procedure() const { return procedure; }
+
+    // GWLP_WNDPROC, GWLP_USERDATA, or an offset into the extra bytes that leaves room for a LONG_PTR. False, and nothing
+    // done, for any other index.
+    bool GetLong(int index, LONG_PTR& value) const;
+    bool SetLong(int index, LONG_PTR value, LONG_PTR& previous);
+
+    HWND handle = nullptr;  // given by the table
+    WindowClass& windowClass;
+    MessageQueue& owner;  // the queue of the thread that made the window
+    HWND parent;
+    bool destroying = false;  // WM_DESTROY is under way or over
+
+private:
+    bool IsExtra(int index) const;
+
+    WNDPROC procedure;
+    LONG_PTR userData = 0;
+    std::vector<BYTE> extra;
+};

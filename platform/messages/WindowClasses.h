@@ -1,0 +1,32 @@
+// The registered window classes of the process.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+struct WindowClass {
+    std::string name;
+    ATOM atom;
+    WNDPROC procedure;
+    int windowExtra;  // bytes beside each window, not negative
+    int windows = 0;  // that exist now; a class with windows stays
+};
+
+// Every call wants the lock of MessageState. A class stays at its address until it is removed.
+class WindowClasses {
+public:
+    // Gives the atom, 0xC000 or more, or 0 with the last error set.
+    ATOM Add(const WNDCLASSEXA& description);
+
+    // The name is a text, compared without regard to case, or an atom in place of the pointer. Null if there is none.
+    WindowClass* Find(LPCSTR name) const;
+
+    // False, with the last error set, for an unknown class and for one that has windows.
+    bool Remove(LPCSTR name);
+
+private:
+    std::vector<std::unique_ptr<WindowClass>> classes;
+};

@@ -1,0 +1,150 @@
+// Window classes, and the life of a window from its creation to its end.
+#include <windows.h>
+
+#include <cassert>
+#include <memory>
+
+#include "MessageQueue.h"
+#include "MessageState.h"
+
+ATOM RegisterClassExA(const WNDCLASSEXA* windowClass) {
+    const MessageLock state;
+    return state->classes.Add(*windowClass);
+}
+
+BOOL UnregisterClassA(LPCSTR className, HINSTANCE) {
+    const MessageLock state;
+    return state->classes.Remove(className);
+}
+
+namespace {
+
+// Gives the handle of a window that has heard nothing yet, or 0 with the last error set.
+HWND MakeWindow(LPCSTR className, HWND parent) {
+    MessageQueue* queue = MessageQueue::Current();
+    if (queue == nullptr) {
+        return nullptr;
+    }
+    const MessageLock state;
+    WindowClass* windowClass = state->classes.Find(className);
+    if (windowClass == nullptr) {
+        SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
+        return nullptr;
+    }
+    HWND handle = state->windows.Add(std::make_unique<Window>(*windowClass, *queue, parent));
+    if (handle == nullptr) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    }
+    return handle;
+}
+
+// The last message, after which the handle is stale.
+void EndWindow(HWND window) {
+    {
+        const MessageLock state;
+        if (Window* ending = state->windows.Find(window)) {
+            ending->destroying = true;
+        }
+    }
+    SendMessageA(window, WM_NCDESTROY, 0, 0);
+    const MessageLock state;
+    if (Window* ended = state->windows.Find(window)) {
+        ended->owner.Purge(window);
+        state->windows.Remove(window);
+    }
+}
+
+}  // namespace
+
+HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD style, int x, int y, int width, int height,
+                     HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
+    assert(parent == HWND_MESSAGE);
+    if (parent != HWND_MESSAGE) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    HWND window = MakeWindow(className, parent);
+    if (window == nullptr) {
+        return nullptr;
+    }
+    CREATESTRUCTA create{parameter,  instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
+                         windowName, className, exStyle};
+    const auto createParam = reinterpret_cast<LPARAM>(&create);
+    if (!SendMessageA(window, WM_NCCREATE, 0, createParam)) {
+        // A window that has not come up hears no WM_DESTROY.
+        EndWindow(window);
+        return nullptr;
+    }
+    if (SendMessageA(window, WM_CREATE, 0, createParam) == -1) {
+        DestroyWindow(window);
+        return nullptr;
+    }
+    return IsWindow(window) ? window : nullptr;
+}
+
+BOOL DestroyWindow(HWND window) {
+    {
+        const MessageLock state;
+        Window* found = state->windows.Find(window);
+        if (found == nullptr) {
+            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+            return FALSE;
+        }
+        if (!found->owner.IsCurrent()) {
+            SetLastError(ERROR_ACCESS_DENIED);
+            return FALSE;
+        }
+        // The call that is under way ends the window.
+        if (found->destroying) {
+            return TRUE;
+        }
+        found->destroying = true;
+    }
+    SendMessageA(window, WM_DESTROY, 0, 0);
+    EndWindow(window);
+    return TRUE;
+}
+
+BOOL IsWindow(HWND window) {
+    const MessageLock state;
+    return state->windows.Find(window) != nullptr;
+}
+
+DWORD GetWindowThreadProcessId(HWND window, LPDWORD processId) {
+    // The kernel has no call that names the process.
+    assert(processId == nullptr);
+    if (processId != nullptr) {
+        *processId = 0;
+    }
+    const MessageLock state;
+    const Window* found = state->windows.Find(window);
+    if (found == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        return 0;
+    }
+    return found->owner.ThreadId();
+}
+
+LONG_PTR GetWindowLongPtrA(HWND window, int index) {
+    const MessageLock state;
+    const Window* found = state->windows.Find(window);
+    LONG_PTR value = 0;
+    if (found == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    } else if (!found->GetLong(index, value)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+    }
+    return value;
+}
+
+LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value) {
+    const MessageLock state;
+    Window* found = state->windows.Find(window);
+    LONG_PTR previous = 0;
+    if (found == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    } else if (!found->SetLong(index, value, previous)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+    }
+    return previous;
+}

@@ -1,0 +1,281 @@
+// The store against a plain model of the states of its entries, under random operations.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <optional>
+#include <random>
+#include <string>
+
+#include "TitleStore.h"
+
+namespace {
+
+enum class State { kUnknown, kEmpty, kReceived, kEdited };
+
+struct Entry {
+    State state = State::kUnknown;
+    std::string text;
+    int edits = 0;
+};
+
+struct Record {
+    GroupId group;
+    TrackNo track;
+    std::string text;
+};
+
+// Titles by number; what is missing has never been answered for. The undo is a list whose forgotten records leave a hole,
+// since a hole takes room until it is passed on the way back.
+struct Model {
+    std::map<GroupId, Entry> groups;
+    std::map<GroupId, std::map<TrackNo, Entry>> tracks;  // a group is in here while it has a table
+    std::map<GroupId, int> counts;
+    std::deque<std::optional<Record>> records;
+
+    Entry* Find(GroupId group, TrackNo track) {
+        if (group < 1 || group > 1998 || track > 99) {
+            return nullptr;
+        }
+        if (track <= 0) {
+            return &groups[group];
+        }
+        return tracks.count(group) != 0 ? &tracks[group][track] : nullptr;
+    }
+
+    bool IsOpen(GroupId group) { return Find(group, 0) != nullptr && groups[group].state != State::kUnknown; }
+
+    Entry* Reachable(GroupId group, TrackNo track) {
+        Entry* entry = Find(group, track);
+        const bool open = entry != nullptr && IsOpen(group) && entry->state != State::kUnknown;
+        return open && (track <= 0 || track <= counts[group]) ? entry : nullptr;
+    }
+
+    int Receive(GroupId group, TrackNo track, const std::optional<std::string>& text) {
+        if (group < 1 || group > 1998 || track > 99) {
+            return 0;
+        }
+        if (track > 0) {
+            tracks[group];
+            counts[group] = text ? std::max(counts[group], track) : counts[group];
+        }
+        *Find(group, track) = {text ? State::kReceived : State::kEmpty, text.value_or(""), 0};
+        return 1;
+    }
+
+    int Edit(GroupId group, TrackNo track, const std::string& text) {
+        Entry* entry = Reachable(group, track);
+        if (entry != nullptr && entry->text != text) {
+            records.push_back(Record{group, std::max(track, 0), entry->text});
+            if (records.size() > 100) {
+                records.pop_front();
+            }
+            *entry = {State::kEdited, text, std::min(entry->edits + 1, 255)};
+        }
+        return entry != nullptr ? 1 : 0;
+    }
+
+    int Forget(GroupId group, TrackNo track) {
+        Entry* entry = Reachable(group, track);
+        if (entry == nullptr) {
+            return 0;
+        }
+        *entry = {};
+        PunchHoles(group, std::max(track, 0), std::max(track, 0));
+        return 1;
+    }
+
+    void PunchHoles(GroupId group, TrackNo first, TrackNo last) {
+        for (std::optional<Record>& record : records) {
+            if (record && record->group == group && record->track >= first && record->track <= last) {
+                record.reset();
+            }
+        }
+    }
+
+    std::optional<Record> Undo() {
+        std::size_t count = records.size();
+        while (count > 0 && !records[count - 1]) {
+            --count;
+        }
+        const std::optional<Record> record = count > 0 ? records[count - 1] : std::nullopt;
+        Entry* entry = nullptr;
+        if (record) {
+            entry = record->track == 0 ? Reachable(record->group, 0) : Find(record->group, record->track);
+        }
+        if (entry == nullptr) {
+            return std::nullopt;
+        }
+        entry->text = record->text;
+        entry->edits = std::max(entry->edits - 1, 0);
+        entry->state = entry->edits == 0 ? State::kReceived : State::kEdited;
+        records.resize(count - 1);
+        return record;
+    }
+};
+
+const GroupId kSomeGroups[] = {-1, 0, 1, 2, 999, 1000, 1998, 1999};
+const TrackNo kSomeTracks[] = {-3, 0, 1, 2, 3, 98, 99, 100};
+
+class ModelRun {
+public:
+    explicit ModelRun(unsigned seed) : random_(seed) {}
+
+    void Step() {
+        const GroupId group = kSomeGroups[Draw(8)];
+        const TrackNo track = kSomeTracks[Draw(8)];
+        const std::string text = kTexts[Draw(5)];
+        const std::optional<std::string> reply = Draw(4) != 0 ? std::optional(text) : std::nullopt;
+        switch (Draw(40)) {
+            case 0: return Clear(group);
+            case 1: return DropTracks(group);
+            case 2: return Draw(10) == 0 ? Reset() : Clear(group);
+            case 3:
+            case 4: EXPECT_EQ(store_.DeleteTitle(group, track), model_.Forget(group, track)); return;
+            case 5:
+            case 6: return ForgetSent(group, track, text);
+            case 7:
+            case 8:
+            case 9:
+            case 10: return Undo();
+            case 11:
+            case 12:
+            case 13:
+                EXPECT_EQ(store_.StoreReceived(group, track, Pointer(reply)), model_.Receive(group, track, reply));
+                return;
+            default: break;
+        }
+        if (Draw(3) == 0) {
+            return Fetch(group, track, reply);
+        }
+        // Nobody edits the tracks of an Album.
+        const TrackNo edited = group > 999 ? std::min(track, 0) : track;
+        EXPECT_EQ(store_.EditTitle(group, edited, text.c_str()), model_.Edit(group, edited, text));
+    }
+
+    void Compare() {
+        for (GroupId group : kSomeGroups) {
+            const bool counted = model_.IsOpen(group) && model_.tracks.count(group) != 0;
+            EXPECT_EQ(store_.GetTrackCount(group), counted ? model_.counts[group] : -1) << group;
+            for (TrackNo track : kSomeTracks) {
+                CompareEntry(group, track);
+                if (testing::Test::HasFailure()) {
+                    ADD_FAILURE() << "at " << group << "/" << track;
+                    return;
+                }
+            }
+        }
+        const bool undo = std::any_of(model_.records.begin(), model_.records.end(), [](auto& r) { return r.has_value(); });
+        EXPECT_EQ(store_.CanUndo(), undo ? 1 : 0);
+    }
+
+    int undone = 0;
+
+private:
+    static constexpr const char* kTexts[] = {"", "a", "b", "a longer title", "exactly thirty-two bytes of text"};
+
+    unsigned Draw(unsigned count) { return static_cast<unsigned>(random_() % count); }
+    static const char* Pointer(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
+
+    void Reset() {
+        store_.ResetAll();
+        model_ = Model();
+    }
+
+    void Clear(GroupId group) {
+        const bool open = model_.IsOpen(group);
+        EXPECT_EQ(store_.ClearGroup(group), open ? 1 : 0);
+        if (open) {
+            model_.PunchHoles(group, 0, 99);
+            model_.groups.erase(group);
+            model_.tracks.erase(group);
+            model_.counts.erase(group);
+        }
+    }
+
+    void DropTracks(GroupId group) {
+        const bool album = group >= 1000 && group <= 1998;
+        EXPECT_EQ(store_.DropAlbumTracks(group), album ? 1 : 0);
+        if (album) {
+            model_.tracks.erase(group);
+            model_.counts.erase(group);
+        }
+    }
+
+    void Fetch(GroupId group, TrackNo track, const std::optional<std::string>& reply) {
+        const Entry* entry = model_.Find(group, track);
+        const bool edited = entry != nullptr && entry->state == State::kEdited;
+        EXPECT_EQ(store_.StoreFetched(group, track, Pointer(reply)), edited ? 0 : model_.Receive(group, track, reply));
+    }
+
+    void ForgetSent(GroupId group, TrackNo track, const std::string& text) {
+        const Entry* entry = model_.Reachable(group, track);
+        const bool sent = entry != nullptr && entry->state == State::kEdited && entry->text == text;
+        EXPECT_EQ(store_.ForgetSent(group, track, text.c_str()), sent ? model_.Forget(group, track) : 0);
+    }
+
+    void Undo() {
+        Record given{0, 0, ""};
+        char text[kTitleSize] = "";
+        const int done = store_.UndoEdit(&given.group, &given.track, text);
+        const std::optional<Record> expected = model_.Undo();
+        ASSERT_EQ(done, expected ? 1 : 0);
+        if (expected) {
+            EXPECT_EQ(given.group, expected->group);
+            EXPECT_EQ(given.track, expected->track);
+            EXPECT_EQ(text, expected->text);
+            ++undone;
+        }
+    }
+
+    void CompareEntry(GroupId group, TrackNo track) {
+        const Entry* entry = model_.Find(group, track);
+        const bool reachable = model_.Reachable(group, track) != nullptr;
+        const State state = entry != nullptr ? entry->state : State::kUnknown;
+        const int expected = state == State::kEdited ? TS_EDITED : (state == State::kReceived ? TS_RECEIVED : TS_NONE);
+        const int known = store_.IsKnown(group, track);
+        const int edited = store_.IsEdited(group, track);
+        const int given = store_.GetState(group, track);
+        EXPECT_EQ(known, state != State::kUnknown ? 1 : 0);
+        EXPECT_EQ(given, entry != nullptr ? expected : -1);
+        EXPECT_EQ(store_.IsDisc(group, track), reachable ? (group <= 999 ? 1 : 0) : -1);
+        // Whatever the model says: no third state, "edited" has one meaning, and no text without an answer.
+        EXPECT_LE(given, TS_EDITED);
+        EXPECT_EQ(edited, given == TS_EDITED ? 1 : 0);
+        EXPECT_TRUE(known == 1 || given <= TS_NONE);
+        char text[kTitleSize];
+        std::memset(text, '#', sizeof text);
+        const int found = store_.GetTitle(group, track, text);
+        EXPECT_EQ(found, reachable && expected != TS_NONE ? 1 : 0);
+        if (found == 1) {
+            EXPECT_STREQ(text, entry->text.c_str());
+        } else {
+            EXPECT_EQ(std::string(text, sizeof text), std::string(sizeof text, '#'));
+        }
+    }
+
+    std::mt19937 random_;
+    TitleStore store_;
+    Model model_;
+};
+
+TEST(TitleStoreModelTest, RandomOperations) {
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        ModelRun run(seed);
+        for (int step = 0; step < 2000; ++step) {
+            SCOPED_TRACE(testing::Message() << "step " << step);
+            run.Step();
+            run.Compare();
+            if (testing::Test::HasFailure()) {
+                return;
+            }
+        }
+        // A run that hardly ever had anything to undo would have compared little.
+        EXPECT_GT(run.undone, 50);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+// Cuts the received byte stream into frames.
+#include "FrameCutter.h"
+
+namespace {
+
+constexpr std::string_view kSeparators("\r\n", 2);
+
+}  // namespace
+
+void FrameCutter::Feed(std::string_view chunk) {
+    chunk = chunk.substr(0, chunk.find('\0'));
+    while (!chunk.empty()) {
+        const std::size_t end = chunk.find_first_of(kSeparators);
+        const std::string_view piece = chunk.substr(0, end);
+        if (!piece.empty()) {
+            FeedPiece(piece);
+        }
+        chunk.remove_prefix(end == std::string_view::npos ? chunk.size() : end + 1);
+    }
+}
+
+void FrameCutter::FeedPiece(std::string_view piece) {
+    for (const char c : piece) {
+        switch (c) {
+            case kStx:
+            case kDc1:
+            case kDc2:
+            case kDc3:
+            case kDc4:
+                // A start byte inside a frame drops the old one: this is how the line finds its feet again.
+                length_ = 0;
+                rxFrame_[length_++] = c;
+                break;
+            case kEtx:
+                if (length_ > 0) {
+                    Append(c);
+                    HandOver(length_);
+                    return;
+                }
+                break;
+            case kAck:
+            case kNak:
+            case kCan: HandOver(0); return;
+            default:
+                // Bytes outside a frame count for nothing.
+                if (length_ > 0) {
+                    Append(c);
+                }
+                break;
+        }
+    }
+}
+
+void FrameCutter::Append(char c) {
+    if (length_ < kFrameSize) {
+        rxFrame_[length_++] = c;
+    }
+    // No frame is that long: what is held can only be the ruins of one, so the next start byte begins anew.
+    if (length_ == kFrameSize && c != kEtx) {
+        length_ = 0;
+    }
+}
+
+void FrameCutter::HandOver(std::size_t length) {
+    proc_(owner_, std::string_view(rxFrame_, length));
+    length_ = 0;
+}

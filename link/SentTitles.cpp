@@ -1,0 +1,45 @@
+// What one operation has put on the line.
+#include "SentTitles.h"
+
+#include <windows.h>
+
+#include <cstring>
+
+namespace {
+
+constexpr int kTitlesOfDisc = 1 + kTracks;
+constexpr int kEntries = kDiscs * kTitlesOfDisc + kAlbums;
+
+}  // namespace
+
+SentTitles::SentTitles() : entries_(static_cast<Entry*>(LocalAlloc(LPTR, sizeof(Entry) * kEntries))) {}
+
+SentTitles::~SentTitles() {
+    LocalFree(entries_);
+}
+
+void SentTitles::Record(std::uint32_t operationNumber, GroupId group, TrackNo track, const char* text) {
+    const int index = IndexOf(group, track);
+    if (index < 0) {
+        return;
+    }
+    Entry& entry = entries_[index];
+    entry.operationNumber = operationNumber;
+    std::memcpy(entry.text, text, strnlen(text, kTitleLength));
+    entry.text[strnlen(text, kTitleLength)] = '\0';
+}
+
+const char* SentTitles::Find(std::uint32_t operationNumber, GroupId group, TrackNo track) const {
+    const int index = IndexOf(group, track);
+    return index >= 0 && entries_[index].operationNumber == operationNumber ? entries_[index].text : nullptr;
+}
+
+int SentTitles::IndexOf(GroupId group, TrackNo track) {
+    if (group < 1 || group > kGroups || track < 0 || track > kTracks) {
+        return -1;
+    }
+    if (!IsAlbum(group)) {
+        return (group - 1) * kTitlesOfDisc + track;
+    }
+    return track == 0 ? kDiscs * kTitlesOfDisc + AlbumNumber(group) - 1 : -1;
+}

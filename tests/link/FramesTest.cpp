@@ -1,0 +1,327 @@
+// Fields, frames and the cutting of the stream, byte by byte.
+#include "Frames.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Fields.h"
+#include "FrameCutter.h"
+#include "TitleStore.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+std::string Dec(std::uint32_t value, int width) {
+    char out[16] = {};
+    return PutDec(value, width, out) ? out : "refused";
+}
+
+std::string Hex(std::uint32_t value, int width) {
+    char out[16] = {};
+    return PutHex(value, width, out) ? out : "refused";
+}
+
+struct HexRead {
+    std::uint32_t value;
+    bool good;
+    bool operator==(const HexRead&) const = default;
+};
+
+HexRead ReadHex(std::string_view text, int width) {
+    HexRead read = {};
+    read.good = GetHex(text, width, read.value);
+    return read;
+}
+
+// A block frame as the unit sends it, with the right check field.
+std::string Block(const std::string& payload) {
+    char length[8];
+    PutHex(static_cast<std::uint32_t>(payload.size()), 2, length);
+    const std::string body = "50"s + length + payload;
+    char sum[8];
+    PutHex(ByteSum(body), 2, sum);
+    return "\x14" + body + sum + "\x03";
+}
+
+std::vector<std::string> Cut(const std::vector<std::string>& chunks) {
+    std::vector<std::string> frames;
+    FrameCutter cutter(
+        [](void* owner, std::string_view frame) { static_cast<std::vector<std::string>*>(owner)->emplace_back(frame); },
+        &frames);
+    for (const std::string& chunk : chunks) {
+        cutter.Feed(chunk);
+    }
+    return frames;
+}
+
+TEST(Fields, WriteTheLowDigitsAndRefuseImpossibleWidths) {
+    EXPECT_EQ(Hex(0xFFFF, 4), "FFFF");
+    EXPECT_EQ(Hex(0xABCDE, 5), "ABCDE");
+    EXPECT_EQ(Hex(0x1234, 2), "34");
+    EXPECT_EQ(Hex(1, 0), "refused");
+    EXPECT_EQ(Hex(1, 6), "refused");
+    EXPECT_EQ(Dec(7, 3), "007");
+    EXPECT_EQ(Dec(1234, 3), "234");
+    EXPECT_EQ(Dec(1, 0), "refused");
+}
+
+TEST(Fields, ReadAsFarAsTheDigitsGo) {
+    EXPECT_EQ(ReadHex("fF", 2), (HexRead{0xFF, true}));
+    EXPECT_EQ(ReadHex("4G", 2), (HexRead{4, false}));
+    EXPECT_EQ(ReadHex("4 ", 2), (HexRead{4, true}));
+    EXPECT_EQ(ReadHex("4", 2), (HexRead{4, true}));
+    EXPECT_EQ(ReadHex("12345", 2), (HexRead{0x12, true}));
+    std::uint32_t value = 99;
+    GetDec("1 3", 3, value);
+    EXPECT_EQ(value, 13U);
+    GetDec("", 3, value);
+    EXPECT_EQ(value, 0U);
+    EXPECT_EQ(ByteSum(""), 0);
+    EXPECT_EQ(ByteSum("\xFF\x02"), 1);
+    EXPECT_TRUE(SumMatches("\xFF\x02", "01"));
+    EXPECT_FALSE(SumMatches("\xFF\x02", "02"));
+}
+
+TEST(Frames, AreEncodedByteByByte) {
+    char out[kFrameSize];
+    const auto encoded = [&](auto encode, auto... arguments) {
+        encode(arguments..., out);
+        return std::string(out);
+    };
+    EXPECT_EQ(encoded(EncodeModelQuery),
+              "\x11"
+              "000\x03");
+    EXPECT_EQ(encoded(EncodeStatusQuery, kStatusMenu),
+              "\x02"
+              "52060\x03");
+    EXPECT_EQ(encoded(EncodeStatusQuery, kStatusReady),
+              "\x02"
+              "52000\x03");
+    EXPECT_EQ(encoded(EncodeUnitCommand, kCommandBD),
+              "\x02"
+              "07CBD\x03");
+    EXPECT_EQ(encoded(EncodeUnitCommand, kCommandBE),
+              "\x02"
+              "07CBE\x03");
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapDiscs, std::uint16_t{0}),
+              "\x14"
+              "50100300000000000000C9\x03");
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapAlbums, std::uint16_t{0}),
+              "\x14"
+              "50100301000000000000CA\x03");
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, kProbeCode),
+              "\x14"
+              "50100302FFFF0000000023\x03");
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, GroupCode(12)),
+              "\x14"
+              "50100302001200000000CE\x03");
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, GroupCode(AlbumGroup(123))),
+              "\x14"
+              "50100302212300000000D3\x03");
+    EXPECT_EQ(encoded(EncodeTitleRead, kKindDisc, 12U, 3U),
+              "\x14"
+              "50100500120300000000D1\x03");
+    EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 7U, 0U),
+              "\x14"
+              "50100520070000000000D4\x03");
+    EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 123U, 0U).substr(7, 4), "2123");
+    EXPECT_EQ(encoded(EncodeTitleWrite, kKindDisc, 12U, 3U),
+              "\x14"
+              "50100600120300000000D2\x03");
+    EXPECT_TRUE(IsTitleWrite(out));
+    EXPECT_FALSE(IsTitleRead(out));
+    EXPECT_FALSE(IsMapQuery(out));
+    EXPECT_FALSE(IsTitleRead("") || IsTitleWrite("") || IsMapQuery(""));
+}
+
+TEST(Frames, TitleDataTakesItsTextFromTheStore) {
+    TitleStore store;
+    char out[kFrameSize] = "unchanged";
+    char text[kTitleSize] = {};
+    EXPECT_FALSE(EncodeTitleData(store, 5, 0, out, text));
+    EXPECT_STREQ(out, "unchanged");
+
+    store.StoreReceived(5, 0, "abc");
+    ASSERT_TRUE(EncodeTitleData(store, 5, 0, out, text));
+    EXPECT_EQ(std::string(out),
+              "\x14"
+              "5020abc" +
+                  std::string(29, ' ') + "8D\x03");
+    EXPECT_STREQ(text, "abc");
+
+    const std::string full(32, '~');
+    store.StoreReceived(5, 0, full.c_str());
+    ASSERT_TRUE(EncodeTitleData(store, 5, 0, out, text));
+    EXPECT_EQ(std::string(out).substr(5, 32), full);
+    store.StoreReceived(5, 0, "");
+    ASSERT_TRUE(EncodeTitleData(store, 5, 0, out, text));
+    EXPECT_EQ(std::string(out).substr(5, 32), std::string(32, ' '));
+}
+
+TEST(Frames, ReceivedOnesAreToldApart) {
+    const struct {
+        const char* what;
+        std::string frame;
+        FrameKind kind;
+    } cases[] = {
+        {"status", "\x02@05240\x03", FrameKind::kStatus},
+        {"status, other second byte", "\x02@15240\x03", FrameKind::kStatus},
+        {"command", "\x02@05800\x03", FrameKind::kCommand},
+        {"last command type", "\x02@05F00\x03", FrameKind::kCommand},
+        {"type of no meaning", "\x02@05700\x03", FrameKind::kIgnored},
+        {"type outside the family", "\x02@06240\x03", FrameKind::kVoid},
+        {"no at sign",
+         "\x02"
+         "A05240\x03",
+         FrameKind::kVoid},
+        {"wrong second byte", "\x02@25240\x03", FrameKind::kVoid},
+        {"one byte too long", "\x02@052400\x03", FrameKind::kVoid},
+        {"one byte short", "\x02@0524\x03", FrameKind::kVoid},
+        {"model",
+         "\x12"
+         "C00530009B\x03",
+         FrameKind::kModel},
+        {"model with data",
+         "\x12"
+         "C0071002abXX\x03",
+         FrameKind::kModel},
+        {"model, length too long",
+         "\x12"
+         "C0053001"
+         "9B\x03",
+         FrameKind::kVoid},
+        {"write reply",
+         "\x14"
+         "500406008F\x03",
+         FrameKind::kTitleWrite},
+        {"read reply", Block("0500" + std::string(32, ' ')), FrameKind::kTitleRead},
+        {"map", Block("0300" + std::string(250, '0')), FrameKind::kMap},
+        {"wrong check field",
+         "\x14"
+         "500406008E\x03",
+         FrameKind::kVoid},
+        {"result 3F", Block("063F"), FrameKind::kVoid},
+        {"result 3F of an unknown sub-type", Block("093F"), FrameKind::kVoid},
+        {"unknown sub-type", Block("0900"), FrameKind::kIgnored},
+        {"block of another family",
+         "\x14"
+         "400406008E\x03",
+         FrameKind::kVoid},
+        {"block length beyond the frame",
+         "\x14"
+         "50FF06008F\x03",
+         FrameKind::kVoid},
+        {"DC1",
+         "\x11"
+         "000\x03",
+         FrameKind::kVoid},
+        {"DC3",
+         "\x13"
+         "000\x03",
+         FrameKind::kVoid},
+        {"lone control byte", "", FrameKind::kVoid},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(ClassifyFrame(each.frame), each.kind) << each.what;
+    }
+    EXPECT_TRUE(
+        ModelSumMatches("\x12"
+                        "C00530009B\x03"));
+    EXPECT_FALSE(
+        ModelSumMatches("\x12"
+                        "C00530009C\x03"));
+    EXPECT_EQ(ModelNumber("\x12"
+                          "C00530009B\x03"),
+              1);
+    EXPECT_EQ(ModelNumber("\x12"
+                          "C00710009B\x03"),
+              2);
+    EXPECT_EQ(ModelNumber("\x12"
+                          "C00720009B\x03"),
+              0);
+}
+
+TEST(Frames, MapBitsAndTitlesAreDecoded) {
+    std::string digits(250, '0');
+    digits[0] = '8';    // item 1
+    digits[3] = '1';    // item 16
+    digits[249] = '1';  // item 1000
+    const std::string map = Block("0300" + digits);
+    for (std::uint32_t item = 1; item <= 1000; ++item) {
+        EXPECT_EQ(MapBit(map, item), item == 1 || item == 16 || item == 1000) << item;
+    }
+    EXPECT_TRUE(IsRefusal(Block("0301")) && IsRefusal(Block("0302")));
+    EXPECT_FALSE(IsRefusal(Block("0300")) || IsRefusal(Block("0303")));
+
+    const struct {
+        std::string wire;
+        std::string text;
+    } titles[] = {
+        {"ab" + std::string(30, ' '), "ab"},
+        {std::string(32, ' '), ""},
+        {" \xE9x\x7F~" + std::string(27, ' '), "  x ~"},
+        {std::string(31, ' ') + "z", std::string(31, ' ') + "z"},
+        {std::string(32, 'M'), std::string(32, 'M')},
+        {"a\x1F\x80" + std::string(29, ' '), "a"},
+    };
+    for (const auto& title : titles) {
+        char text[kTitleSize];
+        DecodeTitle(Block("0500" + title.wire), text);
+        EXPECT_EQ(text, title.text);
+    }
+}
+
+TEST(FrameCutter, PutsFramesTogetherAtAnySplit) {
+    const std::string frame = Block("0500title" + std::string(27, ' '));
+    for (std::size_t split = 0; split <= frame.size(); ++split) {
+        EXPECT_EQ(Cut({frame.substr(0, split), "\r\n", frame.substr(split)}), std::vector{frame}) << split;
+    }
+    std::vector<std::string> bytes;
+    for (const char c : frame) {
+        bytes.emplace_back(1, c);
+    }
+    EXPECT_EQ(Cut(bytes), std::vector{frame});
+}
+
+TEST(FrameCutter, GivesOneFrameForEachPiece) {
+    const std::string one = "\x02@05240\x03";
+    const std::string two = "\x02@052FF\x03";
+    using Frames = std::vector<std::string>;
+    const struct {
+        const char* what;
+        std::vector<std::string> chunks;
+        Frames frames;
+    } cases[] = {
+        {"second frame of a piece is lost", {one + two}, {one}},
+        {"a separator keeps both", {one + "\r" + two}, {one, two}},
+        {"two chunks keep both", {one, two}, {one, two}},
+        {"a start byte drops the old frame", {"\x02@05" + two}, {two}},
+        {"an ETX with nothing before it", {"\x03\x03" + one}, {one}},
+        {"bytes outside a frame", {"junk\x03junk" + one}, {one}},
+        {"junk at the end of a chunk", {"junk", "\x03", one}, {one}},
+        {"a lone ACK", {"\x06"}, {""}},
+        {"a NAK within a frame", {"\x02@0\x15" + one, one}, {"", one}},
+        {"a CAN between frames", {one + "\n\x18\n" + two}, {one, "", two}},
+        {"a NUL hides the rest of its chunk", {"\x02@05"s + '\0' + two, "240\x03"}, {one}},
+        {"separators alone", {"\r\n\r\n", ""}, {}},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(Cut(each.chunks), each.frames) << each.what;
+    }
+}
+
+TEST(FrameCutter, DropsWhatIsTooLongAndGoesOn) {
+    const std::string frame = "\x02@05240\x03";
+    const std::string fits = "\x14" + std::string(kFrameSize - 2, 'x') + "\x03";
+    EXPECT_EQ(Cut({fits}), std::vector{fits});
+    const std::string tooLong = "\x14" + std::string(kFrameSize - 1, 'x') + "\x03";
+    EXPECT_EQ(Cut({tooLong + frame}), std::vector{frame});
+    const std::string endless(5000, 'x');
+    EXPECT_EQ(Cut({"\x14" + endless, endless, "\x03", frame}), std::vector{frame});
+    EXPECT_EQ(Cut({endless + frame}), std::vector{frame});
+}
+
+}  // namespace

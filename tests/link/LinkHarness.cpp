@@ -1,0 +1,221 @@
+// The link in virtual time.
+#include "LinkHarness.h"
+
+#include <gtest/gtest.h>
+
+#include "Fields.h"
+
+namespace {
+
+constexpr std::uint64_t kLimitUs = 24ULL * 3600 * 1000 * 1000;
+
+}  // namespace
+
+std::string UnitBlock(const std::string& payload) {
+    char digits[8];
+    PutHex(static_cast<std::uint32_t>(payload.size()), 2, digits);
+    const std::string body = std::string("50") + digits + payload;
+    PutHex(ByteSum(body), 2, digits);
+    return "\x14" + body + digits + "\x03";
+}
+
+std::string UnitMap(const std::vector<int>& items) {
+    std::string digits;
+    for (int byte = 0; byte < 125; ++byte) {
+        unsigned bits = 0;
+        for (const int item : items) {
+            bits |= (item - 1) / 8 == byte ? 0x80U >> ((item - 1) % 8) : 0U;
+        }
+        char pair[8];
+        PutHex(bits, 2, pair);
+        digits += pair;
+    }
+    return UnitBlock("0300" + digits);
+}
+
+std::string UnitTitle(std::string text) {
+    text.resize(32, ' ');
+    return UnitBlock("0500" + text);
+}
+
+std::string UnitStatus(const std::string& value) {
+    return "\x02@052" + value + "\x03";
+}
+
+WPARAM ResultOf(WORD operation, BYTE code, BYTE status) {
+    return operation | static_cast<WPARAM>(code) << 16 | static_cast<WPARAM>(status) << 24;
+}
+
+void PrintTo(const Posted& posted, std::ostream* out) {
+    *out << posted.message << ' ' << std::hex << posted.wParam << ' ' << posted.lParam << std::dec;
+}
+
+void ScriptedUnit::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t lastByteUs) {
+    const std::string frame(bytes);
+    frames_.push_back({frame, lastByteUs});
+    std::string answer;
+    const auto scripted = answers_.find(frame);
+    if (scripted == answers_.end()) {
+        answer = DefaultAnswer(frame);
+    } else {
+        answer = scripted->second.front();
+        if (scripted->second.size() > 1) {
+            scripted->second.erase(scripted->second.begin());
+        }
+    }
+    if (!answer.empty()) {
+        line_->Send(answer, delayUs_);
+    }
+}
+
+std::string ScriptedUnit::DefaultAnswer(const std::string& frame) const {
+    if (frame[0] == kDc1) {
+        return kModelReply;
+    }
+    if (frame ==
+        "\x02"
+        "52060\x03") {
+        return UnitStatus("FF");
+    }
+    if (frame ==
+        "\x02"
+        "52000\x03") {
+        return UnitStatus("40");
+    }
+    if (frame.substr(1, 3) == "07C") {
+        return "\x02@05800\x03";
+    }
+    const std::string kind = frame.substr(3, 4);
+    if (kind == "1003") {
+        if (frame.substr(9, 4) == "FFFF") {
+            return kRefusedMap;
+        }
+        const std::map<std::string, std::vector<int>> maps = {{"00", {1, 2}}, {"01", {1}}, {"02", {1, 2, 3}}};
+        return UnitMap(maps.at(frame.substr(7, 2)));
+    }
+    if (kind == "1005") {
+        return UnitTitle("Title " + frame.substr(7, 6));
+    }
+    return kind == "1006" ? kWriteAccepted : std::string();
+}
+
+std::vector<std::string> ScriptedUnit::FrameTexts(std::size_t from) const {
+    std::vector<std::string> texts;
+    for (std::size_t i = from; i < frames_.size(); ++i) {
+        const std::string& frame = frames_[i].frame;
+        const std::size_t tail = frame[0] == kDc4 ? 3 : 1;
+        texts.push_back(frame.substr(1, frame.size() - 1 - tail));
+    }
+    return texts;
+}
+
+std::size_t ScriptedUnit::Count(const std::string& frame) const {
+    std::size_t count = 0;
+    for (const Sent& sent : frames_) {
+        count += sent.frame == frame ? 1 : 0;
+    }
+    return count;
+}
+
+LinkHarness::LinkHarness(ScriptedUnit& scripted) : unit(scripted) {
+    WNDCLASSEXA windowClass = {};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.lpszClassName = "LinkHarness";
+    RegisterClassExA(&windowClass);
+    window_ = CreateWindowExA(0, "LinkHarness", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    link.SetPaneWindow(window_);
+    link.SetTitleStore(&store);
+}
+
+LinkHarness::~LinkHarness() {
+    link.Disconnect();
+    link.SetPaneWindow(nullptr);
+    DestroyWindow(window_);
+}
+
+LRESULT CALLBACK LinkHarness::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == LM_RESULT || message == LM_PROGRESS) {
+        reinterpret_cast<LinkHarness*>(GetWindowLongPtrA(window, GWLP_USERDATA))
+            ->posted.push_back({message, wParam, lParam});
+        return 0;
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+bool LinkHarness::WaitUntil(const std::function<bool()>& condition, DWORD limitMs) {
+    const std::uint64_t end = Now() + limitMs * std::uint64_t{1000};
+    while (true) {
+        MSG message;
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageA(&message);
+        }
+        if (condition()) {
+            return true;
+        }
+        if (Now() >= end) {
+            return false;
+        }
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
+    }
+}
+
+void LinkHarness::Pass(DWORD ms) {
+    WaitUntil([] { return false; }, ms);
+}
+
+bool LinkHarness::HasResult(WPARAM wParam) const {
+    for (const Posted& each : posted) {
+        if (each.message == LM_RESULT && each.wParam == wParam) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool LinkHarness::WaitForResult(WPARAM wParam, DWORD limitMs) {
+    return WaitUntil([&] { return HasResult(wParam); }, limitMs);
+}
+
+bool LinkHarness::ConnectQuietly() {
+    const bool connected = link.Connect("COM1") && WaitForResult(OP_CONNECT);
+    posted.clear();
+    framesBefore_ = unit.Frames().size();
+    return connected;
+}
+
+std::string LinkHarness::LastFrame() const {
+    const std::vector<std::string> texts = FramesSinceConnect();
+    return texts.empty() ? std::string() : texts.back();
+}
+
+std::size_t LinkHarness::Results() const {
+    return posted.size() - Progress().size();
+}
+
+std::vector<Posted> LinkHarness::Progress() const {
+    std::vector<Posted> progress;
+    for (const Posted& each : posted) {
+        if (each.message == LM_PROGRESS) {
+            progress.push_back(each);
+        }
+    }
+    return progress;
+}
+
+void RunLink(const std::function<void(LinkHarness&)>& body, std::uint64_t seed) {
+    Simulation::Options options;
+    options.seed = seed;
+    Simulation simulation(options);
+    ScriptedUnit unit;
+    unit.SetLine(&simulation.AttachPort("COM1", &unit));
+    const bool done = simulation.Run(
+        [&] {
+            LinkHarness harness(unit);
+            body(harness);
+        },
+        kLimitUs);
+    EXPECT_TRUE(done) << simulation.Report();
+    EXPECT_EQ(simulation.PeriodsHeld(), 0) << "timer period still held";
+}

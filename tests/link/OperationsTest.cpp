@@ -1,0 +1,320 @@
+// The operations frame by frame, and what a send leaves in the store.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "LinkHarness.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const Texts kStatusCheck = {"52060", "52000"};
+
+Texts After(const Texts& head, const Texts& tail) {
+    Texts all = head;
+    all.insert(all.end(), tail.begin(), tail.end());
+    return all;
+}
+
+std::string DataText(std::string title) {
+    title.resize(32, ' ');
+    return "5020" + title;
+}
+
+std::vector<WPARAM> ProgressNumbers(const LinkHarness& run) {
+    std::vector<WPARAM> numbers;
+    for (const Posted& each : run.Progress()) {
+        numbers.push_back(each.wParam);
+    }
+    return numbers;
+}
+
+DisplayRanges SmallRanges() {
+    DisplayRanges ranges;
+    ranges.DiscTo = 3;
+    ranges.AlbumTo = 3;
+    ranges.TrackTo = 3;
+    return ranges;
+}
+
+char Query[kFrameSize];
+
+std::string Probe() {
+    EncodeMapQuery(kMapTracks, kProbeCode, Query);
+    return Query;
+}
+
+TEST(GetAll, SkipsTheKindsWhoseRangeIsOff) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges = SmallRanges();
+        ranges.DiscFrom = ranges.DiscTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        EXPECT_EQ(run.FramesSinceConnect(), After(kStatusCheck, {"50100301000000000000", "50100520010000000000"}));
+        EXPECT_EQ(ProgressNumbers(run), (std::vector<WPARAM>{139265, 401409, 466945}));
+
+        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        run.posted.clear();
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        EXPECT_EQ(ProgressNumbers(run), std::vector<WPARAM>{139265});
+    });
+}
+
+TEST(GetAll, GoesOnWhenTheUnitRefusesTheMaps) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        EncodeMapQuery(kMapDiscs, 0, Query);
+        run.unit.Answer(Query, {UnitBlock("0302")});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        EXPECT_EQ(run.FramesSinceConnect(),
+                  After(kStatusCheck, {"50100300000000000000", "50100301000000000000", "50100520010000000000"}));
+        EXPECT_EQ(run.Results(), 1U);
+    });
+}
+
+TEST(GetGroup, ReadsTheOwnTitleUnlessItIsKnown) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        ASSERT_TRUE(run.link.GetOneGroup(AlbumGroup(2)));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
+        EXPECT_EQ(run.FramesSinceConnect(), After(kStatusCheck, {"50100520020000000000"}));
+        EXPECT_EQ(ProgressNumbers(run), (std::vector<WPARAM>{139265, 598018}));
+
+        run.posted.clear();
+        ASSERT_TRUE(run.link.GetOneGroup(AlbumGroup(2)));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
+        EXPECT_EQ(run.FramesSinceConnect().size(), 5U);
+    });
+}
+
+TEST(GetTracks, AsksForTheBitmapWhenTheProbeIsRefused) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        ASSERT_TRUE(run.link.GetGroupTracks(2));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        EXPECT_EQ(run.FramesSinceConnect(),
+                  After(kStatusCheck, {"50100302FFFF00000000", "50100302000200000000", "50100500020100000000",
+                                       "50100500020200000000", "50100500020300000000"}));
+        EXPECT_EQ(run.Progress(), (std::vector<Posted>{{LM_PROGRESS, 139265, 0},
+                                                       {LM_PROGRESS, 598019, 0},
+                                                       {LM_PROGRESS, 0x92003, 0x20001},
+                                                       {LM_PROGRESS, 0x92003, 0x20002}}));
+        // All of them are known now: the bitmap leaves nothing to read.
+        run.posted.clear();
+        ASSERT_TRUE(run.link.GetGroupTracks(2));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        EXPECT_EQ(run.FramesSinceConnect().size(), 7U + 4U);
+    });
+}
+
+TEST(GetTracks, GoesByTheRangeWhenTheProbeIsAccepted) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges;
+        ranges.TrackFrom = 2;
+        ranges.TrackTo = 3;
+        run.link.SetDisplayRanges(ranges);
+        run.unit.Answer(Probe(), {UnitBlock("0300")});
+        ASSERT_TRUE(run.link.GetGroupTracks(3));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        ASSERT_TRUE(run.link.GetGroupTracks(AlbumGroup(3)));
+        run.posted.clear();
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        // A Disc from the range's first track, an Album from its own title on.
+        EXPECT_EQ(run.FramesSinceConnect(),
+                  (Texts{"52060", "52000", "50100302FFFF00000000", "50100500030200000000", "50100500030300000000", "52060",
+                         "52000", "50100302FFFF00000000", "50100520030000000000", "50100520030100000000",
+                         "50100520030200000000", "50100520030300000000"}));
+
+        ranges.TrackFrom = ranges.TrackTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        run.posted.clear();
+        ASSERT_TRUE(run.link.GetGroupTracks(4));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        EXPECT_EQ(run.FramesSinceConnect().size(), 12U);
+        EXPECT_TRUE(run.Progress().empty());
+    });
+}
+
+TEST(SendGroup, WritesTheEditsAndReadsTheGroupTitlesBack) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.link.SetDisplayRanges(SmallRanges());
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        ASSERT_TRUE(run.link.GetGroupTracks(2));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        run.store.StoreReceived(AlbumGroup(1), 1, "album track");
+        run.store.EditTitle(2, 0, "own");
+        run.store.EditTitle(2, 1, "one");
+        run.store.EditTitle(2, 3, "three");
+        run.store.EditTitle(1, 0, "of another group");
+        run.posted.clear();
+        const std::size_t before = run.FramesSinceConnect().size();
+        ASSERT_TRUE(run.link.SendGroup(2));
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        Texts frames = run.FramesSinceConnect();
+        frames.erase(frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(before));
+        EXPECT_EQ(frames,
+                  After(kStatusCheck, {"50100500020000000000", "50100600020000000000", DataText("own"),
+                                       "50100600020100000000", DataText("one"), "50100600020300000000", DataText("three"),
+                                       "50100300000000000000", "50100500020000000000", "50100301000000000000"}));
+        EXPECT_EQ(run.Progress(), (std::vector<Posted>{{LM_PROGRESS, 143362, 0},
+                                                       {LM_PROGRESS, 667650, 0},
+                                                       {LM_PROGRESS, 0xA3002, 0x20000},
+                                                       {LM_PROGRESS, 0xA3002, 0x20001},
+                                                       {LM_PROGRESS, 274434, 0},
+                                                       {LM_PROGRESS, 339970, 0},
+                                                       {LM_PROGRESS, 405506, 0}}));
+        EXPECT_EQ(run.store.GetState(2, 0), TS_RECEIVED);
+        EXPECT_EQ(run.store.IsKnown(2, 1), 0);
+        EXPECT_EQ(run.store.IsKnown(2, 2), 1);
+        EXPECT_EQ(run.store.IsKnown(2, 3), 0);
+        EXPECT_EQ(run.store.GetState(1, 0), TS_EDITED);
+        EXPECT_EQ(run.store.GetState(AlbumGroup(1), 1), -1);
+        EXPECT_EQ(run.store.GetState(AlbumGroup(1), 0), TS_RECEIVED);
+    });
+}
+
+TEST(SendAll, WritesAlbumsByTheirOwnTitleOnly) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.link.SetDisplayRanges(SmallRanges());
+        for (const TrackNo track : {0, 1}) {
+            run.store.StoreReceived(AlbumGroup(1), track, "old");
+            run.store.EditTitle(AlbumGroup(1), track, "new");
+        }
+        run.store.StoreReceived(4, 0, "outside");
+        run.store.EditTitle(4, 0, "the range");
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        Texts frames = run.FramesSinceConnect();
+        frames.resize(5);
+        EXPECT_EQ(frames, After(kStatusCheck, {"50100520010000000000", "50100620010000000000", DataText("new")}));
+        EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 1));
+        EXPECT_TRUE(run.store.IsEdited(4, 0));
+        EXPECT_FALSE(run.HasResult(OP_SEND_ALL));
+    });
+}
+
+TEST(SendAll, WithNothingEditedReadsOnlyWhatIsUnknown) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_EQ(run.FramesSinceConnect().size(), 2U + 5U);
+        EXPECT_EQ(run.store.GetState(1, 0), TS_RECEIVED);
+    });
+}
+
+TEST(SendAll, ForgetsNothingWithoutDiscsAndSendsNothingWithoutTracks) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges = SmallRanges();
+        ranges.DiscFrom = ranges.DiscTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        run.store.StoreReceived(AlbumGroup(1), 0, "old");
+        run.store.EditTitle(AlbumGroup(1), 0, "new");
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_EQ(run.FramesSinceConnect()[4], DataText("new"));
+        EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 0));
+
+        ranges = SmallRanges();
+        ranges.TrackFrom = ranges.TrackTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        const std::size_t before = run.FramesSinceConnect().size();
+        run.posted.clear();
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_EQ(run.FramesSinceConnect().size(), before + 2);
+        EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 0));
+    });
+}
+
+TEST(SendAll, FillsTheRingAsOftenAsItTakes) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges;
+        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        constexpr GroupId kEditedDiscs = 31;
+        for (GroupId disc = 1; disc <= kEditedDiscs; ++disc) {
+            for (TrackNo track = 0; track <= kTracks; ++track) {
+                run.store.StoreReceived(disc, track, "old");
+                run.store.EditTitle(disc, track, "new");
+            }
+        }
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP, 3600 * 1000));
+        std::size_t data = 0;
+        for (const std::string& text : run.FramesSinceConnect()) {
+            data += text == DataText("new") ? 1U : 0U;
+        }
+        EXPECT_EQ(data, std::size_t{kEditedDiscs} * (kTracks + 1));
+        for (GroupId disc = 1; disc <= kEditedDiscs; ++disc) {
+            EXPECT_FALSE(run.store.IsEdited(disc, 0)) << disc;
+            EXPECT_FALSE(run.store.IsEdited(disc, kTracks)) << disc;
+        }
+    });
+}
+
+TEST(SendGroup, SendsATitleAgainThatIsEditedMeanwhile) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.link.SetDisplayRanges(SmallRanges());
+        for (const TrackNo track : {0, 1, 2}) {
+            run.store.StoreReceived(1, track, "old");
+        }
+        run.store.EditTitle(1, 1, "first");
+        run.store.EditTitle(1, 2, "second");
+        ASSERT_TRUE(run.link.SendGroup(1));
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == DataText("first"); }, 10000));
+        run.store.EditTitle(1, 1, "first, improved");
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        const Texts frames = run.FramesSinceConnect();
+        EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("first, improved")), 1);
+        EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("second")), 1);
+        EXPECT_FALSE(run.store.IsEdited(1, 1));
+    });
+}
+
+TEST(SendGroup, SendsATitleWhoseRequestAStrayReplyHasUsedUp) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.store.StoreReceived(1, 0, "old");
+        run.store.EditTitle(1, 0, "new");
+        EncodeTitleWrite(kKindDisc, 1, 0, Query);
+        run.unit.Answer(Query, {"\x02@05800\x03", kWriteAccepted});
+        ASSERT_TRUE(run.link.SendGroup(1));
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        const Texts frames = run.FramesSinceConnect();
+        EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("new")), 1);
+        EXPECT_FALSE(run.store.IsEdited(1, 0));
+    });
+}
+
+TEST(Sending, ThatBreaksOffKeepsEveryEdit) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        for (const TrackNo track : {0, 1}) {
+            run.store.StoreReceived(1, track, "old");
+            run.store.EditTitle(1, track, "new");
+        }
+        EncodeTitleWrite(kKindDisc, 1, 1, Query);
+        run.unit.Answer(Query, {""});
+        ASSERT_TRUE(run.link.SendGroup(1));
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_SEND_GROUP, RC_TITLE_WRITE, ST_TIMEOUT)));
+        EXPECT_TRUE(run.store.IsEdited(1, 0));
+        EXPECT_TRUE(run.store.IsEdited(1, 1));
+        EXPECT_TRUE(run.store.CanUndo());
+    });
+}
+
+}  // namespace

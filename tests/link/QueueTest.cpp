@@ -1,0 +1,193 @@
+// The sender's pace, its repeats and time-outs, starting and stopping.
+#include <gtest/gtest.h>
+
+#include "LinkHarness.h"
+
+namespace {
+
+constexpr char kMenuQuery[] =
+    "\x02"
+    "52060\x03";
+constexpr char kModelQuery[] =
+    "\x11"
+    "000\x03";
+
+TEST(Connecting, FindsTheModelAndChecksTheStatus) {
+    RunLink([](LinkHarness& run) {
+        EXPECT_FALSE(run.link.Connect("COM7"));
+        ASSERT_TRUE(run.link.Connect("COM1"));
+        ASSERT_TRUE(run.WaitForResult(OP_CONNECT));
+        EXPECT_EQ(run.unit.FrameTexts(), (std::vector<std::string>{"000", "52060", "52000"}));
+        EXPECT_EQ(
+            run.posted,
+            (std::vector<Posted>{
+                {LM_PROGRESS, 69633, 0}, {LM_RESULT, 1118209, 1}, {LM_PROGRESS, 135169, 0}, {LM_RESULT, OP_CONNECT, 0}}));
+        EXPECT_FALSE(run.link.IsOperationActive());
+        EXPECT_EQ(run.link.Model(), 1);
+    });
+}
+
+TEST(Connecting, CostsTwoSecondsOnAPortWithNobodyThere) {
+    RunLink([](LinkHarness& run) {
+        run.unit.Answer(kModelQuery, {""});
+        ASSERT_TRUE(run.link.Connect("COM1"));
+        const std::uint64_t start = run.Now();
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_CONNECT, RC_MODEL, ST_TIMEOUT)));
+        EXPECT_NEAR(static_cast<double>(run.Now() - start), 2.3e6, 0.3e6);
+        EXPECT_EQ(run.unit.Count(kModelQuery), 1U);
+        ASSERT_TRUE(run.WaitUntil([&] { return !run.link.IsOperationActive(); }, 100));
+        EXPECT_TRUE(run.link.GetAllTitles());
+    });
+}
+
+TEST(Connecting, TellsAModelReplyWithAWrongSumAndTakesAnUnknownModel) {
+    RunLink([](LinkHarness& run) {
+        run.unit.Answer(kModelQuery, {"\x12"
+                                      "C00530009C\x03"});
+        ASSERT_TRUE(run.link.Connect("COM1"));
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_CONNECT, RC_MODEL, ST_TIMEOUT)));
+        EXPECT_TRUE(run.HasResult(ResultOf(OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM)));
+        EXPECT_EQ(run.link.Model(), 0);
+
+        run.unit.Answer(kModelQuery, {"\x12"
+                                      "X9999000CC\x03"});
+        ASSERT_TRUE(run.link.Connect("COM1"));
+        ASSERT_TRUE(run.WaitForResult(OP_CONNECT));
+        EXPECT_EQ(run.link.Model(), 0);
+    });
+}
+
+TEST(Sender, RepeatsOnceAndTimesOut) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.Answer(kMenuQuery, {""});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        const std::size_t before = run.unit.Frames().size();
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        const std::vector<Sent>& frames = run.unit.Frames();
+        ASSERT_EQ(frames.size(), before + 2);
+        EXPECT_EQ(frames[before].frame, kMenuQuery);
+        EXPECT_EQ(frames[before + 1].frame, kMenuQuery);
+        const auto apart = static_cast<double>(frames[before + 1].timeUs - frames[before].timeUs);
+        EXPECT_NEAR(apart, 2.25e6, 0.25e6);
+        EXPECT_NEAR(static_cast<double>(run.Now() - frames[before].timeUs), 2 * apart, 0.3e6);
+        EXPECT_EQ(run.Results(), 1U);
+        EXPECT_TRUE(run.WaitUntil([&] { return !run.link.IsOperationActive(); }, 100));
+    });
+}
+
+TEST(Sender, KeepsFramesApartAndGoesOnAtTheNextTick) {
+    RunLink([](LinkHarness& run) {
+        run.unit.SetDelay(700'000);
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.SetDelay(1000);
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        const std::vector<Sent>& frames = run.unit.Frames();
+        for (std::size_t i = 1; i < frames.size(); ++i) {
+            EXPECT_GE(frames[i].timeUs - frames[i - 1].timeUs, 120'000U) << frames[i].frame;
+        }
+        // Status, status, map, two Discs, map, one Album: a chain of seven, each within its pause, a few ticks and the line.
+        EXPECT_LT(frames.back().timeUs - frames[frames.size() - 7].timeUs, 6 * 480'000U);
+    });
+}
+
+TEST(Stopping, IsImmediateWhenIdleAndWaitsASecondForAReply) {
+    RunLink([](LinkHarness& run) {
+        const std::uint64_t start = run.Now();
+        run.link.StopOperation();
+        EXPECT_LT(run.Now() - start, 5000U);
+
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.Answer(kMenuQuery, {""});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        const std::size_t before = run.unit.Frames().size();
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Frames().size() > before; }, 1000));
+        const std::uint64_t stopped = run.Now();
+        run.link.StopOperation();
+        EXPECT_NEAR(static_cast<double>(run.Now() - stopped), 2.0e6, 1.1e6);
+        EXPECT_FALSE(run.link.IsOperationActive());
+        run.Pass(6000);
+        EXPECT_EQ(run.Results(), 0U);
+        EXPECT_EQ(run.unit.Frames().size(), before + 1);
+    });
+}
+
+TEST(Stopping, LetsTheReplyInFlightComeIn) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.SetDelay(300'000);
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "50100500010000000000"; }, 20000));
+        run.link.StopOperation();
+        EXPECT_TRUE(run.store.IsKnown(1, 0));
+        EXPECT_EQ(run.Results(), 0U);
+    });
+}
+
+TEST(Starting, ReplacesWhatRunsWithoutAWord) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        ASSERT_TRUE(run.link.GetAllTitles());
+        run.Pass(400);
+        ASSERT_TRUE(run.link.GetGroupTracks(1));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        EXPECT_FALSE(run.HasResult(OP_GET_ALL));
+        EXPECT_TRUE(run.store.IsKnown(1, 3));
+    });
+}
+
+TEST(Starting, RefusesGroupsOutsideTheRangesAndLetsWhatRunsGoOn) {
+    RunLink([](LinkHarness& run) {
+        EXPECT_FALSE(run.link.GetAllTitles());
+        EXPECT_FALSE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.ConnectQuietly());
+        ASSERT_TRUE(run.link.GetAllTitles());
+        EXPECT_FALSE(run.link.GetOneGroup(-1));
+        EXPECT_FALSE(run.link.GetGroupTracks(1999));
+        EXPECT_FALSE(run.link.SendGroup(1999));
+        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+
+        DisplayRanges ranges;
+        ranges.DiscFrom = ranges.DiscTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        EXPECT_FALSE(run.link.GetOneGroup(5));
+        EXPECT_TRUE(run.link.GetOneGroup(1005));
+        ranges.DiscFrom = 10;
+        ranges.DiscTo = 20;
+        ranges.AlbumFrom = 1;
+        ranges.AlbumTo = 1;
+        run.link.SetDisplayRanges(ranges);
+        EXPECT_FALSE(run.link.GetOneGroup(9));
+        EXPECT_TRUE(run.link.GetOneGroup(10));
+        EXPECT_TRUE(run.link.GetOneGroup(20));
+        EXPECT_FALSE(run.link.GetOneGroup(21));
+        EXPECT_TRUE(run.link.GetGroupTracks(1000));
+        EXPECT_FALSE(run.link.GetGroupTracks(1001));
+    });
+}
+
+TEST(DeadLine, TimesOutAndComesBackWithTheNextConnect) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.Line().Unplug();
+        ASSERT_TRUE(run.link.GetAllTitles());
+        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        run.unit.Line().Plug();
+        EXPECT_TRUE(run.ConnectQuietly());
+        run.unit.Line().RejectWrites(true);
+        ASSERT_TRUE(run.link.GetAllTitles());
+        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        run.unit.Line().RejectWrites(false);
+        // A line that has rejected a write stays dead until it is opened anew.
+        run.posted.clear();
+        ASSERT_TRUE(run.link.GetAllTitles());
+        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        EXPECT_TRUE(run.ConnectQuietly());
+        run.unit.Line().SetBusy(true);
+        EXPECT_FALSE(run.link.Connect("COM1"));
+        EXPECT_FALSE(run.link.GetAllTitles());
+    });
+}
+
+}  // namespace

@@ -1,0 +1,284 @@
+#include "LibraryFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
+#include <system_error>
+#include <vector>
+
+namespace mainunit {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::streamsize kLargestFile = std::streamsize{32} << 20;
+
+// The parser lets the last of two equal names win in silence; a hand-edited library with disc 12 twice is a mistake.
+class DoubledNames {
+public:
+    bool operator()(int, Json::parse_event_t event, Json& value) {
+        if (event == Json::parse_event_t::object_start) {
+            open_.emplace_back();
+        } else if (event == Json::parse_event_t::object_end) {
+            open_.pop_back();
+        } else if (event == Json::parse_event_t::key) {
+            const auto& name = value.get_ref<const std::string&>();
+            if (!open_.back().insert(name).second && first_.empty())
+                first_ = name;
+        }
+        return true;
+    }
+
+    const std::string& first() const { return first_; }
+
+private:
+    std::vector<std::set<std::string>> open_;
+    std::string first_;
+};
+
+// 1 to `last`, with no leading zeros or signs, so that one number has one name.
+std::optional<int> ReadNumber(const std::string& name, int last) {
+    const std::optional<int> number = name.size() <= 3 ? ReadDec(name) : std::nullopt;
+    if (!number || *number < 1 || *number > last || name.front() == '0')
+        return std::nullopt;
+    return number;
+}
+
+// Fills a library from the parsed text and remembers the first thing that is wrong.
+class LibraryReader {
+public:
+    explicit LibraryReader(UnitLibrary& library) : library_(library) {}
+
+    bool Read(const Json& root) {
+        if (!root.is_object())
+            return Fail("library", "is no object");
+        for (const auto& [name, value] : root.items()) {
+            if (name != "discs" && name != "albums")
+                return Fail("library", "has the unknown name \"" + name + "\"");
+            if (!ReadGroups(name == "discs" ? GroupKind::Disc : GroupKind::Album, name, value))
+                return false;
+        }
+        return true;
+    }
+
+    const std::string& error() const { return error_; }
+
+private:
+    bool Fail(const std::string& where, const std::string& what) {
+        error_ = where + " " + what;
+        return false;
+    }
+
+    bool ReadGroups(GroupKind kind, const std::string& where, const Json& groups) {
+        if (!groups.is_object())
+            return Fail(where, "is no object");
+        for (const auto& [name, value] : groups.items()) {
+            const std::optional<int> number = ReadNumber(name, kLastGroup);
+            if (!number)
+                return Fail(where, "has \"" + name + "\" where a number from 1 to 999 is due");
+            if (!ReadGroup({kind, *number, 0}, value))
+                return false;
+        }
+        return true;
+    }
+
+    bool ReadGroup(const Entry& group, const Json& value) {
+        if (!value.is_object())
+            return Fail(NameOf(group), "is no object");
+        library_.Add(group);
+        for (const auto& [name, part] : value.items()) {
+            if (name != "title" && name != "tracks")
+                return Fail(NameOf(group), "has the unknown name \"" + name + "\"");
+            if (name == "title" ? !ReadTitle(group, part) : !ReadTracks(group, part))
+                return false;
+        }
+        return true;
+    }
+
+    bool ReadTracks(const Entry& group, const Json& tracks) {
+        if (!tracks.is_object())
+            return Fail(NameOf(group) + " tracks", "is no object");
+        for (const auto& [name, value] : tracks.items()) {
+            const std::optional<int> number = ReadNumber(name, kLastTrack);
+            if (!number)
+                return Fail(NameOf(group) + " tracks", "has \"" + name + "\" where a number from 1 to 99 is due");
+            if (!ReadTitle({group.kind, group.group, *number}, value))
+                return false;
+        }
+        return true;
+    }
+
+    bool ReadTitle(const Entry& entry, const Json& value) {
+        if (value.is_null())
+            return library_.Add(entry);
+        if (!value.is_string())
+            return Fail(NameOf(entry), "has a title that is neither text nor null");
+        if (!library_.SetTitle(entry, value.get_ref<const std::string&>()))
+            return Fail(NameOf(entry), "has a title that is longer than 32 characters or not printable ASCII");
+        return true;
+    }
+
+    UnitLibrary& library_;
+    std::string error_;
+};
+
+Json TitleValue(const std::optional<std::string>& title) {
+    return title ? Json(*title) : Json(nullptr);
+}
+
+Json GroupsValue(const UnitLibrary::Groups& groups) {
+    Json list = Json::object();
+    for (const auto& [number, group] : groups) {
+        Json tracks = Json::object();
+        for (const auto& [track, title] : group.tracks)
+            tracks[std::to_string(track)] = TitleValue(title);
+        Json value = Json::object();
+        value["title"] = TitleValue(group.title);
+        value["tracks"] = std::move(tracks);
+        list[std::to_string(number)] = std::move(value);
+    }
+    return list;
+}
+
+std::string LastError() {
+    return std::system_category().message(errno);
+}
+
+bool WriteAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(file, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// The rename itself is on the disk only once the folder is.
+bool SyncFolder(const std::string& folder) {
+    const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    const bool synced = fsync(file) == 0;
+    close(file);
+    return synced;
+}
+
+// The file that the name stands for, so that a link is followed and not replaced.
+std::string ResolveLink(const std::string& path) {
+    char* const real = realpath(path.c_str(), nullptr);
+    if (!real)
+        return path;
+    std::string resolved(real);
+    free(real);
+    return resolved;
+}
+
+// An existing library keeps its permissions; a new one is readable for all.
+mode_t ModeFor(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777 : 0644;
+}
+
+}  // namespace
+
+bool ParseLibrary(std::string_view text, UnitLibrary& library, std::string& error) {
+    Json root;
+    DoubledNames doubled;
+    try {
+        root = Json::parse(text, std::ref(doubled));
+    } catch (const Json::exception& failure) {
+        error = failure.what();
+        return false;
+    }
+    if (!doubled.first().empty()) {
+        error = "\"" + doubled.first() + "\" stands twice in the same place";
+        return false;
+    }
+    UnitLibrary read;
+    LibraryReader reader(read);
+    if (!reader.Read(root)) {
+        error = reader.error();
+        return false;
+    }
+    library = std::move(read);
+    return true;
+}
+
+std::string FormatLibrary(const UnitLibrary& library) {
+    Json root = Json::object();
+    root["discs"] = GroupsValue(library.GroupsOf(GroupKind::Disc));
+    root["albums"] = GroupsValue(library.GroupsOf(GroupKind::Album));
+    return root.dump(2) + "\n";
+}
+
+bool LoadLibrary(const std::string& path, UnitLibrary& library, std::string& error) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        error = path + ": " + LastError();
+        return false;
+    }
+    std::string text;
+    char part[65536];
+    while (file.read(part, sizeof part), file.gcount() > 0) {
+        text.append(part, static_cast<std::size_t>(file.gcount()));
+        if (std::ssize(text) > kLargestFile) {
+            error = path + ": is larger than 32 MiB";
+            return false;
+        }
+    }
+    if (file.bad()) {
+        error = path + ": cannot be read";
+        return false;
+    }
+    if (ParseLibrary(text, library, error))
+        return true;
+    error = path + ": " + error;
+    return false;
+}
+
+bool SaveLibrary(const std::string& path, const UnitLibrary& library, std::string& error) {
+    const std::string target = ResolveLink(path);
+    const std::size_t slash = target.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : target.substr(0, slash + 1);
+    std::string temporary = target + ".XXXXXX";
+    const int file = mkostemp(temporary.data(), O_CLOEXEC);
+    if (file < 0) {
+        error = path + ": " + LastError();
+        return false;
+    }
+    bool saved = WriteAll(file, FormatLibrary(library)) && fchmod(file, ModeFor(target)) == 0 && fsync(file) == 0;
+    if (!saved)
+        error = path + ": " + LastError();
+    if (close(file) != 0 && saved) {
+        error = path + ": " + LastError();
+        saved = false;
+    }
+    if (saved && rename(temporary.c_str(), target.c_str()) != 0) {
+        error = path + ": " + LastError();
+        saved = false;
+    }
+    if (!saved) {
+        unlink(temporary.c_str());
+        return false;
+    }
+    if (!SyncFolder(folder)) {
+        error = folder + ": " + LastError();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace mainunit

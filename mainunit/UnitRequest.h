@@ -1,0 +1,51 @@
+// What the client sends: the cutting of its bytes into frames, and the strict reading of one frame.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "UnitLibrary.h"
+
+namespace mainunit {
+
+inline constexpr std::uint8_t kParameterStatus = 0x00;
+inline constexpr std::uint8_t kParameterMenu = 0x60;
+inline constexpr std::uint8_t kCommandBd = 0xBD;
+inline constexpr std::uint8_t kCommandBe = 0xBE;
+
+enum class MapKind { Discs = 0, Albums = 1, Tracks = 2 };
+
+// One well formed frame of the client.
+struct UnitRequest {
+    enum class Kind { ModelQuery, StatusQuery, UnitCommand, MapQuery, TitleRead, TitleWrite, TitleData };
+
+    Kind kind = Kind::ModelQuery;
+    std::uint8_t code = 0;  // StatusQuery: the parameter; UnitCommand: the command
+    MapKind map = MapKind::Discs;
+    bool probe = false;  // MapQuery for tracks that asks for no group at all
+    Entry entry;         // TitleRead, TitleWrite; MapQuery for tracks: the group
+    std::string text;    // TitleData: 32 bytes as they came
+};
+
+// Reads one piece of the cutter. On failure the result is false and `problem` says why it is no frame that can be answered.
+bool ReadRequest(std::string_view piece, UnitRequest& request, std::string& problem);
+
+// Cuts the received bytes into pieces, at whatever places they were parted on the way: frames, from their start byte to
+// their ETX, and between them what belongs to no frame.
+class RequestCutter {
+public:
+    // A start byte drops an unfinished frame, so that one lost byte costs one frame. The pieces come in their order and,
+    // together with what is held for the next call, are exactly the bytes received.
+    std::vector<std::string> Feed(std::string_view bytes);
+
+    // Bytes of an unfinished frame, at most the length of the longest frame.
+    std::size_t held() const { return held_.size(); }
+
+private:
+    std::string held_;
+    bool inFrame_ = false;
+};
+
+}  // namespace mainunit

@@ -1,0 +1,66 @@
+#include "PortLink.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace mainunit {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Environment(const char* name) {
+    const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): the program has one thread
+    return value ? value : "";
+}
+
+bool Fail(std::string& error, const fs::path& path, const std::error_code& problem) {
+    error = path.string() + ": " + problem.message();
+    return false;
+}
+
+}  // namespace
+
+std::string DefaultPortsFolder() {
+    const std::string configuration = Environment("XDG_CONFIG_HOME");
+    if (configuration.starts_with('/'))
+        return configuration + "/tesselia/ports";
+    const std::string home = Environment("HOME");
+    return home.empty() ? "" : home + "/.config/tesselia/ports";
+}
+
+PortLink::~PortLink() {
+    // Another unit may have taken the name over in the meantime; its link stays.
+    std::error_code problem;
+    if (!path_.empty() && fs::read_symlink(path_, problem) == target_)
+        fs::remove(path_, problem);
+}
+
+bool PortLink::Create(const std::string& folder, const std::string& name, const std::string& target, std::string& error) {
+    std::error_code problem;
+    fs::create_directories(folder, problem);
+    if (problem)
+        return Fail(error, folder, problem);
+    std::string file = name;
+    for (char& letter : file) {
+        if (letter >= 'A' && letter <= 'Z')
+            letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    const fs::path path = fs::path(folder) / file;
+    const fs::file_status there = fs::symlink_status(path, problem);
+    if (fs::is_symlink(there)) {
+        fs::remove(path, problem);
+    } else if (fs::exists(there)) {
+        error = path.string() + ": is there already and is no link";
+        return false;
+    }
+    fs::create_symlink(target, path, problem);
+    if (problem)
+        return Fail(error, path, problem);
+    path_ = path.string();
+    target_ = target;
+    return true;
+}
+
+}  // namespace mainunit

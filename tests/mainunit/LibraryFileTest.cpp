@@ -1,0 +1,162 @@
+#include "LibraryFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace mainunit {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder that goes with the test.
+class LibraryFileTest : public testing::Test {
+protected:
+    LibraryFileTest() {
+        std::string name = fs::temp_directory_path() / "mainunit-test-XXXXXX";
+        folder_ = mkdtemp(name.data());
+    }
+    ~LibraryFileTest() override { fs::remove_all(folder_); }
+
+    fs::path folder_;
+    std::string error_;
+};
+
+UnitLibrary SmallLibrary() {
+    UnitLibrary library;
+    library.SetTitle({GroupKind::Disc, 12, 0}, R"(Ten "quoted", & more \ \\)");
+    library.SetTitle({GroupKind::Disc, 12, 10}, "");
+    library.SetTitle({GroupKind::Disc, 12, 9}, std::string(32, '~'));
+    library.Add({GroupKind::Disc, 999, 99});
+    library.SetTitle({GroupKind::Album, 1, 0}, "Album");
+    return library;
+}
+
+TEST(UnitLibrary, KeepsExistenceAndTitleApart) {
+    UnitLibrary library;
+    EXPECT_TRUE(library.Add({GroupKind::Disc, 5, 2}));
+    EXPECT_TRUE(library.Exists({GroupKind::Disc, 5, 0})) << "a track brings its disc";
+    EXPECT_FALSE(library.Exists({GroupKind::Album, 5, 0}));
+    EXPECT_EQ(library.Title({GroupKind::Disc, 5, 2}), nullptr);
+    EXPECT_TRUE(library.SetTitle({GroupKind::Disc, 5, 2}, " two  "));
+    EXPECT_EQ(*library.Title({GroupKind::Disc, 5, 2}), " two");
+    EXPECT_TRUE(library.SetTitle({GroupKind::Disc, 5, 0}, std::string(32, ' ')));
+    EXPECT_EQ(*library.Title({GroupKind::Disc, 5, 0}), "");
+    EXPECT_TRUE(library.Add({GroupKind::Disc, 5, 2}));
+    EXPECT_EQ(*library.Title({GroupKind::Disc, 5, 2}), " two") << "what exists keeps its title";
+}
+
+TEST(UnitLibrary, KeepsItsLimits) {
+    UnitLibrary library;
+    for (const Entry& entry : {Entry{GroupKind::Disc, 0, 0}, Entry{GroupKind::Disc, 1000, 0}, Entry{GroupKind::Disc, 1, -1},
+                               Entry{GroupKind::Disc, 1, 100}}) {
+        EXPECT_FALSE(library.Add(entry)) << NameOf(entry);
+        EXPECT_FALSE(library.SetTitle(entry, "x")) << NameOf(entry);
+    }
+    for (const std::string& text : {std::string(33, 'x'), std::string("tab\t"), std::string("\x7F"), std::string("\xE9")})
+        EXPECT_FALSE(library.SetTitle({GroupKind::Disc, 1, 0}, text));
+    EXPECT_EQ(library, UnitLibrary());
+}
+
+TEST_F(LibraryFileTest, ComesBackAsItWas) {
+    const std::string path = folder_ / "library.json";
+    ASSERT_TRUE(SaveLibrary(path, SmallLibrary(), error_)) << error_;
+    UnitLibrary loaded;
+    ASSERT_TRUE(LoadLibrary(path, loaded, error_)) << error_;
+    EXPECT_EQ(loaded, SmallLibrary());
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1) << "no temporary file stays";
+}
+
+TEST_F(LibraryFileTest, ReplacesTheTargetOfALinkAndKeepsItsPermissions) {
+    const fs::path target = folder_ / "target.json";
+    const fs::path link = folder_ / "link.json";
+    std::ofstream(target) << "old";
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink(target, link);
+    ASSERT_TRUE(SaveLibrary(link, SmallLibrary(), error_)) << error_;
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    UnitLibrary loaded;
+    EXPECT_TRUE(LoadLibrary(target, loaded, error_)) << error_;
+}
+
+TEST_F(LibraryFileTest, LeavesTheOldFileWhenItCannotSave) {
+    // A folder cannot be replaced by a file, whoever runs the test.
+    const fs::path taken = folder_ / "taken";
+    fs::create_directory(taken);
+    EXPECT_FALSE(SaveLibrary(taken, SmallLibrary(), error_));
+    EXPECT_NE(error_.find("taken: "), std::string::npos) << error_;
+    EXPECT_TRUE(fs::is_directory(taken));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
+    EXPECT_FALSE(SaveLibrary(folder_ / "missing" / "library.json", SmallLibrary(), error_));
+
+    UnitLibrary library;
+    EXPECT_FALSE(LoadLibrary(folder_ / "nothing.json", library, error_));
+    EXPECT_NE(error_.find("nothing.json: No such file"), std::string::npos) << error_;
+}
+
+TEST(LibraryFile, SaysWhatIsWrong) {
+    const struct {
+        const char* text;
+        const char* error;
+    } cases[] = {
+        {"", "parse error"},
+        {"{\"discs\": {", "line 1"},
+        {"{} x", "parse error"},
+        {"[]", "library is no object"},
+        {R"({"disks": {}})", "unknown name \"disks\""},
+        {R"({"discs": []})", "discs is no object"},
+        {R"({"discs": {"0": {}}})", "discs has \"0\""},
+        {R"({"discs": {"1000": {}}})", "discs has \"1000\""},
+        {R"({"discs": {"01": {}}})", "discs has \"01\""},
+        {R"({"discs": {"": {}}})", "discs has \"\""},
+        {R"({"discs": {"7": {}, "7": {}}})", "\"7\" stands twice"},
+        {R"({"discs": {"7": {"title": "a", "title": "b"}}})", "\"title\" stands twice"},
+        {R"({"discs": {"7": 7}})", "Disc 7 is no object"},
+        {R"({"discs": {"7": {"name": "a"}}})", "Disc 7 has the unknown name \"name\""},
+        {R"({"discs": {"7": {"title": 7}}})", "Disc 7 has a title that is neither"},
+        {R"({"discs": {"7": {"title": "123456789012345678901234567890123"}}})", "Disc 7 has a title that is longer"},
+        {R"({"discs": {"7": {"title": "caf\u00e9"}}})", "Disc 7 has a title that is longer than 32 characters or not"},
+        {R"({"albums": {"7": {"tracks": []}}})", "Album 7 tracks is no object"},
+        {R"({"albums": {"7": {"tracks": {"100": null}}}})", "Album 7 tracks has \"100\""},
+        {R"({"albums": {"7": {"tracks": {"3": "\n"}}}})", "Album 7 track 3 has a title"},
+    };
+    for (const auto& one : cases) {
+        UnitLibrary library = SmallLibrary();
+        std::string error;
+        EXPECT_FALSE(ParseLibrary(one.text, library, error)) << one.text;
+        EXPECT_NE(error.find(one.error), std::string::npos) << one.text << ": " << error;
+        EXPECT_EQ(library, SmallLibrary());
+    }
+}
+
+TEST(SampleLibrary, HoldsEveryCaseThatAClientMeets) {
+    UnitLibrary library;
+    std::string error;
+    ASSERT_TRUE(LoadLibrary(SAMPLE_LIBRARY, library, error)) << error;
+    EXPECT_GE(library.GroupsOf(GroupKind::Disc).size(), 40U);
+    EXPECT_GE(library.GroupsOf(GroupKind::Album).size(), 20U);
+    int unnamed = 0;
+    int full = 0;
+    int empty = 0;
+    std::size_t mostTracks = 0;
+    std::string all;
+    for (const auto& [number, disc] : library.GroupsOf(GroupKind::Disc)) {
+        const std::string title = disc.title.value_or("");
+        unnamed += disc.title ? 0 : 1;
+        full += title.size() == kTitleBytes ? 1 : 0;
+        empty += disc.title && title.empty() ? 1 : 0;
+        mostTracks = std::max(mostTracks, disc.tracks.size());
+        all += title;
+    }
+    EXPECT_GE(unnamed, 2);
+    EXPECT_GE(full, 2);
+    EXPECT_EQ(empty, 1);
+    EXPECT_EQ(mostTracks, 99U);
+    for (const char mark : {'&', '"', ','})
+        EXPECT_NE(all.find(mark), std::string::npos) << mark;
+}
+
+}  // namespace
+}  // namespace mainunit

@@ -1,0 +1,121 @@
+// What the scheduler says about a run, and what it finds wrong with a wait.
+#include <cinttypes>
+#include <cstdio>
+
+#include "LockData.h"
+#include "Scheduler.h"
+
+namespace sim {
+
+std::string Scheduler::Report() const {
+    char numbers[200];
+    std::snprintf(numbers, sizeof numbers,
+                  "seed %" PRIu64 ", jitterMs %u, switchChance %g, firstTick %u, codePage %u; %" PRIu64
+                  " switches, trace %016" PRIx64 "\n",
+                  options.seed, options.jitterMs, options.switchChance, options.firstTick, options.codePage, switches,
+                  trace.Hash());
+    std::string text = std::string("simulation: ") + OutcomeText() + " at " + TimeText(now);
+    text += reason.empty() ? "\n" : ": " + reason + "\n";
+    text += numbers;
+    text += current == this ? DescribeThreads() : threadsAtEnd;
+    if (options.traceEvents != 0) {
+        text += "last events:\n" + trace.Text();
+    }
+    return text;
+}
+
+std::string Scheduler::DescribeThreads() const {
+    std::string text;
+    for (const auto& thread : threads) {
+        if (thread->state != ThreadState::Ended) {
+            text += "  " + Describe(*thread) + "\n";
+        }
+    }
+    return text;
+}
+
+std::string Scheduler::Describe(const SimThread& thread) const {
+    std::string text = "thread " + std::to_string(thread.id) + " (" + thread.name + ") ";
+    switch (thread.state) {
+        case ThreadState::Ended: return text + "has ended";
+        case ThreadState::Ready: return text + "could run";
+        case ThreadState::Running: return text + "runs";
+        case ThreadState::Sleeping: text += "sleeps"; break;
+        case ThreadState::Stalled: text += "is stalled"; break;
+        case ThreadState::Writing: text += "writes to a port"; break;
+        case ThreadState::WaitingForLock: {
+            const SimThread* owner = FindThread(thread.waitsForLock->owner);
+            return text + "waits for " + thread.waitsForLock->Name() + ", held by " +
+                   (owner != nullptr ? owner->name : "a thread of an earlier run");
+        }
+        case ThreadState::WaitingForObjects:
+            text += "waits for ";
+            for (const auto& object : thread.waits) {
+                text += (object == thread.waits.front() ? "" : " or ") + object->Name();
+            }
+            break;
+    }
+    return text + (thread.wakeTime == kNever ? " for ever" : " until " + TimeText(thread.wakeTime));
+}
+
+const char* Scheduler::OutcomeText() const {
+    switch (outcome) {
+        case Simulation::Outcome::NotRun: return Current() == this ? "still running" : "not run";
+        case Simulation::Outcome::Done: return "done";
+        case Simulation::Outcome::Leftover: return "threads left over";
+        case Simulation::Outcome::Deadlock: return "deadlock";
+        case Simulation::Outcome::TimeLimit: return "time limit";
+        case Simulation::Outcome::Standstill: return "standstill";
+        case Simulation::Outcome::Misuse: return "misuse";
+        case Simulation::Outcome::Failed: break;
+    }
+    return "failed";
+}
+
+void Scheduler::CheckMayBlock(std::string_view what) {
+    if (Self().heldLocksThatForbidBlocking != 0) {
+        Misuse("calls " + std::string(what) + " under a lock that forbids it");
+    }
+}
+
+void Scheduler::CheckCircle() {
+    // The caller is not yet marked as waiting when it asks, but what it waits for is set.
+    const SimThread& self = Self();
+    std::string circle = self.name;
+    const SimThread* thread = WaitsForThread(self);
+    // Every wait in a chain is another thread's, so that more than all of them are a circle that the caller is not in.
+    for (std::size_t i = 0; thread != nullptr && i < threads.size(); ++i) {
+        circle += ", which waits for " + thread->name;
+        if (thread == &self) {
+            End(Simulation::Outcome::Deadlock, circle);
+        }
+        thread = WaitsForThread(*thread);
+    }
+}
+
+SimThread* Scheduler::WaitsForThread(const SimThread& thread) const {
+    if (thread.waitsForLock != nullptr) {
+        return FindThread(thread.waitsForLock->owner);
+    }
+    const bool endless = thread.waits.size() == 1 && thread.wakeTime == kNever;
+    if (!endless || thread.waits.front()->kind != KernelObject::Kind::Thread) {
+        return nullptr;
+    }
+    for (const auto& other : threads) {
+        if (other->object == thread.waits.front()) {
+            return other.get();
+        }
+    }
+    return nullptr;
+}
+
+SimThread* Scheduler::FindThread(std::uint64_t serial) const {
+    for (const auto& thread : threads) {
+        if (thread->serial == serial && thread->state != ThreadState::Ended) {
+            return thread.get();
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace sim

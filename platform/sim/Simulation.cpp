@@ -1,0 +1,105 @@
+// One run of the program in virtual time, and what a test can do to it.
+#include "Simulation.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "LockData.h"
+#include "PortObject.h"
+#include "Scheduler.h"
+
+Simulation::Simulation(const Options& options) : scheduler(std::make_unique<sim::Scheduler>(*this, options)) {}
+
+Simulation::~Simulation() = default;
+
+bool Simulation::Run(std::function<void()> main, std::uint64_t limitUs) {
+    return scheduler->Run(std::move(main), limitUs);
+}
+
+Simulation::Outcome Simulation::Result() const {
+    return scheduler->outcome;
+}
+
+std::string Simulation::Report() const {
+    return scheduler->Report();
+}
+
+Simulation* Simulation::Current() {
+    return sim::Scheduler::Current() == nullptr ? nullptr : &sim::Scheduler::Current()->simulation;
+}
+
+std::uint64_t Simulation::Now() const {
+    return scheduler->now;
+}
+
+std::uint64_t Simulation::Random(std::uint64_t limit) {
+    return scheduler->world.Below(limit);
+}
+
+bool Simulation::Chance(double probability) {
+    return scheduler->world.Chance(probability);
+}
+
+void Simulation::Trace(std::string_view text) {
+    scheduler->Note(text);
+}
+
+std::uint64_t Simulation::TraceHash() const {
+    return scheduler->trace.Hash();
+}
+
+void Simulation::At(std::uint64_t timeUs, std::function<void()> callback) {
+    scheduler->At(timeUs, std::move(callback));
+}
+
+void Simulation::SetFaults(const Faults& faults) {
+    scheduler->faults = faults;
+    scheduler->FaultsChanged();
+}
+
+void Simulation::Fail(std::string_view reason) {
+    scheduler->End(Outcome::Failed, reason);
+}
+
+SerialLine& Simulation::AttachPort(std::string_view name, SerialPeer* peer) {
+    const std::size_t index = sim::PortIndex(name);
+    scheduler->lines.resize(std::max(scheduler->lines.size(), index + 1));
+    if (index == sim::kNoPort || scheduler->lines[index] != nullptr) {
+        std::fprintf(stderr, "simulation: no port to attach by the name %s\n", std::string(name).c_str());
+        std::abort();
+    }
+    scheduler->lines[index] = std::make_unique<SerialLine>(*scheduler, peer, name);
+    return *scheduler->lines[index];
+}
+
+void Simulation::ForbidBlockingUnder(CRITICAL_SECTION* section) {
+    sim::LockData* lock = sim::LockData::Of(section, "marks");
+    if (lock == nullptr) {
+        return;
+    }
+    if (lock->owner != 0) {
+        sim::Misuse("marks " + lock->Name() + " while it is held");
+        return;
+    }
+    lock->forbidsBlocking = true;
+}
+
+void Simulation::NameThread(std::string_view name) {
+    if (sim::Scheduler::Current() != nullptr && sim::Scheduler::Current()->IsOnThread()) {
+        sim::Self().name = name;
+    }
+}
+
+std::size_t Simulation::OpenHandles() {
+    return sim::HandleTable::Get().OpenCount();
+}
+
+int Simulation::PeriodsHeld() const {
+    return scheduler->periodsHeld;
+}
+
+std::uint64_t Simulation::Switches() const {
+    return scheduler->switches;
+}

@@ -40,7 +40,8 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stackSize, LPTHREAD_S
 DWORD GetCurrentThreadId();
 
 // A slot of thread-local storage whose callback runs with the slot's value, if that is not null, when a thread ends that
-// CreateThread has started.
+// CreateThread has started. A slot that another callback fills again meanwhile gets its callback once more, up to four
+// times.
 using PFLS_CALLBACK_FUNCTION = void(WINAPI*)(LPVOID);
 inline constexpr DWORD FLS_OUT_OF_INDEXES = 0xFFFFFFFF;
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback);
@@ -120,7 +121,8 @@ BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD written, LPOVER
 // A file of 4 GiB or more without a place for the high part gives INVALID_FILE_SIZE.
 DWORD GetFileSize(HANDLE file, LPDWORD high);
 BOOL DeleteFileA(LPCSTR name);
-// Gives the length without the terminator, or the size needed with it if the buffer is too small, or 0.
+// Gives the length without the terminator, or the size needed with it if the buffer is too small, or 0. A folder that the
+// code page cannot name has the alias "\proc\self\cwd".
 DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer);
 
 // --- Serial line ---------------------------------------------------------------------------------------------------------
@@ -201,6 +203,6 @@ BOOL IsDBCSLeadByte(BYTE byte);
 using PHANDLER_ROUTINE = BOOL(WINAPI*)(DWORD);
 inline constexpr DWORD CTRL_C_EVENT = 0;
 inline constexpr DWORD CTRL_BREAK_EVENT = 1;
-// One handler at a time; it runs on a thread of its own for an interrupt (Ctrl+C) or a request to terminate
-// (CTRL_BREAK_EVENT). A handler that gives FALSE lets the process end. Only adding is supported.
+// One handler at a time, the last one added; it runs on a thread of its own for an interrupt (Ctrl+C) or a request to
+// terminate (CTRL_BREAK_EVENT). A handler that gives FALSE lets the process end. Only adding is supported.
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add);

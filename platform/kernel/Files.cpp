@@ -1,0 +1,223 @@
+// Files, and the calls that they share with serial ports.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+
+#include "CodePage.h"
+#include "Handles.h"
+#include "LastError.h"
+#include "PortNames.h"
+#include "Serial.h"
+
+namespace kernel {
+namespace {
+
+class File final : public Stream {
+public:
+    static constexpr Kind kKind = Kind::File;
+
+    explicit File(int file) : Stream(kKind), file_(file) {}
+    ~File() override { close(file_); }
+
+    BOOL Read(void* buffer, DWORD count, DWORD& read) override {
+        read = 0;
+        while (read < count) {
+            const ssize_t got = ::read(file_, static_cast<char*>(buffer) + read, count - read);
+            if (got == 0)
+                break;
+            if (got > 0)
+                read += static_cast<DWORD>(got);
+            else if (errno != EINTR)
+                return Fail(errno == EIO ? ERROR_READ_FAULT : ErrorFromErrno(errno));
+        }
+        return TRUE;
+    }
+
+    BOOL Write(const void* buffer, DWORD count, DWORD& written) override {
+        written = 0;
+        while (written < count) {
+            const ssize_t put = ::write(file_, static_cast<const char*>(buffer) + written, count - written);
+            if (put >= 0)
+                written += static_cast<DWORD>(put);
+            else if (errno != EINTR)
+                return Fail(errno == EIO ? ERROR_WRITE_FAULT : ErrorFromErrno(errno));
+        }
+        return TRUE;
+    }
+
+    std::optional<std::uint64_t> Size() const {
+        struct stat status;
+        if (fstat(file_, &status) != 0) {
+            Fail(ErrorFromErrno(errno));
+            return std::nullopt;
+        }
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+
+private:
+    const int file_;
+};
+
+// The text is converted first: in the code page the second byte of a character can look like a backslash.
+std::string LinuxPath(LPCSTR name) {
+    std::string path = ToUtf8(name);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+// None if the code page lacks a character, or if a backslash in the name would turn into a separator on its way back.
+std::optional<std::string> WindowsPath(std::string path) {
+    if (path.find('\\') != std::string::npos)
+        return std::nullopt;
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return FromUtf8(path);
+}
+
+// Windows tells a file that is not there from a folder on the way that is not there.
+DWORD PathError(const std::string& path, int error) {
+    if (error != ENOENT)
+        return ErrorFromErrno(error);
+    const std::size_t slash = path.find_last_of('/');
+    if (path.empty())
+        return ERROR_PATH_NOT_FOUND;
+    if (slash == std::string::npos || slash == 0)
+        return ERROR_FILE_NOT_FOUND;
+    struct stat status;
+    const bool folder = stat(path.substr(0, slash).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return folder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+}
+
+int OpenFlags(DWORD access, DWORD disposition) {
+    int flags = O_RDONLY;
+    if ((access & GENERIC_WRITE) != 0)
+        flags = (access & GENERIC_READ) != 0 ? O_RDWR : O_WRONLY;
+    switch (disposition) {
+        case CREATE_NEW: flags |= O_CREAT | O_EXCL; break;
+        case CREATE_ALWAYS: flags |= O_CREAT | O_TRUNC; break;
+        case OPEN_ALWAYS: flags |= O_CREAT; break;
+        default: break;
+    }
+    // Without O_NONBLOCK the opening of a pipe would wait for its other end; files do not mind.
+    return flags | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+}
+
+Ref<KernelObject> OpenFile(LPCSTR name, DWORD access, DWORD disposition) {
+    const std::string path = LinuxPath(name);
+    int file;
+    do {
+        file = open(path.c_str(), OpenFlags(access, disposition), 0666);
+    } while (file < 0 && errno == EINTR);
+    if (file < 0) {
+        Fail(PathError(path, errno));
+        return {};
+    }
+    struct stat status;
+    if (fstat(file, &status) == 0 && !S_ISDIR(status.st_mode) && !S_ISFIFO(status.st_mode)) {
+        if (auto* object = new (std::nothrow) File(file))
+            return Ref<KernelObject>(object);
+    }
+    close(file);
+    Fail(ERROR_ACCESS_DENIED);
+    return {};
+}
+
+}  // namespace
+}  // namespace kernel
+
+HANDLE CreateFileA(LPCSTR name, DWORD access, DWORD, LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD attributes,
+                   HANDLE templateFile) {
+    using namespace kernel;
+    if (!name || disposition < CREATE_NEW || disposition > OPEN_ALWAYS) {
+        Fail(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    if (security || templateFile || (attributes & ~FILE_ATTRIBUTE_NORMAL) != 0 ||
+        (access & ~(GENERIC_READ | GENERIC_WRITE)) != 0) {
+        Unsupported("a file with unusual access, flags, security attributes or a template");
+        return INVALID_HANDLE_VALUE;
+    }
+    Ref<KernelObject> object;
+    if (const int port = PortNumber(name)) {
+        if (disposition != OPEN_EXISTING)
+            Fail(ERROR_INVALID_PARAMETER);  // As on Windows: a port cannot be created.
+        else
+            object = Ref<KernelObject>(Port::Open(port).Detach());
+    } else {
+        object = OpenFile(name, access, disposition);
+    }
+    if (!object)
+        return INVALID_HANDLE_VALUE;
+    HANDLE handle = AddHandle(std::move(object));
+    return handle ? handle : INVALID_HANDLE_VALUE;
+}
+
+BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD read, LPOVERLAPPED overlapped) {
+    if (overlapped)
+        return kernel::Unsupported("overlapped reading");
+    DWORD bytes = 0;
+    const auto stream = kernel::FindHandle<kernel::Stream>(file);
+    const BOOL result = stream ? stream->Read(buffer, count, bytes) : FALSE;
+    if (read)
+        *read = bytes;
+    return result;
+}
+
+BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD written, LPOVERLAPPED overlapped) {
+    if (overlapped)
+        return kernel::Unsupported("overlapped writing");
+    DWORD bytes = 0;
+    const auto stream = kernel::FindHandle<kernel::Stream>(file);
+    const BOOL result = stream ? stream->Write(buffer, count, bytes) : FALSE;
+    if (written)
+        *written = bytes;
+    return result;
+}
+
+DWORD GetFileSize(HANDLE file, LPDWORD high) {
+    using namespace kernel;
+    const auto object = FindHandle<File>(file);
+    const std::optional<std::uint64_t> size = object ? object->Size() : std::nullopt;
+    if (!size)
+        return INVALID_FILE_SIZE;
+    if (high) {
+        *high = static_cast<DWORD>(*size >> 32);
+    } else if (*size >> 32 != 0) {
+        Fail(ERROR_INVALID_PARAMETER);
+        return INVALID_FILE_SIZE;
+    }
+    // A size may end in the same bits as the mark of failure; then only the last error tells them apart.
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(*size);
+}
+
+BOOL DeleteFileA(LPCSTR name) {
+    using namespace kernel;
+    if (!name)
+        return Fail(ERROR_INVALID_PARAMETER);
+    const std::string path = LinuxPath(name);
+    return unlink(path.c_str()) == 0 ? TRUE : Fail(PathError(path, errno));
+}
+
+DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer) {
+    using namespace kernel;
+    const std::unique_ptr<char, void (*)(void*)> folder(getcwd(nullptr, 0), std::free);
+    if (!folder) {
+        Fail(ErrorFromErrno(errno));
+        return 0;
+    }
+    // A folder that the code page cannot name has this other name for as long as the process does not leave it.
+    const std::string path = WindowsPath(folder.get()).value_or("\\proc\\self\\cwd");
+    if (!buffer || size <= path.size())
+        return static_cast<DWORD>(path.size() + 1);
+    std::memcpy(buffer, path.c_str(), path.size() + 1);
+    return static_cast<DWORD>(path.size());
+}

@@ -1,0 +1,18 @@
+// The error code of the last failed call, for the layer's own use.
+#pragma once
+
+#include "win/kernel.h"
+
+namespace kernel {
+
+// The code that stands for an errno value; ERROR_GEN_FAILURE where there is no better one.
+DWORD ErrorFromErrno(int error);
+
+// Sets the last error. Gives FALSE, so that a failing call ends with `return Fail(...)`.
+BOOL Fail(DWORD error);
+
+// For a call that Windows would serve and this layer does not: says so on standard error and stops a debug build; a release
+// build sees ERROR_INVALID_PARAMETER. Gives FALSE.
+BOOL Unsupported(const char* what);
+
+}  // namespace kernel

@@ -1,0 +1,108 @@
+#include "win/kernel.h"
+
+#include <set>
+#include <vector>
+
+#include "TestSupport.h"
+
+namespace {
+
+HANDLE HandleOf(std::uintptr_t value) {
+    return reinterpret_cast<HANDLE>(value);
+}
+
+DWORD WINAPI LeaveAnError(LPVOID found) {
+    *static_cast<DWORD*>(found) = GetLastError();
+    SetLastError(ERROR_DISK_FULL);
+    return 0;
+}
+
+TEST(Handles, ValuesThatAreNoHandlesAreRefused) {
+    HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+    ASSERT_NE(event, nullptr);
+    const auto value = reinterpret_cast<std::uintptr_t>(event);
+    for (HANDLE bad : {HANDLE{}, INVALID_HANDLE_VALUE, HandleOf(value + 1), HandleOf(value ^ 0x10000), HandleOf(0x7FFFFFFC),
+                       HandleOf(value | (std::uintptr_t{1} << 40))}) {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(CloseHandle(bad));
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+        EXPECT_FALSE(SetEvent(bad));
+        EXPECT_EQ(WaitForSingleObject(bad, 0), WAIT_FAILED);
+        char byte;
+        EXPECT_FALSE(ReadFile(bad, &byte, 1, nullptr, nullptr));
+        EXPECT_FALSE(ClearCommError(bad, nullptr, nullptr));
+    }
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(event));
+}
+
+TEST(Handles, AHandleOfAnotherKindIsRefused) {
+    HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    DWORD written = 7;
+    EXPECT_FALSE(WriteFile(event, "x", 1, &written, nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(written, 0u);
+    DCB state;
+    EXPECT_FALSE(GetCommState(event, &state));
+    EXPECT_EQ(GetFileSize(event, nullptr), INVALID_FILE_SIZE);
+    CloseHandle(event);
+
+    HANDLE file = CreateFileA("\\dev\\null", GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(SetEvent(file));
+    EXPECT_EQ(WaitForSingleObject(file, 0), WAIT_FAILED);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    CloseHandle(file);
+}
+
+TEST(Handles, AStaleHandleNeverReachesTheNextObject) {
+    HANDLE stale = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    ASSERT_TRUE(CloseHandle(stale));
+    EXPECT_FALSE(CloseHandle(stale));
+    for (int i = 0; i < 5000; ++i) {
+        HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+        ASSERT_NE(event, nullptr);
+        ASSERT_NE(event, stale);
+        ASSERT_FALSE(SetEvent(stale));
+        ASSERT_TRUE(CloseHandle(event));
+    }
+}
+
+TEST(Handles, AFullTableRefusesAndRecovers) {
+    std::set<HANDLE> handles;
+    while (HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
+        ASSERT_TRUE(handles.insert(event).second);
+        ASSERT_LT(handles.size(), 100'000u);
+    }
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_GT(handles.size(), 10'000u);
+    EXPECT_EQ(CreateFileA("\\dev\\null", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
+    for (HANDLE event : handles)
+        EXPECT_TRUE(CloseHandle(event));
+    HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_TRUE(CloseHandle(event));
+}
+
+TEST(Handles, EachThreadHasItsOwnLastError) {
+    SetLastError(ERROR_FILE_EXISTS);
+    DWORD found = ERROR_GEN_FAILURE;
+    HANDLE thread = CreateThread(nullptr, 0, LeaveAnError, &found, 0, nullptr);
+    ASSERT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(thread);
+    EXPECT_EQ(found, ERROR_SUCCESS);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
+}
+
+TEST(Memory, BlocksAreZeroedWhereAskedAndNeverNone) {
+    auto* block = static_cast<unsigned char*>(LocalAlloc(LPTR, 100));
+    ASSERT_NE(block, nullptr);
+    for (int i = 0; i < 100; ++i)
+        EXPECT_EQ(block[i], 0);
+    EXPECT_EQ(LocalFree(block), nullptr);
+    HLOCAL empty = LocalAlloc(LMEM_FIXED, 0);
+    EXPECT_NE(empty, nullptr);
+    EXPECT_EQ(LocalFree(empty), nullptr);
+    EXPECT_EQ(LocalFree(nullptr), nullptr);
+}
+
+}  // namespace

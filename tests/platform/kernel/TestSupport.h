@@ -1,0 +1,84 @@
+// What several tests of the kernel need.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "CodePage.h"
+#include "win/kernel.h"
+
+// Gives true as soon as the condition holds, false if it does not within ten seconds.
+template <class Condition>
+bool WaitUntil(Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    return true;
+}
+
+// A folder that goes away with everything in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string path = (std::filesystem::temp_directory_path() / "kernel-test-XXXXXX").string();
+        path_ = mkdtemp(path.data()) ? path : "";
+        EXPECT_FALSE(path_.empty());
+    }
+    ~TemporaryFolder() {
+        std::error_code error;
+        if (!path_.empty())
+            std::filesystem::remove_all(path_, error);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+// Sets an environment variable for as long as it lives.
+class EnvironmentVariable {
+public:
+    EnvironmentVariable(const char* name, const char* value) : name_(name) {
+        if (const char* old = std::getenv(name)) {
+            old_ = old;
+            had_ = true;
+        }
+        setenv(name, value, 1);
+    }
+    ~EnvironmentVariable() {
+        if (had_)
+            setenv(name_, old_.c_str(), 1);
+        else
+            unsetenv(name_);
+    }
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+
+private:
+    const char* name_;
+    std::string old_;
+    bool had_ = false;
+};
+
+// Chooses a code page for as long as it lives.
+class ChosenCodePage {
+public:
+    explicit ChosenCodePage(unsigned page) : before_(kernel::CodePage()) { kernel::SetCodePage(page); }
+    ~ChosenCodePage() { kernel::SetCodePage(before_); }
+    ChosenCodePage(const ChosenCodePage&) = delete;
+    ChosenCodePage& operator=(const ChosenCodePage&) = delete;
+
+private:
+    const unsigned before_;
+};

@@ -238,6 +238,8 @@ private:
     bool replyAccepted = false;  // the current request got its reply
     bool handlingFrame = false;  // the reader is inside the handling of a frame
     bool dataOwed_ = false;      // the TitleWrite on the line has not had its TitleData
+    bool usedUp_ = false;        // the current request was answered by a reply of another kind only
+    bool readOwed_ = false;      // a TitleRead that was used up like that may still get its own reply
     bool fastTimer_ = false;     // timeBeginPeriod(1) is held
     int posting_ = 0;            // workers between deciding a message and having posted it
     int stopping_ = 0;           // stops that wait

@@ -21,6 +21,7 @@ void DeviceLink::ResetQueue() {
     planCount_ = 0;
     replyAccepted = false;
     dataOwed_ = false;
+    usedUp_ = false;
     tick = -1;
     ++queueNumber_;
 }
@@ -29,6 +30,7 @@ void DeviceLink::ArmQueue() {
     txFrame[0] = '\0';
     replyAccepted = false;
     dataOwed_ = false;
+    usedUp_ = false;
     tick = -1;
     sending = true;
     ++queueNumber_;
@@ -39,6 +41,8 @@ void DeviceLink::AdvanceQueue() {
     // The reply belonged to the frame that is gone: if this tick cannot send the next one, the next tick must not skip it.
     replyAccepted = false;
     dataOwed_ = false;
+    readOwed_ = readOwed_ || (usedUp_ && ring[ringIndex].kind == LinkRequest::kTitleRead);
+    usedUp_ = false;
     ring[ringIndex] = {};
     ringIndex = NextIndex(ringIndex);
 }
@@ -52,6 +56,7 @@ void DeviceLink::BeginOperation(std::uint32_t newOperation, std::uint32_t group,
     stepFailed_ = false;
     planCut_ = false;
     askedAgain_ = false;
+    readOwed_ = false;
     statusRepeats = 0;
     ++operationNumber_;
     HoldTimerPeriod();
@@ -138,11 +143,11 @@ void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
     bool write = false;
     {
         LockGuard lock(queueLock_);
-        // A queue that was filled anew meanwhile sends nothing of the old one.
-        write = sending && !handlingFrame && number == queueNumber_;
+        // A queue that was filled anew meanwhile sends nothing of the old one, and a request that has got its reply is not
+        // repeated.
+        write = sending && !handlingFrame && !replyAccepted && number == queueNumber_;
         if (write) {
             std::strcpy(txFrame, frame);
-            replyAccepted = false;
             dataOwed_ = ring[ringIndex].kind == LinkRequest::kTitleWrite;
         }
     }

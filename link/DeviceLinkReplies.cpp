@@ -46,13 +46,17 @@ void DeviceLink::HandleFrame(std::string_view frame) {
     bool tellFailure = false;
     {
         LockGuard lock(queueLock_);
-        // A queue that was filled anew meanwhile waits for replies of its own, and nothing answers a request that is not
-        // out.
+        // A queue that was filled anew meanwhile waits for replies of its own, and nothing answers a request that is not out
+        // yet. Only a void frame asks for no question.
         const bool current = number == queueNumber_;
-        if (accepted && current && txFrame[0] != '\0') {
+        const bool asked = txFrame[0] != '\0';
+        if (accepted && current && asked) {
+            // Short replies are taken for an answer to whatever was asked; the title that was asked for may still come.
+            const bool own = kind == FrameKind::kTitleRead || kind == FrameKind::kTitleWrite;
+            usedUp_ = !own && (usedUp_ || !replyAccepted);
             replyAccepted = true;
         }
-        if (sending && current) {
+        if (sending && current && (asked || kind == FrameKind::kVoid)) {
             React(outbox);
             tellFailure = result.posted != 0 && result.status != ST_OK && result.status != ST_LAST;
         }
@@ -217,7 +221,11 @@ bool DeviceLink::ReadTitleReply(std::string_view frame) {
     result.code = RC_TITLE_READ;
     GroupId group = 0;
     TrackNo track = 0;
-    if (!IsTitleRead(SentFrame()) || !AddressedTitle(group, track)) {
+    // The title of a read that another reply has used up must not be filed under the number of the next one. If it never
+    // comes, the next one's title is dropped in its place and comes with the repeat.
+    const bool owed = readOwed_;
+    readOwed_ = false;
+    if (owed || !IsTitleRead(SentFrame()) || !AddressedTitle(group, track)) {
         return Foreign();
     }
     char text[kTitleSize];

@@ -1,0 +1,157 @@
+// The unit and its line, and the checks of what the link puts on it.
+#include <algorithm>
+
+#include "Dialogue.h"
+#include "LinkWorld.h"
+#include "UnitRequest.h"
+
+using mainunit::UnitRequest;
+
+namespace {
+
+constexpr std::uint64_t kLeastPauseUs = 120'000;
+constexpr std::uint64_t kRepeatAfterUs = 1'900'000;
+constexpr std::uint64_t kPollUs = 5'000;
+constexpr std::uint64_t kStallUs = 1'500'000;
+constexpr std::uint64_t kTimeOutAfterUs = 3'900'000;
+
+mainunit::UnitSettings SettingsOf(const WorldOptions& options) {
+    mainunit::UnitSettings settings;
+    settings.probeAccepted = options.probeAccepted;
+    settings.latencyMs = options.latencyMs;
+    return settings;
+}
+
+}  // namespace
+
+UnitPeer::UnitPeer(Simulation& newSimulation, const WorldOptions& newOptions, mainunit::UnitLibrary library)
+    : simulation(newSimulation),
+      options(newOptions),
+      unit(std::move(library), SettingsOf(newOptions)),
+      faults(newOptions.seed, newOptions.rates) {
+    Remember();
+}
+
+void UnitPeer::Attach(SerialLine& newLine) {
+    line = &newLine;
+    line->OnWrite([this](std::string_view bytes, std::uint64_t timeUs, bool) { CheckWrite(bytes, timeUs); });
+}
+
+void UnitPeer::Calm() {
+    calm = true;
+    faults.SetRates({});
+    mainunit::UnitSettings settings = unit.settings();
+    settings.status = {mainunit::kReady};
+    settings.menu = mainunit::kNotInMenu;
+    unit.Configure(settings);
+}
+
+void UnitPeer::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t lastByteUs) {
+    std::string received(bytes);
+    if (!calm && simulation.Chance(options.requestsLost)) {
+        return;
+    }
+    if (!calm && simulation.Chance(options.requestsCorrupted)) {
+        received[simulation.Random(received.size())] = static_cast<char>(simulation.Random(256));
+    }
+    if (!calm && options.oddStatus && simulation.Chance(0.1)) {
+        constexpr std::uint8_t kOdd[] = {0x00, 0x01, 0x02, 0x04, 0x08, 0x46, 0xFD, 0xFE, 0xFF, 0x03};
+        mainunit::UnitSettings settings = unit.settings();
+        settings.status = {kOdd[simulation.Random(std::size(kOdd))], kOdd[simulation.Random(std::size(kOdd))],
+                           mainunit::kReady};
+        settings.menu = simulation.Chance(0.05) ? mainunit::kReady : mainunit::kNotInMenu;
+        unit.Configure(settings);
+    }
+    const std::vector<mainunit::Chunk> chunks = faults.Apply(unit.Receive(received));
+    if (unit.TakeChanged()) {
+        Remember();
+    }
+    for (const mainunit::Chunk& chunk : chunks) {
+        const std::uint64_t at = std::max(lastDelivery, lastByteUs + static_cast<std::uint64_t>(chunk.delayMs) * 1000);
+        lastDelivery = at;
+        simulation.At(at, [this, answer = chunk.bytes] {
+            Note(mainunit::Dialogue::ReplyLine(static_cast<std::int64_t>(simulation.Now() / 1000), answer));
+            line->Send(answer);
+            lastArrival = line->QuietAt();
+        });
+    }
+}
+
+void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
+    UnitRequest request;
+    std::string problem;
+    if (!mainunit::ReadRequest(bytes, request, problem)) {
+        simulation.Fail("the link wrote a malformed frame: " + problem);
+        return;
+    }
+    Note(mainunit::Dialogue::RequestLine(static_cast<std::int64_t>(timeUs / 1000), bytes));
+    if (lastWrite && timeUs - *lastWrite < kLeastPauseUs) {
+        simulation.Fail("two frames are less than 120 ms apart");
+        return;
+    }
+    lastWrite = timeUs;
+    if (request.kind == UnitRequest::Kind::TitleData) {
+        const std::string text = request.text.substr(0, request.text.find_last_not_of(' ') + 1);
+        sent[{mainunit::NameOf(writing), text}] = timeUs;
+        return;
+    }
+    if (request.kind == UnitRequest::Kind::TitleWrite) {
+        writing = request.entry;
+    }
+    CheckOrder(std::string(bytes), timeUs);
+}
+
+// A request goes out when the one before was answered, has timed out or was stopped, or as its repeat.
+void UnitPeer::CheckOrder(const std::string& bytes, std::uint64_t timeUs) {
+    const std::uint64_t since = timeUs - lastRequestTime;
+    const bool repeat = bytes == lastRequest && since >= kRepeatAfterUs;
+    // The reader may take up a reply just behind the writing of a request that it came in front of.
+    const bool replied = lastArrival + (options.stalls ? kStallUs : kPollUs) > lastRequestTime;
+    if (!released && !replied && !repeat && since < kTimeOutAfterUs) {
+        simulation.Fail("a request went out while the one before was still waiting for its reply");
+        return;
+    }
+    lastRequest = bytes;
+    lastRequestTime = timeUs;
+    released = false;
+}
+
+void UnitPeer::Remember() {
+    for (const mainunit::GroupKind kind : {mainunit::GroupKind::Disc, mainunit::GroupKind::Album}) {
+        for (const auto& [number, group] : unit.library().GroupsOf(kind)) {
+            if (group.title) {
+                held.insert({mainunit::NameOf({kind, number, 0}), *group.title});
+            }
+            for (const auto& [track, title] : group.tracks) {
+                if (title) {
+                    held.insert({mainunit::NameOf({kind, number, track}), *title});
+                }
+            }
+        }
+    }
+}
+
+void UnitPeer::Note(std::string line) {
+    constexpr std::size_t kLines = 80;
+    dialogue.push_back(std::move(line));
+    if (dialogue.size() > kLines) {
+        dialogue.pop_front();
+    }
+}
+
+std::string UnitPeer::Dialogue() const {
+    std::string text;
+    for (const std::string& each : dialogue) {
+        text += each + "\n";
+    }
+    return text;
+}
+
+bool UnitPeer::EverHeld(const mainunit::Entry& entry, const std::string& text) const {
+    return held.contains({mainunit::NameOf(entry), text});
+}
+
+std::uint64_t UnitPeer::SentAt(const mainunit::Entry& entry, const std::string& text) const {
+    const auto found = sent.find({mainunit::NameOf(entry), text});
+    return found != sent.end() ? found->second : 0;
+}

@@ -41,17 +41,11 @@ using HANDLE = void*;
 using HLOCAL = void*;
 
 // Handles of different kinds are different types, so that the compiler finds a mix-up.
-#define DECLARE_HANDLE(name) \
-    struct name##__ {        \
-        int unused;          \
-    };                       \
-    using name = name##__*
-
-DECLARE_HANDLE(HWND);
-DECLARE_HANDLE(HINSTANCE);
-DECLARE_HANDLE(HICON);
-DECLARE_HANDLE(HBRUSH);
-DECLARE_HANDLE(HMENU);
+using HWND = struct HWND__*;
+using HINSTANCE = struct HINSTANCE__*;
+using HICON = struct HICON__*;
+using HBRUSH = struct HBRUSH__*;
+using HMENU = struct HMENU__*;
 
 using HMODULE = HINSTANCE;
 using HCURSOR = HICON;

@@ -1,0 +1,209 @@
+// One connection to a main unit whose operations are waited for.
+#include "UnitSession.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "Frames.h"
+
+namespace {
+
+constexpr char kClassName[] = "TitlectlSession";
+constexpr UINT kStopMessage = WM_USER + 10;
+constexpr UINT_PTR kWatchTimer = 1;
+constexpr UINT kWatchPeriodMs = 250;
+constexpr int kIdleWatches = 3;
+constexpr int kMostTries = 3;
+constexpr int kPorts = 8;
+
+constexpr WORD kProgressNumbers[] = {1, 2, 4, 6, 9, 10};
+constexpr const char* kProgressTexts[] = {
+    "Searching the main unit",       "Checking the main unit", "Asking which Discs there are",
+    "Asking which Albums there are", "Reading tracks",         "Writing titles"};
+
+}  // namespace
+
+UnitSession::UnitSession() {
+    WNDCLASSEXA windowClass = {};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.lpszClassName = kClassName;
+    RegisterClassExA(&windowClass);
+    window_ = CreateWindowExA(0, kClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    if (window_ == nullptr) {
+        return;
+    }
+    SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    SetTimer(window_, kWatchTimer, kWatchPeriodMs, nullptr);
+    link_.SetPaneWindow(window_);
+    link_.SetTitleStore(&store_);
+}
+
+UnitSession::~UnitSession() {
+    link_.StopOperation();
+    link_.Disconnect();
+    link_.SetPaneWindow(nullptr);
+    link_.SetTitleStore(nullptr);
+    if (window_ != nullptr) {
+        DestroyWindow(window_);
+    }
+}
+
+void UnitSession::Limit(GroupId group, TrackNo track) {
+    DisplayRanges ranges;
+    if (group != 0 && IsAlbum(group)) {
+        ranges.DiscFrom = ranges.DiscTo = 0;
+        ranges.AlbumFrom = ranges.AlbumTo = AlbumNumber(group);
+    } else if (group != 0) {
+        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        ranges.DiscFrom = ranges.DiscTo = group;
+    }
+    // A range of no tracks at all would keep the link from reading and writing the group's own title, too.
+    tracksWanted_ = track != 0;
+    if (track >= 0) {
+        ranges.TrackFrom = ranges.TrackTo = track > 0 ? track : 1;
+    }
+    link_.SetDisplayRanges(ranges);
+}
+
+Outcome UnitSession::Connect(const char* port) {
+    if (port != nullptr) {
+        return ConnectTo(port);
+    }
+    for (int i = 1; i <= kPorts; ++i) {
+        char name[8];
+        std::snprintf(name, sizeof name, "COM%d", i);
+        const Outcome outcome = ConnectTo(name);
+        if (outcome != Outcome::kNoUnit) {
+            return outcome;
+        }
+    }
+    return Outcome::kNoUnit;
+}
+
+Outcome UnitSession::ConnectTo(const char* port) {
+    std::snprintf(port_, sizeof port_, "%s", port);
+    modelFound_ = false;
+    ended_ = false;
+    if (!link_.Connect(port_)) {
+        return Outcome::kNoUnit;
+    }
+    const Outcome outcome = Wait();
+    return outcome == Outcome::kTimeOut && !modelFound_ ? Outcome::kNoUnit : outcome;
+}
+
+Outcome UnitSession::ReadGroupTitles() {
+    return Run([this] { return link_.GetAllTitles(); });
+}
+
+Outcome UnitSession::ReadGroup(GroupId group) {
+    const Outcome own = Run([this, group] { return link_.GetOneGroup(group); });
+    if (own != Outcome::kDone || !tracksWanted_) {
+        return own;
+    }
+    return Run([this, group] { return link_.GetGroupTracks(group); });
+}
+
+Outcome UnitSession::SendGroup(GroupId group) {
+    return Run([this, group] { return link_.SendGroup(group); });
+}
+
+void UnitSession::RequestStop() {
+    stopRequested_ = 1;
+    PostMessageA(window_, kStopMessage, 0, 0);
+}
+
+// A void frame on the line ends an operation without a word. What was read until then is in the store, so the operation is
+// begun again and goes on from there.
+template <class Start>
+Outcome UnitSession::Run(Start start) {
+    for (int i = 0; i < kMostTries; ++i) {
+        ended_ = false;
+        if (!start()) {
+            return Outcome::kNoUnit;
+        }
+        const Outcome outcome = Wait();
+        if (outcome != Outcome::kDisturbed) {
+            return outcome;
+        }
+    }
+    return Outcome::kDisturbed;
+}
+
+Outcome UnitSession::Wait() {
+    refused_ = false;
+    idleWatches_ = 0;
+    MSG message;
+    while (!ended_ && !stopRequested_ && GetMessageA(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageA(&message);
+    }
+    if (stopRequested_) {
+        link_.StopOperation();
+        return Outcome::kStopped;
+    }
+    return outcome_;
+}
+
+LRESULT CALLBACK UnitSession::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* session = reinterpret_cast<UnitSession*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    if (session == nullptr) {
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    switch (message) {
+        case LM_RESULT: session->OnResult(wParam); return 0;
+        case LM_PROGRESS: session->OnProgress(wParam, lParam); return 0;
+        case WM_TIMER: session->OnWatch(); return 0;
+        default: return DefWindowProcA(window, message, wParam, lParam);
+    }
+}
+
+void UnitSession::OnResult(WPARAM wParam) {
+    const auto code = static_cast<BYTE>(wParam >> 16 & 0xFF);
+    const auto status = static_cast<BYTE>(wParam >> 24 & 0xFF);
+    if (code == RC_MODEL && status == ST_OK) {
+        modelFound_ = true;
+        return;
+    }
+    if (status == ST_BAD_REPLY || status == ST_BAD_CHECKSUM || status == ST_NO_TITLE) {
+        refused_ = refused_ || status == ST_BAD_REPLY;
+        return;  // the link repeats the request, and times out if that does not help
+    }
+    outcome_ = status == ST_TIMEOUT && refused_ ? Outcome::kRefused : OutcomeOf(status);
+    ended_ = true;
+}
+
+Outcome UnitSession::OutcomeOf(BYTE status) {
+    switch (status) {
+        case ST_OK: return Outcome::kDone;
+        case ST_BUSY: return Outcome::kBusy;
+        case ST_NO_DATA: return Outcome::kNoData;
+        case ST_TRAY_OPEN: return Outcome::kTrayOpen;
+        case ST_NOT_STOPPED: return Outcome::kNotStopped;
+        case ST_MENU_MODE: return Outcome::kMenuMode;
+        default: return Outcome::kTimeOut;
+    }
+}
+
+void UnitSession::OnProgress(WPARAM wParam, LPARAM lParam) const {
+    if (lParam != 0) {
+        const auto group = static_cast<GroupId>(HIWORD(static_cast<DWORD_PTR>(lParam)));
+        const int track = LOWORD(static_cast<DWORD_PTR>(lParam));
+        std::fprintf(stderr, "  %c%d %d\n", IsAlbum(group) ? 'A' : 'D', IsAlbum(group) ? AlbumNumber(group) : group, track);
+        return;
+    }
+    for (std::size_t i = 0; i < std::size(kProgressNumbers); ++i) {
+        if (kProgressNumbers[i] == HIWORD(wParam)) {
+            std::fprintf(stderr, "%s%s%s\n", kProgressTexts[i], kProgressNumbers[i] == 1 ? " on " : "",
+                         kProgressNumbers[i] == 1 ? port_ : "");
+        }
+    }
+}
+
+// Looks for an operation that is over and has told nothing: its end would have been dispatched before the timer.
+void UnitSession::OnWatch() {
+    idleWatches_ = link_.IsOperationActive() ? 0 : idleWatches_ + 1;
+    if (idleWatches_ >= kIdleWatches) {
+        outcome_ = Outcome::kDisturbed;
+        ended_ = true;
+    }
+}

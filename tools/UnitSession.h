@@ -1,0 +1,75 @@
+// One connection to a main unit whose operations are waited for: what a command line needs of the link.
+#pragma once
+
+#include <windows.h>
+
+#include "DeviceLink.h"
+#include "TitleStore.h"
+
+// How an operation ended.
+enum class Outcome {
+    kDone,
+    kNoUnit,      // no port, or nobody answered on it
+    kBusy,        // the unit stayed busy
+    kNotStopped,  // the HDD is not selected or not stopped
+    kMenuMode,    // the unit is in MENU mode
+    kTrayOpen,    // the disc tray is open
+    kNoData,      // the HDD holds no data
+    kTimeOut,     // the unit stopped answering
+    kRefused,     // the unit refused a title
+    kDisturbed,   // the line was disturbed again and again
+    kStopped,     // the user stopped it
+};
+
+// Everything here runs on the thread that made the session; RequestStop may come from any thread.
+class UnitSession {
+public:
+    UnitSession();
+    ~UnitSession();
+    UnitSession(const UnitSession&) = delete;
+    UnitSession& operator=(const UnitSession&) = delete;
+
+    bool IsReady() const { return window_ != nullptr; }
+
+    // Searches COM1 to COM8, or only the named port, and waits until the unit is ready.
+    Outcome Connect(const char* port);
+    // The port that Connect has found, such as "COM1".
+    const char* Port() const { return port_; }
+
+    // Limits what the operations below read and write: one group, or all for 0, and one track, or all for -1. For a single
+    // group's own title (track 0) no track is read.
+    void Limit(GroupId group, TrackNo track);
+
+    Outcome ReadGroupTitles();
+    // The group's own title, and its tracks unless the limit says that there is none to read.
+    Outcome ReadGroup(GroupId group);
+    Outcome SendGroup(GroupId group);
+
+    TitleStore& Store() { return store_; }
+
+    // Ends the operation that runs in good order; it answers kStopped.
+    void RequestStop();
+
+private:
+    static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void OnResult(WPARAM wParam);
+    void OnProgress(WPARAM wParam, LPARAM lParam) const;
+    void OnWatch();
+    template <class Start>
+    Outcome Run(Start start);
+    Outcome Wait();
+    Outcome ConnectTo(const char* port);
+    static Outcome OutcomeOf(BYTE status);
+
+    TitleStore store_;
+    DeviceLink link_;
+    HWND window_ = nullptr;
+    char port_[8] = {};
+    bool tracksWanted_ = true;
+    Shared<LONG> stopRequested_ = 0;  // written by any thread, read by the session's
+    bool ended_ = false;              // the operation has told its end
+    bool modelFound_ = false;
+    bool refused_ = false;  // a write was refused; it is repeated, and times out if it stays so
+    int idleWatches_ = 0;   // looks in a row that found no operation and no end
+    Outcome outcome_ = Outcome::kDone;
+};

@@ -71,7 +71,7 @@ Outcome UnitSession::Connect(const char* port) {
         return ConnectTo(port);
     }
     for (int i = 1; i <= kPorts; ++i) {
-        char name[8];
+        char name[16];
         std::snprintf(name, sizeof name, "COM%d", i);
         const Outcome outcome = ConnectTo(name);
         if (outcome != Outcome::kNoUnit) {

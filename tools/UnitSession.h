@@ -64,7 +64,7 @@ private:
     TitleStore store_;
     DeviceLink link_;
     HWND window_ = nullptr;
-    char port_[8] = {};
+    char port_[16] = {};
     bool tracksWanted_ = true;
     Shared<LONG> stopRequested_ = 0;  // written by any thread, read by the session's
     bool ended_ = false;              // the operation has told its end

@@ -76,6 +76,22 @@ TEST(Sender, RepeatsOnceAndTimesOut) {
     });
 }
 
+TEST(Sender, DoesNotRepeatWhatWasAnsweredDuringThePause) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.Answer(kMenuQuery, {"", "", UnitStatus("FF")});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        const std::vector<Sent>& frames = run.unit.Frames();
+        const std::uint64_t repeatAfter = frames.back().timeUs - frames[frames.size() - 2].timeUs;
+        run.unit.SetDelay(repeatAfter - 60'000);
+        const std::size_t before = run.unit.Count(kMenuQuery);
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "52000"; }, 10000));
+        EXPECT_EQ(run.unit.Count(kMenuQuery), before + 1);
+    });
+}
+
 TEST(Sender, KeepsFramesApartAndGoesOnAtTheNextTick) {
     RunLink([](LinkHarness& run) {
         run.unit.SetDelay(700'000);

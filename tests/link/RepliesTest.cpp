@@ -275,6 +275,43 @@ TEST(StrayFrames, ThatUseUpAReadEndTheStep) {
     });
 }
 
+TEST(StrayFrames, ThatUseUpAReadDoNotFileItsTitleUnderTheNextNumber) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges;
+        ranges.DiscTo = 3;
+        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        run.unit.Answer(Read("000100"), {"\x02@05800\x03"});
+        // The unit answers in the order in which it was asked, if late.
+        run.unit.Answer(Read("000200"), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
+        ASSERT_TRUE(run.link.GetOneGroup(0));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
+        char text[kTitleSize];
+        EXPECT_EQ(run.store.IsKnown(1, 0), 0);
+        ASSERT_TRUE(run.store.GetTitle(2, 0, text));
+        EXPECT_STREQ(text, "Title 000200");
+        ASSERT_TRUE(run.store.GetTitle(3, 0, text));
+        EXPECT_STREQ(text, "Title 000300");
+    });
+}
+
+TEST(StrayFrames, DoNotMoveAStepOnWhileNothingIsAsked) {
+    RunLink([](LinkHarness& run) {
+        // The reply to the first query comes while the second one is still in its pause.
+        const std::string query =
+            "\x11"
+            "000\x03";
+        run.unit.Answer(query, {UnitStatus("FF"), kModelReply});
+        ASSERT_TRUE(run.link.Connect("COM1"));
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(query) == 1; }, 1000));
+        run.unit.Line().Send(kModelReply, 70'000);
+        ASSERT_TRUE(run.WaitForResult(1118209));
+        EXPECT_EQ(run.unit.Count(query), 2U);
+        EXPECT_TRUE(run.WaitForResult(OP_CONNECT));
+    });
+}
+
 TEST(Writing, SendsOneTitleDataForEachWrite) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());

@@ -147,7 +147,7 @@ void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
         // repeated.
         write = sending && !handlingFrame && !replyAccepted && number == queueNumber_;
         if (write) {
-            std::strcpy(txFrame, frame);
+            std::memcpy(txFrame, frame, kFrameSize);
             dataOwed_ = ring[ringIndex].kind == LinkRequest::kTitleWrite;
         }
     }

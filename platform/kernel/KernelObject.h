@@ -49,8 +49,9 @@ public:
         return *this;
     }
     ~Ref() {
+        // The checker does not follow a count that is atomic.
         if (object_)
-            object_->Release();
+            object_->Release();  // NOLINT(clang-analyzer-cplusplus.NewDelete)
     }
 
     T* Get() const { return object_; }

@@ -41,11 +41,11 @@ using HANDLE = void*;
 using HLOCAL = void*;
 
 // Handles of different kinds are different types, so that the compiler finds a mix-up.
-using HWND = struct HWND__*;
-using HINSTANCE = struct HINSTANCE__*;
-using HICON = struct HICON__*;
-using HBRUSH = struct HBRUSH__*;
-using HMENU = struct HMENU__*;
+using HWND = struct HwndTag*;
+using HINSTANCE = struct HinstanceTag*;
+using HICON = struct HiconTag*;
+using HBRUSH = struct HbrushTag*;
+using HMENU = struct HmenuTag*;
 
 using HMODULE = HINSTANCE;
 using HCURSOR = HICON;

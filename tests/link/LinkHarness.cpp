@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Fields.h"
+#include "PumpUntil.h"
 
 namespace {
 
@@ -145,20 +146,7 @@ LRESULT CALLBACK LinkHarness::WindowProc(HWND window, UINT message, WPARAM wPara
 }
 
 bool LinkHarness::WaitUntil(const std::function<bool()>& condition, DWORD limitMs) {
-    const std::uint64_t end = Now() + limitMs * std::uint64_t{1000};
-    while (true) {
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageA(&message);
-        }
-        if (condition()) {
-            return true;
-        }
-        if (Now() >= end) {
-            return false;
-        }
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
-    }
+    return PumpUntil(condition, limitMs);
 }
 
 void LinkHarness::Pass(DWORD ms) {

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <sstream>
 
+#include "PumpUntil.h"
+
 using mainunit::Entry;
 using mainunit::UnitLibrary;
 
@@ -13,7 +15,7 @@ namespace {
 constexpr std::uint64_t kMs = 1000;
 constexpr std::uint64_t kRageMs = 150'000;
 // More than any operation of so small a library can take, with every request timing out once.
-constexpr std::uint64_t kOperationLimitMs = 1'500'000;
+constexpr DWORD kOperationLimitMs = 1'500'000;
 constexpr std::uint64_t kRunLimitUs = 24ULL * 3600 * 1000 * kMs;
 constexpr GroupId kDiscCount = 5;
 constexpr GroupId kAlbumCount = 3;
@@ -197,25 +199,8 @@ void LinkWorld::OnResult(WPARAM wParam) {
     }
 }
 
-bool LinkWorld::WaitUntil(const std::function<bool()>& condition, std::uint64_t limitMs) {
-    const std::uint64_t end = Now() + limitMs * kMs;
-    while (true) {
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageA(&message);
-        }
-        if (condition()) {
-            return true;
-        }
-        if (Now() >= end) {
-            return false;
-        }
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-    }
-}
-
-void LinkWorld::Pass(std::uint64_t ms) {
-    WaitUntil([] { return false; }, ms);
+void LinkWorld::Pass(DWORD ms) {
+    PumpUntil([] { return false; }, ms);
 }
 
 bool LinkWorld::Connected() {
@@ -247,10 +232,10 @@ void LinkWorld::Act() {
     const std::uint64_t choice = simulation.Random(100);
     if (choice < 45) {
         EditSomething();
-        Pass(simulation.Random(400));
+        Pass(static_cast<DWORD>(simulation.Random(400)));
     } else if (choice < 75) {
         StartSomething();
-        Pass(simulation.Random(8000));
+        Pass(static_cast<DWORD>(simulation.Random(8000)));
     } else if (choice < 82) {
         link.StopOperation();
         peer.Released();
@@ -258,7 +243,7 @@ void LinkWorld::Act() {
         Settle();
     } else if (choice < 98 && options.unplugs) {
         peer.Line().Unplug();
-        Pass(simulation.Random(5000));
+        Pass(static_cast<DWORD>(simulation.Random(5000)));
         peer.Line().Plug();
         Connected();
     } else if (choice == 99) {
@@ -334,7 +319,7 @@ void LinkWorld::PlantCanary() {
 
 // Waits until the operation has ended or stands, as each has to.
 void LinkWorld::Settle() {
-    if (!WaitUntil([&] { return !link.IsOperationActive() || standing; }, kOperationLimitMs)) {
+    if (!PumpUntil([&] { return !link.IsOperationActive() || standing; }, kOperationLimitMs)) {
         simulation.Fail("an operation neither ends nor stands");
     }
     CheckEdits();
@@ -359,7 +344,7 @@ void LinkWorld::ComeToRest() {
             return;
         }
         Settle();
-        if (!WaitUntil([&] { return std::find(results.begin(), results.end(), result) != results.end(); }, 100)) {
+        if (!PumpUntil([&] { return std::find(results.begin(), results.end(), result) != results.end(); }, 100)) {
             simulation.Fail("an operation does not get through on a quiet line");
         }
     };

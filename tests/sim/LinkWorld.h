@@ -121,8 +121,7 @@ private:
     static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     static DWORD WINAPI StarterMain(LPVOID world);
     void OnResult(WPARAM wParam);
-    bool WaitUntil(const std::function<bool()>& condition, std::uint64_t limitMs);
-    void Pass(std::uint64_t ms);
+    void Pass(DWORD ms);
     bool Connected();
     void Rage();
     void Act();

@@ -103,8 +103,8 @@ LRESULT DispatchMessageA(const MSG* message);
 void PostQuitMessage(int exitCode);
 
 inline constexpr UINT USER_TIMER_MINIMUM = 0x0000000A;
-// The period is at least USER_TIMER_MINIMUM. The identifier replaces an earlier timer of the same number; without a window, one
-// that names no timer is ignored and a new identifier is given. Gives 0 on failure.
+// The period is at least USER_TIMER_MINIMUM. The identifier replaces an earlier timer of the same number; without a window,
+// one that names no timer is ignored and a new identifier is given. Gives 0 on failure.
 UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT periodMs, TIMERPROC procedure);
 BOOL KillTimer(HWND window, UINT_PTR id);
 

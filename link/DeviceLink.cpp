@@ -58,6 +58,7 @@ void DeviceLink::Disconnect() {
     handlingFrame = false;
     sendPending = false;
     posting_ = 0;
+    readOwed_ = false;
     ResetQueue();
     ReleaseIdleTimerPeriod();
 }
@@ -143,6 +144,7 @@ void DeviceLink::StopHoldingStartLock() {
         Sleep(1);
     }
     LockGuard lock(queueLock_);
+    readOwed_ = readOwed_ || IsReadOpen();
     ResetQueue();
     --stopping_;
     ReleaseIdleTimerPeriod();

@@ -154,6 +154,7 @@ private:
     static std::uint32_t NextIndex(std::uint32_t index) { return index + 1 < kRingSize ? index + 1 : 0; }
     void ResetQueue();
     void ArmQueue();
+    bool IsReadOpen() const;
     void AdvanceQueue();
     void BeginOperation(std::uint32_t newOperation, std::uint32_t group, std::uint32_t arg);
     bool MoveOn();
@@ -239,7 +240,7 @@ private:
     bool handlingFrame = false;  // the reader is inside the handling of a frame
     bool dataOwed_ = false;      // the TitleWrite on the line has not had its TitleData
     bool usedUp_ = false;        // the current request was answered by a reply of another kind only
-    bool readOwed_ = false;      // a TitleRead that was used up like that may still get its own reply
+    bool readOwed_ = false;      // a TitleRead that is off the line without a reply of its own may still get it
     bool fastTimer_ = false;     // timeBeginPeriod(1) is held
     int posting_ = 0;            // workers between deciding a message and having posted it
     int stopping_ = 0;           // stops that wait

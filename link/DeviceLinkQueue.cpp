@@ -36,12 +36,16 @@ void DeviceLink::ArmQueue() {
     ++queueNumber_;
 }
 
+bool DeviceLink::IsReadOpen() const {
+    return IsTitleRead(SentFrame()) && (!replyAccepted || usedUp_);
+}
+
 void DeviceLink::AdvanceQueue() {
+    readOwed_ = readOwed_ || IsReadOpen();
     txFrame[0] = '\0';
     // The reply belonged to the frame that is gone: if this tick cannot send the next one, the next tick must not skip it.
     replyAccepted = false;
     dataOwed_ = false;
-    readOwed_ = readOwed_ || (usedUp_ && ring[ringIndex].kind == LinkRequest::kTitleRead);
     usedUp_ = false;
     ring[ringIndex] = {};
     ringIndex = NextIndex(ringIndex);
@@ -56,7 +60,6 @@ void DeviceLink::BeginOperation(std::uint32_t newOperation, std::uint32_t group,
     stepFailed_ = false;
     planCut_ = false;
     askedAgain_ = false;
-    readOwed_ = false;
     statusRepeats = 0;
     ++operationNumber_;
     HoldTimerPeriod();
@@ -134,6 +137,8 @@ WPARAM DeviceLink::TimeOut() {
     const WPARAM message = operation | static_cast<WPARAM>(CodeForStep(step)) << 16 | static_cast<WPARAM>(ST_TIMEOUT) << 24;
     BeginOperation(0, 0, 0);
     ResetQueue();
+    // A unit that was silent for so long owes nothing any more.
+    readOwed_ = false;
     ++posting_;
     return message;
 }

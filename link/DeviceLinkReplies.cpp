@@ -221,8 +221,8 @@ bool DeviceLink::ReadTitleReply(std::string_view frame) {
     result.code = RC_TITLE_READ;
     GroupId group = 0;
     TrackNo track = 0;
-    // The title of a read that another reply has used up must not be filed under the number of the next one. If it never
-    // comes, the next one's title is dropped in its place and comes with the repeat.
+    // The title of a read that was given up, or that another reply has used up, must not be filed under the number of the
+    // next one. If it never comes, the next one's title is dropped in its place and comes with the repeat.
     const bool owed = readOwed_;
     readOwed_ = false;
     if (owed || !IsTitleRead(SentFrame()) || !AddressedTitle(group, track)) {

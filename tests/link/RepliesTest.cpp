@@ -296,6 +296,25 @@ TEST(StrayFrames, ThatUseUpAReadDoNotFileItsTitleUnderTheNextNumber) {
     });
 }
 
+TEST(StrayFrames, DoNotFileATitleThatAStoppedReadGetsTooLate) {
+    // The stop waits for a second, the unit takes longer, and the next operation reads at once.
+    for (const bool usedUp : {false, true}) {
+        RunLink([usedUp](LinkHarness& run) {
+            ASSERT_TRUE(run.ConnectQuietly());
+            run.unit.Answer(Read("000100"), {usedUp ? "\x02@05800\x03" : ""});
+            ASSERT_TRUE(run.link.GetOneGroup(1));
+            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(Read("000100")) == 1; }, 10000));
+            run.link.StopOperation();
+            run.unit.Answer(Read("000200"), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
+            ASSERT_TRUE(run.link.GetOneGroup(2));
+            ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
+            char text[kTitleSize];
+            ASSERT_TRUE(run.store.GetTitle(2, 0, text));
+            EXPECT_STREQ(text, "Title 000200");
+        });
+    }
+}
+
 TEST(StrayFrames, DoNotMoveAStepOnWhileNothingIsAsked) {
     RunLink([](LinkHarness& run) {
         // The reply to the first query comes while the second one is still in its pause.

@@ -171,7 +171,8 @@ bool SyncFolder(const std::string& folder) {
     const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (file < 0)
         return false;
-    const bool synced = fsync(file) == 0;
+    // Some file systems cannot do that for a folder, and then the rename is all that there is.
+    const bool synced = fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
     close(file);
     return synced;
 }

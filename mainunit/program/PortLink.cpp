@@ -49,10 +49,11 @@ bool PortLink::Create(const std::string& folder, const std::string& name, const 
     }
     const fs::path path = fs::path(folder) / file;
     const fs::file_status there = fs::symlink_status(path, problem);
-    if (fs::is_symlink(there)) {
+    // A link to anything but a pseudo terminal is the user's own, to a real port.
+    if (fs::is_symlink(there) && fs::read_symlink(path, problem).string().starts_with("/dev/pts/")) {
         fs::remove(path, problem);
     } else if (fs::exists(there)) {
-        error = path.string() + ": is there already and is no link";
+        error = path.string() + ": is there already and leads to no simulated unit";
         return false;
     }
     fs::create_symlink(target, path, problem);

@@ -201,8 +201,14 @@ TEST_F(ProgramTest, ReplacesALeftLinkAndNothingElse) {
     std::ofstream(ports_ / "com3") << "precious";
     Program refuses({"--link", "COM3", "--ports", ports_});
     EXPECT_EQ(refuses.End(), 1);
-    EXPECT_NE(refuses.lastOutput().find("is no link"), std::string::npos) << refuses.lastOutput();
+    EXPECT_NE(refuses.lastOutput().find("leads to no simulated unit"), std::string::npos) << refuses.lastOutput();
     EXPECT_TRUE(fs::is_regular_file(ports_ / "com3"));
+
+    // The user's own link to a real port.
+    fs::create_symlink("/dev/ttyUSB7", ports_ / "com4");
+    Program spares({"--link", "COM4", "--ports", ports_});
+    EXPECT_EQ(spares.End(), 1);
+    EXPECT_EQ(fs::read_symlink(ports_ / "com4"), "/dev/ttyUSB7");
 
     // Another unit takes the name over; the first one leaves the other's link alone when it ends.
     Program takesOver({"--link", "COM2", "--ports", ports_, "--quiet"});

@@ -191,7 +191,7 @@ BOOL Port::Read(void* buffer, DWORD count, DWORD& read) {
         } else if (got < 0 && errno == EAGAIN) {
             break;
         } else if (got == 0 || errno != EINTR) {
-            // Bytes that came before the end are still good.
+            // Bytes that this call has got before the end are still good.
             dead_ = true;
             return read > 0 ? TRUE : Fail(ERROR_READ_FAULT);
         }

@@ -2,6 +2,7 @@
 #include "MessageQueue.h"
 
 #include <algorithm>
+#include <new>
 
 #include "MessageState.h"
 
@@ -21,8 +22,8 @@ MessageQueue* MessageQueue::Current() {
     if (queue != nullptr) {
         return queue;
     }
-    queue = new MessageQueue;
-    if (!queue->wait.IsUsable() || !FlsSetValue(slot, queue)) {
+    queue = new (std::nothrow) MessageQueue;
+    if (queue == nullptr || !queue->wait.IsUsable() || !FlsSetValue(slot, queue)) {
         delete queue;
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;

@@ -19,18 +19,21 @@ std::vector<PFLS_CALLBACK_FUNCTION>& Callbacks() {
 }  // namespace
 
 void sim::FiberLocalStorage::ThreadEnds() {
-    // By index, since a callback may set a slot again.
-    std::vector<LPVOID>& values = Self().localStorage;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        LPVOID value = values[i];
-        if (value == nullptr) {
-            continue;
-        }
-        if (Callbacks()[i] != nullptr) {
+    constexpr int kMostPasses = 4;
+    for (int pass = 0; pass < kMostPasses && ClearOnce(); ++pass) {}
+}
+
+// True if there was anything to clear. By index, since a callback may set a slot again.
+bool sim::FiberLocalStorage::ClearOnce() {
+    bool any = false;
+    for (std::size_t i = 0; i < Self().localStorage.size(); ++i) {
+        LPVOID value = std::exchange(Self().localStorage[i], nullptr);
+        if (value != nullptr && Callbacks()[i] != nullptr) {
             Callbacks()[i](value);
+            any = true;
         }
-        values[i] = nullptr;
     }
+    return any;
 }
 
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback) {

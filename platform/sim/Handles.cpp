@@ -30,8 +30,8 @@ HANDLE HandleTable::Add(std::shared_ptr<KernelObject> object) {
         freeSlots.push_back(slots.size());
         slots.emplace_back();
     }
-    const std::size_t index = freeSlots.back();
-    freeSlots.pop_back();
+    const std::size_t index = freeSlots.front();
+    freeSlots.pop_front();
     slots[index].object = std::move(object);
     return Encode(index, slots[index].uses);
 }

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -52,7 +53,7 @@ private:
     std::size_t IndexOf(HANDLE handle) const;
 
     std::vector<Slot> slots;
-    std::vector<std::size_t> freeSlots;
+    std::deque<std::size_t> freeSlots;  // longest free first, so that a stale handle stays recognisable
 };
 
 // The object of a kind that a handle stands for, or null with the last error set.

@@ -48,7 +48,8 @@ bool PortObject::SetState(const DCB& newState) {
     const bool known = std::ranges::find(kBaudRates, newState.BaudRate) != std::end(kBaudRates);
     const bool flowControl =
         newState.fOutxCtsFlow != 0 || newState.fOutxDsrFlow != 0 || newState.fOutX != 0 || newState.fInX != 0;
-    if (!known || flowControl || newState.ByteSize != kByteSize || newState.Parity != NOPARITY ||
+    const bool filtered = newState.fErrorChar != 0 || newState.fNull != 0 || newState.fParity != 0;
+    if (!known || flowControl || filtered || newState.ByteSize != kByteSize || newState.Parity != NOPARITY ||
         newState.StopBits != ONESTOPBIT) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return false;
@@ -74,6 +75,10 @@ bool PortObject::Write(std::string_view bytes) {
     }
     // The observer may have pulled the plug.
     if (!accepted || line == nullptr) {
+        if (line != nullptr) {
+            line->Closed(*this);
+            Die();
+        }
         SetLastError(ERROR_WRITE_FAULT);
         return false;
     }
@@ -146,7 +151,7 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD read, LPOVERLAPPE
     if (read != nullptr) {
         *read = 0;
     }
-    if (port == nullptr || !port->IsAlive(ERROR_READ_FAULT)) {
+    if (port == nullptr || !port->IsAlive(ERROR_GEN_FAILURE)) {
         return FALSE;
     }
     if (overlapped != nullptr || read == nullptr) {
@@ -166,7 +171,7 @@ BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD written, LPOVER
     if (written != nullptr) {
         *written = 0;
     }
-    if (port == nullptr || !port->IsAlive(ERROR_WRITE_FAULT)) {
+    if (port == nullptr || !port->IsAlive(ERROR_GEN_FAILURE)) {
         return FALSE;
     }
     if (overlapped != nullptr || written == nullptr) {

@@ -237,6 +237,8 @@ TEST_F(LineTest, WritesAreSeenRejectedAndSlow) {
         EXPECT_FALSE(Write(port, "no"));
         EXPECT_EQ(GetLastError(), ERROR_WRITE_FAULT);
         line.RejectWrites(false);
+        ExpectDead();
+        port = Open("COM1");
         line.SlowWrites(300 * kMs);
         EXPECT_TRUE(Write(port, "slow"));
         EXPECT_EQ(simulation.Now(), 300 * kMs);

@@ -74,7 +74,7 @@ Outcome UnitSession::Connect(const char* port) {
         char name[16];
         std::snprintf(name, sizeof name, "COM%d", i);
         const Outcome outcome = ConnectTo(name);
-        if (outcome != Outcome::kNoUnit) {
+        if (outcome != Outcome::kNoUnit && outcome != Outcome::kNoPort && outcome != Outcome::kPortTaken) {
             return outcome;
         }
     }
@@ -83,13 +83,17 @@ Outcome UnitSession::Connect(const char* port) {
 
 Outcome UnitSession::ConnectTo(const char* port) {
     std::snprintf(port_, sizeof port_, "%s", port);
-    modelFound_ = false;
-    ended_ = false;
-    if (!link_.Connect(port_)) {
-        return Outcome::kNoUnit;
+    Outcome outcome = Outcome::kDisturbed;
+    for (int i = 0; i < kMostTries && outcome == Outcome::kDisturbed; ++i) {
+        modelFound_ = false;
+        ended_ = false;
+        if (!link_.Connect(port_)) {
+            return GetLastError() == ERROR_FILE_NOT_FOUND ? Outcome::kNoPort : Outcome::kPortTaken;
+        }
+        outcome = Wait();
     }
-    const Outcome outcome = Wait();
-    return outcome == Outcome::kTimeOut && !modelFound_ ? Outcome::kNoUnit : outcome;
+    const bool nobody = !modelFound_ && (outcome == Outcome::kTimeOut || outcome == Outcome::kDisturbed);
+    return nobody ? Outcome::kNoUnit : outcome;
 }
 
 Outcome UnitSession::ReadGroupTitles() {
@@ -133,6 +137,7 @@ Outcome UnitSession::Run(Start start) {
 Outcome UnitSession::Wait() {
     refused_ = false;
     idleWatches_ = 0;
+    outcome_ = Outcome::kDisturbed;
     MSG message;
     while (!ended_ && !stopRequested_ && GetMessageA(&message, nullptr, 0, 0) > 0) {
         DispatchMessageA(&message);

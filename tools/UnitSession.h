@@ -9,7 +9,9 @@
 // How an operation ended.
 enum class Outcome {
     kDone,
-    kNoUnit,      // no port, or nobody answered on it
+    kNoUnit,      // nobody answered
+    kNoPort,      // the named port is not there
+    kPortTaken,   // another program has the named port, or the user may not use it
     kBusy,        // the unit stayed busy
     kNotStopped,  // the HDD is not selected or not stopped
     kMenuMode,    // the unit is in MENU mode
@@ -31,7 +33,8 @@ public:
 
     bool IsReady() const { return window_ != nullptr; }
 
-    // Searches COM1 to COM8, or only the named port, and waits until the unit is ready.
+    // Searches COM1 to COM8, or only the named port, and waits until the unit is ready. A port without a unit is passed over
+    // in the search, whatever else is on it.
     Outcome Connect(const char* port);
     // The port that Connect has found, such as "COM1".
     const char* Port() const { return port_; }

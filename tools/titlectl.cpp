@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Lock.h"
 #include "UnitSession.h"
 
 namespace {
@@ -42,6 +43,8 @@ constexpr char kUsage[] =
     "9 HDD not selected or not stopped, 10 no such title or not writable, 11 read back something else, 12 line disturbed,\n"
     "130 stopped by the user.\n";
 
+constexpr int kPorts = 8;
+
 struct Command {
     const char* port = nullptr;
     std::string verb;
@@ -50,11 +53,38 @@ struct Command {
     std::string text;
 };
 
-UnitSession* runningSession = nullptr;
+// The session that the user can stop. The handler has a thread of its own, so the session and its end are under the lock.
+class Stopper {
+public:
+    void Watch(UnitSession* session) {
+        LockGuard lock(lock_);
+        session_ = session;
+    }
+
+    // Whether this is the first time: whoever asks twice does not want to wait for the line.
+    bool Stop() {
+        LockGuard lock(lock_);
+        if (session_ == nullptr || asked_) {
+            return false;
+        }
+        asked_ = true;
+        session_->RequestStop();
+        return true;
+    }
+
+private:
+    CriticalSection lock_;
+    UnitSession* session_ = nullptr;
+    bool asked_ = false;
+};
+
+Stopper& TheStopper() {
+    static Stopper& stopper = *new Stopper;
+    return stopper;
+}
 
 BOOL WINAPI OnConsoleEvent(DWORD) {
-    runningSession->RequestStop();
-    return TRUE;
+    return TheStopper().Stop();
 }
 
 int Fail(int code, const char* why) {
@@ -66,6 +96,8 @@ int Report(Outcome outcome) {
     switch (outcome) {
         case Outcome::kDone: return kExitDone;
         case Outcome::kNoUnit: return Fail(kExitNoUnit, "no main unit answers; is it switched on and connected?");
+        case Outcome::kNoPort: return Fail(kExitNoUnit, "there is no such port");
+        case Outcome::kPortTaken: return Fail(kExitNoUnit, "the port is in use, or you may not use it (group dialout?)");
         case Outcome::kBusy: return Fail(kExitBusy, "the main unit stays busy");
         case Outcome::kNotStopped: return Fail(kExitNotStopped, "select the HDD on the main unit and stop it");
         case Outcome::kMenuMode: return Fail(kExitMenuMode, "the main unit is in MENU mode; leave the menu first");
@@ -86,6 +118,11 @@ bool ParseNumber(const char* text, int least, int most, int& value) {
     return *text >= '0' && *text <= '9' && *end == '\0' && number >= least && number <= most;
 }
 
+bool IsPortName(const char* name) {
+    int number = 0;
+    return std::strncmp(name, "COM", 3) == 0 && ParseNumber(name + 3, 1, kPorts, number);
+}
+
 bool ParseGroup(const char* text, GroupId& group) {
     int number = 0;
     const char kind = static_cast<char>(text[0] & ~0x20);
@@ -100,6 +137,9 @@ bool ParseCommand(int count, char** arguments, Command& command) {
     std::vector<const char*> words(arguments + 1, arguments + count);
     if (words.size() >= 2 && std::strcmp(words[0], "--port") == 0) {
         command.port = words[1];
+        if (!IsPortName(words[1])) {
+            return false;
+        }
         words.erase(words.begin(), words.begin() + 2);
     }
     if (words.empty()) {
@@ -183,10 +223,12 @@ int Set(UnitSession& session, const Command& command) {
     if (outcome != Outcome::kDone) {
         return Report(outcome);
     }
-    if (store.GetState(command.group, 0) <= TS_NONE || store.GetState(command.group, command.track) <= TS_NONE) {
+    if (store.GetState(command.group, command.track) <= TS_NONE) {
         return Fail(kExitNotWritable, "the main unit has no such title; only titles that are there can be changed");
     }
-    store.EditTitle(command.group, command.track, text.c_str());
+    if (store.EditTitle(command.group, command.track, text.c_str()) == 0) {
+        return Fail(kExitNotWritable, "the title could not be changed");
+    }
     outcome = session.SendGroup(command.group);
     if (outcome != Outcome::kDone) {
         return Report(outcome);
@@ -232,7 +274,9 @@ int main(int argc, char** argv) {
     if (!session.IsReady()) {
         return Fail(kExitNoUnit, "no window could be made to receive the link's messages");
     }
-    runningSession = &session;
+    TheStopper().Watch(&session);
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
-    return Execute(session, command);
+    const int code = Execute(session, command);
+    TheStopper().Watch(nullptr);
+    return code;
 }

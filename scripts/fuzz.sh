@@ -8,7 +8,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-[[ ${1:-} =~ ^[1-9][0-9]*$ ]] || { sed -n '2,7p' "${BASH_SOURCE[0]}" >&2; exit 2; }
+[[ ${1:-} =~ ^[1-9][0-9]*$ ]] || { sed -n '2,7p' "$root/scripts/fuzz.sh" >&2; exit 2; }
 seconds=$1
 shift
 targets=("$@")

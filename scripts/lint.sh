@@ -1,9 +1,15 @@
 #!/usr/bin/env bash
-# Formatting, and clang-tidy over everything but the tests. Needs a configured release build.
+# Formatting, and clang-tidy over everything but the tests.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 need git clang-format clang-tidy
+need_build_tools
+build release
+
 git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
+
+# Standard error holds little but the number of warnings in system headers; it is shown if something went wrong.
+log=$root/build/clang-tidy.log
 git ls-files 'store/*.cpp' 'link/*.cpp' 'tools/*.cpp' 'mainunit/*.cpp' 'platform/*.cpp' |
-    xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>/dev/null
+    xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>"$log" || { cat "$log" >&2; say "clang-tidy failed"; exit 1; }

@@ -1,4 +1,4 @@
-# Sourced by ./run, ./test and .ci/run: installs the Debian packages that are missing, and builds a preset.
+# Sourced by ./run, ./test and the scripts: installs the Debian packages that are missing, and builds a preset.
 #
 # A fresh Debian machine has nothing but a shell, so nothing is taken for granted here.
 
@@ -30,9 +30,15 @@ need() {
     [ ${#missing[@]} -gt 0 ] || return 0
     say "Installing Debian packages: ${missing[*]}"
     [ "$(id -u)" -eq 0 ] || say "(sudo may ask for your password)"
-    retry as_root apt-get update -q >&2 || { say "apt-get update failed"; return 1; }
-    retry as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" >&2 ||
-        { say "Could not install: ${missing[*]}"; return 1; }
+    retry install_packages "${missing[@]}" || { say "Could not install: ${missing[*]}"; return 1; }
+}
+
+# Lists that came only in part count as a failure, or the installation would look for packages that are gone. A machine that
+# has just started may be updating itself, so the lock is waited for.
+install_packages() {
+    as_root apt-get -q -o APT::Update::Error-Mode=any -o DPkg::Lock::Timeout=300 update >&2 &&
+        as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300 install \
+            --no-install-recommends "$@" >&2
 }
 
 need_build_tools() {

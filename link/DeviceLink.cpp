@@ -1,6 +1,8 @@
 // The link to the main unit: starting, stopping, posting.
 #include "DeviceLink.h"
 
+#include <algorithm>
+
 #include "TitleStore.h"
 
 namespace {
@@ -24,7 +26,12 @@ void DeviceLink::SetTitleStore(TitleStore* store) {
 
 void DeviceLink::SetDisplayRanges(const DisplayRanges& newRanges) {
     LockGuard lock(queueLock_);
-    ranges = newRanges;
+    ranges.DiscFrom = std::clamp(newRanges.DiscFrom, 0, kDiscs);
+    ranges.DiscTo = std::clamp(newRanges.DiscTo, 0, kDiscs);
+    ranges.AlbumFrom = std::clamp(newRanges.AlbumFrom, 0, kAlbums);
+    ranges.AlbumTo = std::clamp(newRanges.AlbumTo, 0, kAlbums);
+    ranges.TrackFrom = std::clamp(newRanges.TrackFrom, 0, kTracks);
+    ranges.TrackTo = std::clamp(newRanges.TrackTo, 0, kTracks);
 }
 
 bool DeviceLink::Connect(LPCSTR portName) {
@@ -58,7 +65,7 @@ void DeviceLink::Disconnect() {
     handlingFrame = false;
     sendPending = false;
     posting_ = 0;
-    readOwed_ = false;
+    ForgetOwedReplies();
     ResetQueue();
     ReleaseIdleTimerPeriod();
 }
@@ -144,7 +151,7 @@ void DeviceLink::StopHoldingStartLock() {
         Sleep(1);
     }
     LockGuard lock(queueLock_);
-    readOwed_ = readOwed_ || IsReadOpen();
+    NoteOwedReply();
     ResetQueue();
     --stopping_;
     ReleaseIdleTimerPeriod();

@@ -96,6 +96,7 @@ public:
     void SetPaneWindow(HWND window) { paneWindow = window; }
     // Null is allowed. When this returns, the link has let go of the store that it had before.
     void SetTitleStore(TitleStore* store);
+    // Numbers outside what a unit can hold are brought to its bounds. An operation that runs keeps its ranges.
     void SetDisplayRanges(const DisplayRanges& newRanges);
 
     bool IsOperationActive() const { return operationActive; }
@@ -154,11 +155,14 @@ private:
     static std::uint32_t NextIndex(std::uint32_t index) { return index + 1 < kRingSize ? index + 1 : 0; }
     void ResetQueue();
     void ArmQueue();
-    bool IsReadOpen() const;
+    void NoteOwedReply();
+    void ForgetOwedReplies();
     void AdvanceQueue();
     void BeginOperation(std::uint32_t newOperation, std::uint32_t group, std::uint32_t arg);
+    void BeginStep();
     bool MoveOn();
     void QueueThrough(const LinkRequest& answered);
+    void FailAtNextTick();
     WPARAM TimeOut();
     void SendBuiltFrame(const char* frame, std::uint32_t number);
     static void EncodeRequest(const LinkRequest& request, char* out);
@@ -224,7 +228,8 @@ private:
     mutable CriticalSection queueLock_;
     TitleStore* titleStore = nullptr;
     DisplayRanges ranges;
-    char txFrame[kFrameSize] = {};  // the current request as sent; empty while nothing was sent for it
+    DisplayRanges operationRanges_;  // those of the operation, which keeps to what it began with
+    char txFrame[kFrameSize] = {};   // the current request as sent; empty while nothing was sent for it
     std::uint32_t operation = 0;
     std::uint32_t operationGroup = 0;
     std::uint32_t operationArg = 0;
@@ -233,15 +238,18 @@ private:
     bool stepBusy = false;       // the step waits for replies
     bool stepFailed_ = false;    // the unit is busy, empty or open: the operation stands idle until it is stopped
     bool planCut_ = false;       // the last read plan did not fit into the ring
-    bool askedAgain_ = false;    // the question of this step was put a second time
+    bool askedAgain_ = false;    // this question was put a second time
+    bool gotOn_ = false;         // a title was stored or sent since the ring was last filled
     bool sending = false;        // the sender works
     bool sendPending = false;    // the sender stands between building a frame and having written it
     bool replyAccepted = false;  // the current request got its reply
     bool handlingFrame = false;  // the reader is inside the handling of a frame
     bool dataOwed_ = false;      // the TitleWrite on the line has not had its TitleData
-    bool usedUp_ = false;        // the current request was answered by a reply of another kind only
+    bool usedUp_ = false;        // the current request, if it is a TitleRead or TitleWrite, got a reply of another kind only
     bool readOwed_ = false;      // a TitleRead that is off the line without a reply of its own may still get it
+    bool writeOwed_ = false;     // the same of a TitleWrite
     bool fastTimer_ = false;     // timeBeginPeriod(1) is held
+    int roundsInVain_ = 0;       // fillings of the ring in a row that got nothing on
     int posting_ = 0;            // workers between deciding a message and having posted it
     int stopping_ = 0;           // stops that wait
     std::int32_t tick = -1;      // the sender's ticks for the current request

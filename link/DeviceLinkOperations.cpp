@@ -82,9 +82,9 @@ const DeviceLink::StepRow* DeviceLink::FindRow() const {
 bool DeviceLink::Holds(Condition condition) const {
     switch (condition) {
         case Condition::kAlways: return true;
-        case Condition::kDiscsOff: return ranges.DiscFrom == 0 && ranges.DiscTo == 0;
-        case Condition::kAlbumsOff: return ranges.AlbumFrom == 0 && ranges.AlbumTo == 0;
-        case Condition::kTracksOff: return ranges.TrackFrom == 0 && ranges.TrackTo == 0;
+        case Condition::kDiscsOff: return operationRanges_.DiscFrom == 0 && operationRanges_.DiscTo == 0;
+        case Condition::kAlbumsOff: return operationRanges_.AlbumFrom == 0 && operationRanges_.AlbumTo == 0;
+        case Condition::kTracksOff: return operationRanges_.TrackFrom == 0 && operationRanges_.TrackTo == 0;
         case Condition::kNoneMapped: return nextRing[0].IsFree();
     }
     return false;
@@ -106,6 +106,12 @@ void DeviceLink::DriverTick() {
         if (FillAgain()) {
             stepBusy = true;
             ArmQueue();
+            // A unit that answers everything, and nothing as it was asked, is given one more round.
+            roundsInVain_ = gotOn_ ? 0 : roundsInVain_ + 1;
+            gotOn_ = false;
+            if (roundsInVain_ > 1) {
+                FailAtNextTick();
+            }
             return;
         }
         row = FindRow();
@@ -114,7 +120,7 @@ void DeviceLink::DriverTick() {
             return;
         }
         step = row->newStep;
-        askedAgain_ = false;
+        BeginStep();
         wait = FillStep(row->action);
         stepBusy = wait;
         if (row->action == Action::kEnd) {

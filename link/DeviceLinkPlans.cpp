@@ -15,15 +15,15 @@ struct DeviceLink::Bounds {
 
 DeviceLink::Bounds DeviceLink::BoundsOf(GroupId group) const {
     Bounds bounds;
-    const bool discs = ranges.DiscFrom != 0 || ranges.DiscTo != 0;
-    const bool albums = ranges.AlbumFrom != 0 || ranges.AlbumTo != 0;
+    const bool discs = operationRanges_.DiscFrom != 0 || operationRanges_.DiscTo != 0;
+    const bool albums = operationRanges_.AlbumFrom != 0 || operationRanges_.AlbumTo != 0;
     if (discs && (group == 0 || !IsAlbum(group))) {
-        bounds.firstDisc = ranges.DiscFrom;
-        bounds.lastDisc = ranges.DiscTo;
+        bounds.firstDisc = operationRanges_.DiscFrom;
+        bounds.lastDisc = operationRanges_.DiscTo;
     }
     if (albums && (group == 0 || IsAlbum(group))) {
-        bounds.firstAlbum = ranges.AlbumFrom;
-        bounds.lastAlbum = ranges.AlbumTo;
+        bounds.firstAlbum = operationRanges_.AlbumFrom;
+        bounds.lastAlbum = operationRanges_.AlbumTo;
     }
     if (group != 0) {
         const GroupId number = IsAlbum(group) ? AlbumNumber(group) : group;
@@ -55,12 +55,13 @@ bool DeviceLink::PlanReads(GroupId group, TrackNo track) {
     }
     const bool tracksOff = Holds(Condition::kTracksOff);
     TrackNo first = track;
-    TrackNo last = track > 0 && (tracksOff || track < ranges.TrackFrom || track > ranges.TrackTo) ? 0 : track;
+    TrackNo last =
+        track > 0 && (tracksOff || track < operationRanges_.TrackFrom || track > operationRanges_.TrackTo) ? 0 : track;
     TrackNo firstOfDisc = first;
     if (track == -1) {
         first = 0;
-        last = ranges.TrackTo;
-        firstOfDisc = tracksOff ? 1 : ranges.TrackFrom;
+        last = operationRanges_.TrackTo;
+        firstOfDisc = tracksOff ? 1 : operationRanges_.TrackFrom;
     }
     const Bounds bounds = BoundsOf(group);
     for (GroupId disc = bounds.firstDisc; disc <= bounds.lastDisc && !planCut_; ++disc) {
@@ -117,7 +118,7 @@ bool DeviceLink::PlanGroupWrites(std::uint32_t kind, std::uint32_t number) {
     };
     bool fits = addWrite(0);
     if (kind == kKindDisc && !Holds(Condition::kTracksOff)) {
-        for (TrackNo track = std::max(ranges.TrackFrom, 1); track <= ranges.TrackTo && fits; ++track) {
+        for (TrackNo track = std::max(operationRanges_.TrackFrom, 1); track <= operationRanges_.TrackTo && fits; ++track) {
             fits = addWrite(track);
         }
     }
@@ -162,15 +163,17 @@ bool DeviceLink::ForgetTitle(GroupId group, TrackNo track) {
 }
 
 // True if a track was forgotten. The tracks go first, since they can be reached only while their Disc's own title is known;
-// for the same reason that title stays as long as a track was edited again meanwhile.
+// for the same reason that title stays as long as a track is edited, be it outside the range.
 bool DeviceLink::ForgetDisc(GroupId disc) {
     bool trackForgotten = false;
     bool editStays = false;
     if (!Holds(Condition::kTracksOff)) {
-        for (TrackNo track = ranges.TrackTo; track >= std::max(ranges.TrackFrom, 1); --track) {
+        for (TrackNo track = operationRanges_.TrackTo; track >= std::max(operationRanges_.TrackFrom, 1); --track) {
             trackForgotten = ForgetTitle(disc, track) || trackForgotten;
-            editStays = editStays || titleStore->IsEdited(disc, track);
         }
+    }
+    for (TrackNo track = 1; track <= kTracks && !editStays; ++track) {
+        editStays = titleStore->IsEdited(disc, track) != 0;
     }
     if (!editStays) {
         ForgetTitle(disc, 0);
@@ -183,7 +186,7 @@ void DeviceLink::DropAlbumTracksInRange() {
     if (Holds(Condition::kAlbumsOff)) {
         return;
     }
-    for (GroupId album = ranges.AlbumFrom; album <= ranges.AlbumTo; ++album) {
+    for (GroupId album = operationRanges_.AlbumFrom; album <= operationRanges_.AlbumTo; ++album) {
         if (titleStore->IsKnown(AlbumGroup(album), 0)) {
             titleStore->DropAlbumTracks(AlbumGroup(album));
         }

@@ -36,12 +36,20 @@ void DeviceLink::ArmQueue() {
     ++queueNumber_;
 }
 
-bool DeviceLink::IsReadOpen() const {
-    return IsTitleRead(SentFrame()) && (!replyAccepted || usedUp_);
+// Before the request leaves the line: if it has no reply of its own, that may still come.
+void DeviceLink::NoteOwedReply() {
+    const bool open = !replyAccepted || usedUp_;
+    readOwed_ = readOwed_ || (open && IsTitleRead(SentFrame()));
+    writeOwed_ = writeOwed_ || (open && IsTitleWrite(SentFrame()));
+}
+
+void DeviceLink::ForgetOwedReplies() {
+    readOwed_ = false;
+    writeOwed_ = false;
 }
 
 void DeviceLink::AdvanceQueue() {
-    readOwed_ = readOwed_ || IsReadOpen();
+    NoteOwedReply();
     txFrame[0] = '\0';
     // The reply belonged to the frame that is gone: if this tick cannot send the next one, the next tick must not skip it.
     replyAccepted = false;
@@ -57,13 +65,20 @@ void DeviceLink::BeginOperation(std::uint32_t newOperation, std::uint32_t group,
     operationArg = arg;
     step = 0;
     stepBusy = false;
-    stepFailed_ = false;
     planCut_ = false;
-    askedAgain_ = false;
+    BeginStep();
     statusRepeats = 0;
+    operationRanges_ = ranges;
     ++operationNumber_;
     HoldTimerPeriod();
     operationActive = 1;
+}
+
+void DeviceLink::BeginStep() {
+    stepFailed_ = false;
+    askedAgain_ = false;
+    gotOn_ = false;
+    roundsInVain_ = 0;
 }
 
 void DeviceLink::SenderTick() {
@@ -104,6 +119,7 @@ bool DeviceLink::MoveOn() {
     tick = 0;
     AdvanceQueue();
     if (!ring[ringIndex].IsFree()) {
+        askedAgain_ = false;
         return true;
     }
     QueueThrough(answered);
@@ -127,9 +143,13 @@ void DeviceLink::QueueThrough(const LinkRequest& answered) {
     ring[ringIndex] = answered;
     ArmQueue();
     if (askedAgain_) {
-        tick = kTimeOutTicks - 1;
+        FailAtNextTick();
     }
     askedAgain_ = true;
+}
+
+void DeviceLink::FailAtNextTick() {
+    tick = kTimeOutTicks - 1;
 }
 
 // Ends the operation; gives the message to post. A later driver tick finds operation 0 and closes it.
@@ -138,7 +158,7 @@ WPARAM DeviceLink::TimeOut() {
     BeginOperation(0, 0, 0);
     ResetQueue();
     // A unit that was silent for so long owes nothing any more.
-    readOwed_ = false;
+    ForgetOwedReplies();
     ++posting_;
     return message;
 }

@@ -18,6 +18,11 @@ constexpr std::int32_t kBusyLimit = 100;
 constexpr std::uint32_t kMapGroupItems = 1000;
 constexpr std::uint32_t kMapTrackItems = 104;
 
+// The statuses that leave the operation open and idle until it is stopped.
+bool IsWaitedOut(std::uint8_t status) {
+    return status == ST_BUSY || status == ST_NO_DATA || status == ST_TRAY_OPEN;
+}
+
 }  // namespace
 
 void DeviceLink::OnReceive(char*& chunk, DWORD length) {
@@ -59,6 +64,11 @@ void DeviceLink::HandleFrame(std::string_view frame) {
         if (sending && current && (asked || kind == FrameKind::kVoid)) {
             React(outbox);
             tellFailure = result.posted != 0 && result.status != ST_OK && result.status != ST_LAST;
+            if (tellFailure && IsWaitedOut(result.status)) {
+                // A copy of the reply may have asked once more already.
+                NextEntry() = {};
+                stepFailed_ = true;
+            }
         }
     }
     if (outbox.message != 0) {
@@ -114,7 +124,10 @@ bool DeviceLink::ReadStatusReply(std::string_view frame) {
     result.code = RC_STATUS;
     const std::uint32_t value = HexAt(frame, 5, 2);
     result.data = HexAt(SentFrame(), 4, 2) << 16 | value;
-    CountStatusRepeats(value);
+    // A copy that comes while nothing is asked is no answer.
+    if (!SentFrame().empty()) {
+        CountStatusRepeats(value);
+    }
     return true;
 }
 
@@ -137,9 +150,6 @@ void DeviceLink::CountStatusRepeats(std::uint32_t value) {
         result.status = ST_NO_DATA;
     } else if (value >= 0xFE && statusRepeats > kBusyLimit) {
         result.status = ST_BUSY;
-    }
-    if (result.status != ST_OK) {
-        stepFailed_ = true;
     }
 }
 
@@ -190,8 +200,8 @@ bool DeviceLink::ReadMapReply(std::string_view frame) {
 // Plans a read for each group that the unit has, that lies in the range and that the store does not know.
 void DeviceLink::PlanMapGroups(std::uint32_t mapKind, std::string_view frame) {
     const bool albums = mapKind == kMapAlbums;
-    const TrackNo from = albums ? ranges.AlbumFrom : ranges.DiscFrom;
-    const TrackNo to = albums ? ranges.AlbumTo : ranges.DiscTo;
+    const TrackNo from = albums ? operationRanges_.AlbumFrom : operationRanges_.DiscFrom;
+    const TrackNo to = albums ? operationRanges_.AlbumTo : operationRanges_.DiscTo;
     std::size_t count = 0;
     for (std::uint32_t item = 1; item <= kMapGroupItems; ++item) {
         const auto number = static_cast<GroupId>(item);
@@ -209,7 +219,7 @@ void DeviceLink::PlanMapTracks(std::uint32_t groupCode, std::string_view frame) 
     std::size_t count = 0;
     for (std::uint32_t item = 1; item <= kMapTrackItems; ++item) {
         const auto track = static_cast<TrackNo>(item);
-        if (track >= ranges.TrackFrom && track <= ranges.TrackTo && MapBit(frame, item) &&
+        if (track >= operationRanges_.TrackFrom && track <= operationRanges_.TrackTo && MapBit(frame, item) &&
             !titleStore->IsKnown(group, track)) {
             nextRing[count++] = {LinkRequest::kTitleRead, album ? kKindAlbum : kKindDisc, number, item};
         }
@@ -236,6 +246,7 @@ bool DeviceLink::ReadTitleReply(std::string_view frame) {
     // At step 10 the read only stands in front of a write, and the store holds what is to be written.
     if (titleStore != nullptr && step != 10) {
         titleStore->StoreFetched(group, track, hasTitle ? text : nullptr);
+        gotOn_ = true;
     }
     if (NextEntry().IsFree()) {
         result.status = ST_LAST;
@@ -251,7 +262,11 @@ bool DeviceLink::ReadWriteReply(std::string_view frame) {
         result.operation = static_cast<std::uint16_t>(operation);
         result.posted = 1;
         result.code = RC_TITLE_WRITE;
-        if (!IsTitleWrite(SentFrame()) || !AddressedTitle(group, track)) {
+        // As with a read: the acceptance of another write must not let this one's text go out, which the unit might refuse,
+        // or file under the other number.
+        const bool owed = writeOwed_;
+        writeOwed_ = false;
+        if (owed || !IsTitleWrite(SentFrame()) || !AddressedTitle(group, track)) {
             return Foreign();
         }
         if (HexAt(frame, kBlockLengthOffset, 2) != kWriteReplyLength || IsRefusal(frame)) {
@@ -292,6 +307,7 @@ bool DeviceLink::SendTitleData(GroupId group, TrackNo track) {
     LockGuard lock(queueLock_);
     if (done && number == operationNumber_) {
         sent_.Record(number, group, track, text);
+        gotOn_ = true;
     }
     return true;
 }

@@ -37,6 +37,8 @@ void WorkerThread::Stop() {
         MSG message;
         PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
     }
+    // A caller that can have no queue has no windows to serve either.
+    WaitForSingleObject(thread, INFINITE);
     CloseHandle(thread);
     thread = nullptr;
 }

@@ -300,6 +300,94 @@ TEST(SendGroup, SendsATitleWhoseRequestAStrayReplyHasUsedUp) {
     });
 }
 
+TEST(SendGroup, TimesOutIfTheUnitAnswersAWriteWithSomethingElseForEver) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.store.StoreReceived(1, 0, "old");
+        run.store.EditTitle(1, 0, "new");
+        EncodeTitleWrite(kKindDisc, 1, 0, Query);
+        run.unit.Answer(Query, {"\x02@05800\x03"});
+        ASSERT_TRUE(run.link.SendGroup(1));
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_SEND_GROUP, RC_TITLE_WRITE, ST_TIMEOUT)));
+        EXPECT_TRUE(run.store.IsEdited(1, 0));
+    });
+}
+
+TEST(SendGroup, DoesNotTakeALateAcceptanceForTheNextWrites) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.store.StoreReceived(1, 0, "group");
+        for (const TrackNo track : {1, 2}) {
+            run.store.StoreReceived(1, track, "old");
+            run.store.EditTitle(1, track, track == 1 ? "one" : "two");
+        }
+        EncodeTitleWrite(kKindDisc, 1, 1, Query);
+        run.unit.Answer(Query, {"\x02@05800\x03", kWriteAccepted});
+        // The first write's acceptance comes while the second one is on the line, which the unit refuses.
+        EncodeTitleWrite(kKindDisc, 1, 2, Query);
+        run.unit.Answer(Query, {kWriteAccepted + "\r" + UnitBlock("0601"), UnitBlock("0601")});
+        ASSERT_TRUE(run.link.SendGroup(1));
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_SEND_GROUP, RC_TITLE_WRITE, ST_TIMEOUT)));
+        const Texts frames = run.FramesSinceConnect();
+        EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("two")), 0);
+        EXPECT_TRUE(run.store.IsEdited(1, 2));
+    });
+}
+
+TEST(SendAll, KeepsToTheRangesThatItBeganWith) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        for (const GroupId group : {1, 2}) {
+            run.store.StoreReceived(group, 0, "old");
+            run.store.EditTitle(group, 0, "new");
+        }
+        ASSERT_TRUE(run.link.SendAllTitles());
+        DisplayRanges none;
+        none.DiscFrom = none.DiscTo = 0;
+        run.link.SetDisplayRanges(none);
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        const Texts frames = run.FramesSinceConnect();
+        EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("new")), 2);
+        EXPECT_FALSE(run.link.GetOneGroup(1));
+    });
+}
+
+TEST(SendAll, TakesRangesFromAnywhere) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.store.StoreReceived(999, 0, "old");
+        run.store.EditTitle(999, 0, "new");
+        DisplayRanges wild;
+        wild.DiscFrom = wild.AlbumFrom = wild.TrackFrom = -5;
+        wild.DiscTo = wild.AlbumTo = wild.TrackTo = 2'000'000'000;
+        run.link.SetDisplayRanges(wild);
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_FALSE(run.store.IsEdited(999, 0));
+    });
+}
+
+TEST(SendAll, KeepsAnEditedTrackOutsideTheRangeWithinReach) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.store.StoreReceived(1, 0, "old");
+        run.store.EditTitle(1, 0, "new");
+        run.store.StoreReceived(1, 5, "old");
+        run.store.EditTitle(1, 5, "typed");
+        DisplayRanges ranges;
+        ranges.TrackTo = 3;
+        run.link.SetDisplayRanges(ranges);
+        // The read-back breaks off.
+        EncodeMapQuery(kMapDiscs, 0, Query);
+        run.unit.Answer(Query, {""});
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_SEND_ALL, RC_MAP, ST_TIMEOUT)));
+        char text[kTitleSize];
+        ASSERT_TRUE(run.store.GetTitle(1, 5, text));
+        EXPECT_STREQ(text, "typed");
+    });
+}
+
 TEST(Sending, ThatBreaksOffKeepsEveryEdit) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());

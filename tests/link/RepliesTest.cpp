@@ -34,7 +34,7 @@ std::string Map(std::uint8_t kind, std::uint16_t code) {
     return frame;
 }
 
-// Fetches all with the given answers to the ready question; gives the frames up to the first MapQuery.
+// The answers to the ready question when all is fetched, and what comes of them up to the first MapQuery.
 struct StatusCase {
     const char* what;
     std::vector<std::string> values;
@@ -261,6 +261,33 @@ TEST(StrayFrames, ThatUseUpAQuestionDoNotHangTheOperation) {
             EXPECT_EQ(run.posted.back().wParam >> 24, ST_TIMEOUT);
         });
     }
+}
+
+TEST(StrayFrames, AreForgivenOnceForEachQuestion) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        const std::string stray = "\x02@05800\x03";
+        run.unit.Answer(kReadyQuery, {stray, UnitStatus("01"), UnitStatus("01"), stray, UnitStatus("40")});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+    });
+}
+
+TEST(StatusCheck, CountsNoCopyThatComesWhileNothingIsAsked) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        // Ten values are waited out, the menu's among them; the eleventh is a copy that comes in the pause before the next
+        // question.
+        std::vector<std::string> values(9, UnitStatus("00"));
+        values.push_back(UnitStatus("40"));
+        run.unit.Answer(kReadyQuery, values);
+        run.unit.Answer(Map(kMapDiscs, 0), {"\x02@05800\x03", UnitMap({1})});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        const std::size_t before = run.unit.Count(kReadyQuery);
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(kReadyQuery) == before + 9; }, 60000));
+        run.unit.Line().Send(UnitStatus("00"), 150'000);
+        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+    });
 }
 
 TEST(StrayFrames, ThatUseUpAReadEndTheStep) {

@@ -20,6 +20,7 @@ constexpr RateName kRates[] = {
     {"lost", &FaultRates::lost},       {"corrupted", &FaultRates::corrupted}, {"split", &FaultRates::split},
     {"doubled", &FaultRates::doubled}, {"late", &FaultRates::late},           {"stray", &FaultRates::stray},
     {"junk", &FaultRates::junk},       {"refused", &FaultRates::refused},     {"silence", &FaultRates::silence},
+    {"foreign", &FaultRates::foreign},
 };
 
 struct LimitName {
@@ -30,6 +31,7 @@ struct LimitName {
 constexpr LimitName kLimits[] = {
     {"split-gap-ms", &FaultRates::splitGapMs, kLongestDelayMs},
     {"doubled-delay-ms", &FaultRates::doubledDelayMs, kLongestDelayMs},
+    {"foreign-lead-ms", &FaultRates::foreignLeadMs, kLongestDelayMs},
     {"late-min-ms", &FaultRates::lateMinMs, kLongestDelayMs},
     {"late-max-ms", &FaultRates::lateMaxMs, kLongestDelayMs},
     {"junk-bytes", &FaultRates::junkBytes, kMostBytes},
@@ -146,6 +148,10 @@ void Faults::Deliver(const Reply& reply, std::vector<Chunk>& chunks) {
         Corrupt(whole.bytes);
     if (Strikes(Kind::Late, rates_.late))
         whole.delayMs += Of(Kind::Late).Between(rates_.lateMinMs, rates_.lateMaxMs);
+    if (Strikes(Kind::Foreign, rates_.foreign)) {
+        chunks.push_back({ShortReply(kCommandReply, 0), whole.delayMs});
+        whole.delayMs += Of(Kind::Foreign).Between(0, rates_.foreignLeadMs);
+    }
     const Chunk copy = whole;
     if (Strikes(Kind::Stray, rates_.stray))
         AddStray(whole.bytes);

@@ -23,9 +23,11 @@ struct FaultRates {
     double junk = 0;       // random bytes stand before or behind the reply
     double refused = 0;    // a block reply becomes a refusal with result 1 or 2; others stay
     double silence = 0;    // this reply and the following ones do not arrive
+    double foreign = 0;    // a well-formed short reply, to a command that nobody sent, stands before the reply
 
     int splitGapMs = 40;       // longest pause between two pieces
     int doubledDelayMs = 200;  // longest delay of the second copy
+    int foreignLeadMs = 200;   // longest time between a foreign reply and the right one
     int lateMinMs = 100;
     int lateMaxMs = 3000;
     int junkBytes = 12;      // most junk bytes at one place
@@ -33,8 +35,8 @@ struct FaultRates {
 };
 
 // Reads "lost=0.1,late=0.05,late-max-ms=500". Names are those of FaultRates in lower case with hyphens (split-gap-ms,
-// doubled-delay-ms, late-min-ms, late-max-ms, junk-bytes, silence-replies). On failure the result is false, `rates` is
-// unchanged and `error` says why.
+// doubled-delay-ms, foreign-lead-ms, late-min-ms, late-max-ms, junk-bytes, silence-replies). On failure the result is false,
+// `rates` is unchanged and `error` says why.
 bool ParseFaultRates(std::string_view text, FaultRates& rates, std::string& error);
 
 // Bytes that go on the line together.
@@ -49,8 +51,8 @@ struct Chunk {
 // off leaves the others where they were. Not safe for use by several threads at once.
 class Faults {
 public:
-    enum class Kind { Lost, Corrupted, Split, Doubled, Late, Stray, Junk, Refused, Silence };
-    static constexpr std::size_t kKinds = 9;
+    enum class Kind { Lost, Corrupted, Split, Doubled, Late, Stray, Junk, Refused, Silence, Foreign };
+    static constexpr std::size_t kKinds = 10;
 
     explicit Faults(std::uint64_t seed, const FaultRates& rates = {});
 

@@ -178,8 +178,8 @@ The unit:
 
 Faults:
   --faults LIST       such as lost=0.1,late=0.05: rates from 0 to 1 for lost, corrupted, split, doubled, late, stray,
-                      junk, refused, silence; limits split-gap-ms, doubled-delay-ms, late-min-ms, late-max-ms,
-                      junk-bytes, silence-replies
+                      junk, refused, silence, foreign; limits split-gap-ms, doubled-delay-ms, foreign-lead-ms,
+                      late-min-ms, late-max-ms, junk-bytes, silence-replies
   --seed N            the same seed gives the same faults (default: 1)
 
 Output:

@@ -27,7 +27,7 @@ FaultRates Rates(const char* text) {
 }
 
 constexpr char kEverything[] =
-    "lost=0.1,corrupted=0.1,split=0.3,doubled=0.1,late=0.1,stray=0.1,junk=0.1,refused=0.1,silence=0.05";
+    "lost=0.1,corrupted=0.1,split=0.3,doubled=0.1,late=0.1,stray=0.1,junk=0.1,refused=0.1,silence=0.05,foreign=0.1";
 
 std::vector<Chunk> Drive(Faults& faults, int rounds) {
     std::vector<Chunk> all;
@@ -165,6 +165,17 @@ TEST(Faults, AddStrayAndJunkBytesAroundTheReply) {
     }
     for (const char byte : strays)
         EXPECT_NE(seen.find(byte), std::string::npos) << static_cast<int>(byte);
+}
+
+TEST(Faults, PutAForeignReplyInFront) {
+    Faults faults(3, Rates("foreign=1,foreign-lead-ms=50"));
+    for (int round = 0; round < 50; ++round) {
+        const std::vector<Chunk> chunks = faults.Apply({kTitle});
+        ASSERT_EQ(chunks.size(), 2U);
+        EXPECT_EQ(chunks[0], (Chunk{ShortReply(kCommandReply, 0), kTitle.delayMs}));
+        EXPECT_EQ(chunks[1].bytes, kTitle.bytes);
+        EXPECT_LE(chunks[1].delayMs - chunks[0].delayMs, 50);
+    }
 }
 
 TEST(Faults, RefuseBlockRepliesAlone) {

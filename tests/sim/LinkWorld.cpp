@@ -81,6 +81,8 @@ WorldOptions WorldOptions::Draw(std::uint64_t seed, Canary canary) {
     options.oddStatus = chance(0.5);
     options.unplugs = chance(0.2);
     options.secondStarter = chance(0.7);
+    // A foreign reply makes the next request go out early, when a second copy of the right one may still be on its way.
+    options.rates.foreign = options.repliesInTime && options.rates.doubled > 0 ? 0 : rate(0.2);
     // A canary on a line that is pulled out could not sing.
     options.unplugs = options.unplugs && canary == Canary::kNone;
     return options;
@@ -90,8 +92,8 @@ std::string WorldOptions::Text() const {
     std::ostringstream text;
     text << "seed=" << seed << " lost=" << rates.lost << " corrupted=" << rates.corrupted << " split=" << rates.split
          << " doubled=" << rates.doubled << " stray=" << rates.stray << " junk=" << rates.junk
-         << " refused=" << rates.refused << " silence=" << rates.silence << " late=" << rates.late
-         << " lateMaxMs=" << rates.lateMaxMs << " requestsLost=" << requestsLost
+         << " refused=" << rates.refused << " silence=" << rates.silence << " foreign=" << rates.foreign
+         << " late=" << rates.late << " lateMaxMs=" << rates.lateMaxMs << " requestsLost=" << requestsLost
          << " requestsCorrupted=" << requestsCorrupted << " latencyMs=" << latencyMs << " probeAccepted=" << probeAccepted
          << " oddStatus=" << oddStatus << " unplugs=" << unplugs << " stalls=" << stalls
          << " secondStarter=" << secondStarter << " repliesInTime=" << repliesInTime
@@ -180,13 +182,19 @@ DWORD WINAPI LinkWorld::StarterMain(LPVOID object) {
     auto* world = static_cast<LinkWorld*>(object);
     while (world->starterRuns) {
         Sleep(static_cast<DWORD>(1 + world->simulation.Random(12'000)));
-        world->StartOperation(OP_GET_TRACKS, world->AnyGroup());
+        const std::uint64_t choice = world->simulation.Random(10);
+        if (choice == 0) {
+            world->StopOperation();
+        } else {
+            world->StartOperation(choice < 8 ? OP_GET_TRACKS : OP_SEND_GROUP, world->AnyGroup());
+        }
     }
     return 0;
 }
 
 void LinkWorld::OnResult(WPARAM wParam) {
     results.push_back(wParam);
+    mustEndWithMessage = false;
     const auto status = static_cast<BYTE>(wParam >> 24);
     if (status == ST_BUSY || status == ST_NO_DATA || status == ST_TRAY_OPEN) {
         standing = true;
@@ -237,8 +245,7 @@ void LinkWorld::Act() {
         StartSomething();
         Pass(static_cast<DWORD>(simulation.Random(8000)));
     } else if (choice < 82) {
-        link.StopOperation();
-        peer.Released();
+        StopOperation();
     } else if (choice < 95) {
         Settle();
     } else if (choice < 98 && options.unplugs) {
@@ -249,6 +256,12 @@ void LinkWorld::Act() {
     } else if (choice == 99) {
         Connected();
     }
+}
+
+void LinkWorld::StopOperation() {
+    mustEndWithMessage = false;
+    link.StopOperation();
+    peer.Released();
 }
 
 GroupId LinkWorld::AnyGroup() {
@@ -280,6 +293,9 @@ bool LinkWorld::StartOperation(WORD operation, GroupId group) {
     peer.Released();
     starts[index].endUs = Now();
     starts[index].began = began;
+    // A void frame ends an operation without a word, and of two starts at once the later one ends the earlier.
+    const mainunit::FaultRates& rates = options.rates;
+    mustEndWithMessage = began && !options.secondStarter && rates.stray + rates.junk + rates.corrupted + rates.split == 0;
     return began;
 }
 
@@ -321,6 +337,9 @@ void LinkWorld::PlantCanary() {
 void LinkWorld::Settle() {
     if (!PumpUntil([&] { return !link.IsOperationActive() || standing; }, kOperationLimitMs)) {
         simulation.Fail("an operation neither ends nor stands");
+    }
+    if (!link.IsOperationActive() && !PumpUntil([&] { return !mustEndWithMessage; }, 100)) {
+        simulation.Fail("an operation has ended without a message");
     }
     CheckEdits();
     CheckStoredTitles(kDiscCount, kAlbumCount, kTrackCount);

@@ -76,6 +76,7 @@ public:
 private:
     using Key = std::pair<std::string, std::string>;  // name of the entry, text
 
+    void NoteAcceptance(const std::string& received, const std::vector<mainunit::Reply>& replies);
     void CheckWrite(std::string_view bytes, std::uint64_t timeUs);
     void CheckOrder(const std::string& bytes, std::uint64_t timeUs);
     void Remember();
@@ -94,6 +95,7 @@ private:
     bool released = true;
     std::uint64_t lastArrival = 0;  // of bytes that were sent to the program
     mainunit::Entry writing;
+    std::set<std::string> accepted;  // entries whose latest TitleWrite the unit has accepted, by name
     std::set<Key> held;
     std::map<Key, std::uint64_t> sent;
 };
@@ -125,6 +127,7 @@ private:
     bool Connected();
     void Rage();
     void Act();
+    void StopOperation();
     void StartSomething();
     bool StartOperation(WORD operation, GroupId group);
     void EditSomething();
@@ -147,7 +150,8 @@ private:
     std::vector<Start> starts;
     std::map<std::pair<GroupId, TrackNo>, Edit> edits;
     std::vector<WPARAM> results;
-    bool standing = false;  // a status has left the operation open and idle
+    bool mustEndWithMessage = false;  // the operation that runs was not stopped, and nothing else ends one in silence
+    bool standing = false;            // a status has left the operation open and idle
     Shared<LONG> starterRuns = 0;
     std::set<std::string> misfiled;
     int editNumber = 0;

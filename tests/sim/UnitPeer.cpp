@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint64_t kLeastPauseUs = 120'000;
 constexpr std::uint64_t kRepeatAfterUs = 1'900'000;
 constexpr std::uint64_t kPollUs = 5'000;
-constexpr std::uint64_t kStallUs = 1'500'000;
+constexpr std::uint64_t kStallUs = 3'000'000;  // two in a row
 constexpr std::uint64_t kTimeOutAfterUs = 3'900'000;
 
 mainunit::UnitSettings SettingsOf(const WorldOptions& options) {
@@ -62,7 +62,9 @@ void UnitPeer::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t last
         settings.menu = simulation.Chance(0.05) ? mainunit::kReady : mainunit::kNotInMenu;
         unit.Configure(settings);
     }
-    const std::vector<mainunit::Chunk> chunks = faults.Apply(unit.Receive(received));
+    const std::vector<mainunit::Reply> replies = unit.Receive(received);
+    NoteAcceptance(received, replies);
+    const std::vector<mainunit::Chunk> chunks = faults.Apply(replies);
     if (unit.TakeChanged()) {
         Remember();
     }
@@ -74,6 +76,16 @@ void UnitPeer::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t last
             line->Send(answer);
             lastArrival = line->QuietAt();
         });
+    }
+}
+
+void UnitPeer::NoteAcceptance(const std::string& received, const std::vector<mainunit::Reply>& replies) {
+    UnitRequest request;
+    std::string problem;
+    const std::string acceptance = mainunit::BlockReply(mainunit::SubType::TitleWrite, mainunit::kAccepted);
+    if (mainunit::ReadRequest(received, request, problem) && request.kind == UnitRequest::Kind::TitleWrite &&
+        std::any_of(replies.begin(), replies.end(), [&](const auto& reply) { return reply.bytes == acceptance; })) {
+        accepted.insert(mainunit::NameOf(request.entry));
     }
 }
 
@@ -93,6 +105,9 @@ void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
     if (request.kind == UnitRequest::Kind::TitleData) {
         const std::string text = request.text.substr(0, request.text.find_last_not_of(' ') + 1);
         sent[{mainunit::NameOf(writing), text}] = timeUs;
+        if (options.repliesInTime && accepted.erase(mainunit::NameOf(writing)) == 0) {
+            simulation.Fail("a title goes out for a write that the unit has not accepted");
+        }
         return;
     }
     if (request.kind == UnitRequest::Kind::TitleWrite) {

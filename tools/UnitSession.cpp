@@ -105,7 +105,13 @@ Outcome UnitSession::ReadGroup(GroupId group) {
     if (own != Outcome::kDone || !tracksWanted_) {
         return own;
     }
-    return Run([this, group] { return link_.GetGroupTracks(group); });
+    const Outcome tracks = Run([this, group] { return link_.GetGroupTracks(group); });
+    if (tracks != Outcome::kTimeOut || store_.GetState(group, 0) > TS_NONE) {
+        return tracks;
+    }
+    // A unit refuses to tell the tracks of a group that it does not have, and the link waits on for another answer. So a
+    // group without a title is only missing as long as the unit still answers to anything else.
+    return Run([this, group] { return link_.GetOneGroup(group); });
 }
 
 Outcome UnitSession::SendGroup(GroupId group) {

@@ -1,0 +1,138 @@
+// What every test of whole programs stands on.
+#include "EndToEndTest.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "LibraryFile.h"
+
+namespace fs = std::filesystem;
+using mainunit::GroupKind;
+
+UnitProcess::UnitProcess(const std::vector<std::string>& arguments, const std::string& outputs)
+    : Process(MAINUNIT_PROGRAM, arguments, outputs) {
+    EXPECT_TRUE(WaitUntil([this] { return Output().find("ready: ") != std::string::npos; })) << Errors();
+}
+
+int UnitProcess::CountRequests(const std::string& kind) const {
+    const std::string dialogue = Dialogue();
+    const std::string wanted = " > " + kind + ' ';
+    int count = 0;
+    for (std::size_t at = dialogue.find(wanted); at != std::string::npos; at = dialogue.find(wanted, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+std::string UnitProcess::Complaints() const {
+    std::istringstream lines(Dialogue());
+    std::string complaints;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(" > ") != std::string::npos && line.find(" (") != std::string::npos) {
+            complaints += line + '\n';
+        }
+    }
+    return complaints;
+}
+
+Terminal::Terminal() {
+    char name[128] = {};
+    file_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_TRUE(file_ >= 0 && grantpt(file_) == 0 && unlockpt(file_) == 0 && ptsname_r(file_, name, sizeof name) == 0);
+    path_ = name;
+    termios settings{};
+    EXPECT_EQ(tcgetattr(file_, &settings), 0);
+    cfmakeraw(&settings);
+    EXPECT_EQ(tcsetattr(file_, TCSANOW, &settings), 0);
+}
+
+void Terminal::Send(const std::string& bytes) const {
+    EXPECT_EQ(write(file_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+}
+
+std::string Terminal::Receive(std::size_t length) const {
+    std::string bytes;
+    WaitUntil([&] {
+        char part[256];
+        const ssize_t count = read(file_, part, sizeof part);
+        bytes.append(part, count > 0 ? static_cast<std::size_t>(count) : 0);
+        return bytes.size() >= length;
+    });
+    return bytes;
+}
+
+void Terminal::Unplug() {
+    if (file_ >= 0) {
+        close(file_);
+        file_ = -1;
+    }
+}
+
+EndToEndTest::EndToEndTest() {
+    std::string name = fs::temp_directory_path() / "tesselia-e2e-XXXXXX";
+    EXPECT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    libraryFile_ = folder_ / "library.json";
+    EXPECT_EQ(setenv("XDG_CONFIG_HOME", folder_.c_str(), 1), 0);
+    // Without a link a name would stand for a port of the machine, and nobody knows what is connected there.
+    for (int i = 1; i <= 8; ++i) {
+        LinkPort("COM" + std::to_string(i), "/dev/pts/none");
+    }
+    mainunit::UnitLibrary library;
+    library.SetTitle({GroupKind::Disc, 1, 0}, "Harbour in March");
+    library.SetTitle({GroupKind::Disc, 1, 1}, "Low Water");
+    library.SetTitle({GroupKind::Disc, 1, 2}, "High Water");
+    library.Add({GroupKind::Disc, 1, 3});
+    library.SetTitle({GroupKind::Disc, 2, 0}, "Paper Lanterns");
+    library.SetTitle({GroupKind::Disc, 2, 1}, "The Ferry & the Notebook");
+    library.Add({GroupKind::Disc, 12, 0});
+    library.SetTitle({GroupKind::Album, 7, 0}, "Evening Walks");
+    library.SetTitle({GroupKind::Album, 7, 1}, "Low Water");
+    library.SetTitle({GroupKind::Album, 999, 0}, "The Last of Them All, 32 Letters");
+    std::string error;
+    EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+}
+
+EndToEndTest::~EndToEndTest() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+}
+
+void EndToEndTest::LinkPort(const std::string& port, const std::string& device) const {
+    const fs::path ports = folder_ / "tesselia" / "ports";
+    fs::create_directories(ports);
+    const fs::path link = ports / ("com" + port.substr(3));
+    fs::remove(link);
+    fs::create_symlink(device, link);
+}
+
+void EndToEndTest::AddDiscs(int first, int last) const {
+    mainunit::UnitLibrary library = Saved();
+    for (int disc = first; disc <= last; ++disc) {
+        library.SetTitle({GroupKind::Disc, disc, 0}, "Disc " + std::to_string(disc));
+    }
+    std::string error;
+    EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+}
+
+UnitProcess EndToEndTest::StartUnit(const std::vector<std::string>& options, const std::string& port) {
+    std::vector<std::string> arguments = {"--link", port, "--library", libraryFile_, "--pace", "0"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return UnitProcess(arguments, NextOutputs("mainunit"));
+}
+
+mainunit::UnitLibrary EndToEndTest::Saved() const {
+    mainunit::UnitLibrary library;
+    std::string error;
+    EXPECT_TRUE(mainunit::LoadLibrary(libraryFile_, library, error)) << error;
+    return library;
+}
+
+std::string EndToEndTest::NextOutputs(const std::string& program) {
+    return folder_ / (program + '-' + std::to_string(++runs_));
+}

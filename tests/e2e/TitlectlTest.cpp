@@ -1,0 +1,295 @@
+// titlectl against a main unit: what it prints, what it writes, and how it ends.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "EndToEndTest.h"
+#include "Faults.h"
+
+namespace {
+
+using mainunit::Entry;
+using mainunit::GroupKind;
+
+constexpr int kDone = 0;
+constexpr int kUsage = 1;
+constexpr int kNoUnit = 2;
+constexpr int kMenuMode = 4;
+constexpr int kTrayOpen = 5;
+constexpr int kNoData = 6;
+constexpr int kTimeOut = 7;
+constexpr int kRefused = 8;
+constexpr int kNotStopped = 9;
+constexpr int kNotWritable = 10;
+constexpr int kDiffers = 11;
+constexpr int kStopped = 130;
+
+class TitlectlTest : public EndToEndTest {
+protected:
+    Process Start(const std::vector<std::string>& arguments) {
+        return Process(TITLECTL_PROGRAM, arguments, NextOutputs("titlectl"));
+    }
+
+    // A whole run; its exit code.
+    int Run(const std::vector<std::string>& arguments) {
+        Process process = Start(arguments);
+        const int code = process.End();
+        output_ = process.Output();
+        errors_ = process.Errors();
+        return code;
+    }
+
+    std::string SavedTitle(const Entry& entry) const {
+        const mainunit::UnitLibrary library = Saved();
+        const std::string* title = library.Title(entry);
+        return title != nullptr ? *title : "(none)";
+    }
+
+    std::string output_;
+    std::string errors_;
+};
+
+// Refusals in a wanted order: the options for a unit whose n-th reply with a title or a map is refused where the n-th
+// character is an x. What comes behind them is left to chance.
+std::vector<std::string> RefusalOptions(const std::string& order) {
+    const std::string reply = mainunit::BlockReply(mainunit::SubType::TitleWrite, mainunit::kAccepted);
+    mainunit::FaultRates rates;
+    rates.refused = 0.5;
+    std::uint64_t seed = 0;
+    for (bool found = false; !found;) {
+        mainunit::Faults faults(++seed, rates);
+        found = true;
+        for (const char wanted : order) {
+            const bool refused = faults.Apply({{reply, 0}}).front().bytes != reply;
+            found = found && refused == (wanted == 'x');
+        }
+    }
+    return {"--faults", "refused=0.5", "--seed", std::to_string(seed)};
+}
+
+TEST_F(TitlectlTest, ListsAndGets) {
+    const UnitProcess unit = StartUnit();
+    EXPECT_EQ(Run({"--port", "COM1", "list"}), kDone) << errors_;
+    EXPECT_EQ(output_,
+              "D1    0  Harbour in March\n"
+              "D2    0  Paper Lanterns\n"
+              "A7    0  Evening Walks\n"
+              "A999  0  The Last of Them All, 32 Letters\n");
+    EXPECT_EQ(Run({"--port", "COM1", "get", "D1"}), kDone) << errors_;
+    EXPECT_EQ(output_,
+              "D1    0  Harbour in March\n"
+              "D1    1  Low Water\n"
+              "D1    2  High Water\n");
+    EXPECT_EQ(Run({"--port", "COM1", "get", "a7", "1"}), kDone) << errors_;
+    EXPECT_EQ(output_, "A7    1  Low Water\n");
+    EXPECT_EQ(Run({"--port", "COM1", "get", "A7", "0"}), kDone) << errors_;
+    EXPECT_EQ(output_, "A7    0  Evening Walks\n");
+    // A Disc that is not there, and a Disc and a track that have no title.
+    for (const std::vector<std::string>& missing :
+         {std::vector<std::string>{"get", "D500"}, {"get", "D12", "0"}, {"get", "D1", "3"}}) {
+        EXPECT_EQ(Run(missing), kNotWritable) << errors_;
+        EXPECT_EQ(output_, "");
+    }
+    EXPECT_EQ(unit.Complaints(), "");
+}
+
+TEST_F(TitlectlTest, SetsWhatCanBeSet) {
+    const UnitProcess unit = StartUnit();
+    struct Case {
+        const char* group;
+        const char* track;
+        const char* text;
+        Entry entry;
+        const char* saved;
+    };
+    const Case cases[] = {
+        {"D1", "2", "  ~Neap Tide~ 5\"\\  ", {GroupKind::Disc, 1, 2}, "  ~Neap Tide~ 5\"\\"},
+        {"D1", "0", "Thirty-Two Letters, Not One Less", {GroupKind::Disc, 1, 0}, "Thirty-Two Letters, Not One Less"},
+        {"A999", "0", "Renamed", {GroupKind::Album, 999, 0}, "Renamed"},
+        {"D2", "1", "", {GroupKind::Disc, 2, 1}, ""},
+    };
+    mainunit::UnitLibrary expected = Saved();
+    for (const Case& one : cases) {
+        EXPECT_EQ(Run({"--port", "COM1", "set", one.group, one.track, one.text}), kDone) << errors_;
+        expected.SetTitle(one.entry, one.saved);
+        EXPECT_TRUE(Saved() == expected) << one.group << ' ' << one.track << ' ' << SavedTitle(one.entry);
+    }
+    EXPECT_EQ(output_, "D2    1  \n");
+    EXPECT_EQ(unit.Complaints(), "");
+}
+
+TEST_F(TitlectlTest, RefusesWhatCannotBeSet) {
+    const UnitProcess unit = StartUnit();
+    const mainunit::UnitLibrary before = Saved();
+    // The first three without a word on the line, the others since the unit has no such title.
+    const std::vector<std::vector<std::string>> wrong = {
+        {"set", "A7", "1", "Album track"},
+        {"set", "D1", "1", "Grand Caf\xC3\xA9"},
+        {"set", "D1", "1", "This title has 33 letters, one to"},
+        {"set", "D1", "3", "No title yet"},
+        {"set", "D1", "99", "No such track"},
+        {"set", "A8", "0", "No such Album"},
+    };
+    for (std::size_t i = 0; i < wrong.size(); ++i) {
+        EXPECT_EQ(Run(wrong[i]), kNotWritable) << wrong[i].back() << '\n' << errors_;
+        EXPECT_EQ(output_, "");
+        if (i == 2) {
+            EXPECT_EQ(unit.CountRequests("ModelQuery"), 0);
+        }
+    }
+    EXPECT_EQ(unit.CountRequests("TitleWrite"), 0);
+    EXPECT_TRUE(Saved() == before);
+}
+
+TEST_F(TitlectlTest, TellsTheUsage) {
+    const std::vector<std::vector<std::string>> wrong = {
+        {},
+        {"--port"},
+        {"--port", "COM1"},
+        {"--port", "COM9", "list"},
+        {"--port", "/dev/ttyS0", "list"},
+        {"list", "D1"},
+        {"lists"},
+        {"get"},
+        {"get", "D0"},
+        {"get", "D1000"},
+        {"get", "X1"},
+        {"get", "D1", "100"},
+        {"get", "D1", "-1"},
+        {"get", "D1", "1", "2"},
+        {"set", "D1", "1"},
+        {"set", "D1", "1", "Text", "and more"},
+    };
+    for (const std::vector<std::string>& arguments : wrong) {
+        EXPECT_EQ(Run(arguments), kUsage) << (arguments.empty() ? "" : arguments.back());
+        EXPECT_NE(errors_.find("Exit codes: 0 done"), std::string::npos) << errors_;
+    }
+}
+
+TEST_F(TitlectlTest, SearchesThePorts) {
+    const Terminal silent;
+    LinkPort("COM1", silent.Path());
+    const Terminal busy;
+    LinkPort("COM2", busy.Path());
+    const int taken = open(busy.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(taken, 0);
+    ASSERT_EQ(flock(taken, LOCK_EX), 0);
+
+    EXPECT_EQ(Run({"list"}), kNoUnit);
+    EXPECT_NE(errors_.find("no main unit answers"), std::string::npos) << errors_;
+    EXPECT_EQ(Run({"--port", "COM2", "list"}), kNoUnit);
+    EXPECT_NE(errors_.find("the port is in use"), std::string::npos) << errors_;
+    EXPECT_EQ(Run({"--port", "COM4", "list"}), kNoUnit);
+    EXPECT_NE(errors_.find("no such port"), std::string::npos) << errors_;
+
+    const UnitProcess unit = StartUnit({}, "COM3");
+    EXPECT_EQ(Run({"get", "D2", "0"}), kDone) << errors_;
+    EXPECT_EQ(output_, "D2    0  Paper Lanterns\n");
+    EXPECT_EQ(Run({"--port", "COM3", "get", "D2", "0"}), kDone) << errors_;
+    EXPECT_EQ(silent.Receive(10).substr(0, 5),
+              "\x11"
+              "000\x03")
+        << "the silent port was asked, too";
+    close(taken);
+}
+
+TEST_F(TitlectlTest, TellsWhyTheUnitIsNotReady) {
+    struct Case {
+        std::vector<std::string> options;
+        int code;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {{"--menu"}, kMenuMode, "MENU mode"},
+        {{"--status", "00"}, kTrayOpen, "tray is open"},
+        {{"--status", "41"}, kNotStopped, "stop it"},
+    };
+    for (const Case& one : cases) {
+        const UnitProcess unit = StartUnit(one.options);
+        EXPECT_EQ(Run({"--port", "COM1", "list"}), one.code) << one.reason;
+        EXPECT_NE(errors_.find(one.reason), std::string::npos) << errors_;
+        EXPECT_EQ(unit.CountRequests("MapQuery"), 0);
+    }
+    // Busy for a while, then wanting to be stopped: no reason to give up.
+    const UnitProcess unit = StartUnit({"--status", "FE,FF,01,04,FD,40"});
+    EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "0"}), kDone) << errors_;
+    EXPECT_EQ(unit.CountRequests("UnitCommand"), 2);
+}
+
+// The one slow test: a unit without data is asked for some 13 seconds.
+TEST_F(TitlectlTest, WaitsLongForData) {
+    const UnitProcess unit = StartUnit({"--status", "46"});
+    EXPECT_EQ(Run({"--port", "COM1", "list"}), kNoData) << errors_;
+}
+
+TEST_F(TitlectlTest, TellsThatATitleIsRefused) {
+    // The unit tells the title that stands there, and once more right before the write; then it refuses to take another one.
+    const UnitProcess unit = StartUnit(RefusalOptions("--xx"));
+    EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Refused"}), kRefused) << errors_;
+    EXPECT_EQ(SavedTitle({GroupKind::Disc, 2, 0}), "Paper Lanterns");
+    EXPECT_EQ(unit.CountRequests("TitleWrite"), 2) << "once, and once more";
+    EXPECT_EQ(unit.CountRequests("TitleData"), 0);
+}
+
+TEST_F(TitlectlTest, BelievesOnlyWhatIsReadBack) {
+    // Two reads, the write, the map and the read that goes with it are fine; then the unit has no such title any more.
+    const UnitProcess unit = StartUnit(RefusalOptions("-----x"));
+    EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Doubtful"}), kDiffers) << errors_;
+    EXPECT_EQ(unit.CountRequests("TitleData"), 1);
+}
+
+TEST_F(TitlectlTest, NoticesThatTheUnitFallsSilent) {
+    AddDiscs(100, 160);
+    for (const int signal : {SIGSTOP, SIGKILL}) {
+        const UnitProcess unit = StartUnit();
+        Process list = Start({"--port", "COM1", "list"});
+        ASSERT_TRUE(list.WaitForError("  D2 0\n")) << list.Errors();
+        unit.Signal(signal);
+        EXPECT_EQ(list.End(), kTimeOut) << list.Errors();
+        // What came until then is not kept back.
+        EXPECT_TRUE(list.Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list.Output();
+        EXPECT_LT(list.CpuSeconds(), list.WallSeconds() / 4) << "it spins";
+    }
+}
+
+TEST_F(TitlectlTest, EndsWhenThePortIsPulledOut) {
+    Terminal terminal;
+    LinkPort("COM1", terminal.Path());
+    Process list = Start({"--port", "COM1", "list"});
+    EXPECT_NE(terminal.Receive(5), "");
+    terminal.Unplug();
+    EXPECT_EQ(list.End(), kNoUnit) << list.Errors();
+    EXPECT_LT(list.CpuSeconds(), list.WallSeconds() / 4) << "it spins";
+}
+
+TEST_F(TitlectlTest, EndsInGoodOrderOnCtrlC) {
+    // A request that nobody answers takes four.
+    constexpr std::chrono::seconds kMostForAStop{3};
+    AddDiscs(100, 160);
+    const UnitProcess unit = StartUnit();
+    Process list = Start({"--port", "COM1", "list"});
+    ASSERT_TRUE(list.WaitForError("  D2 0\n")) << list.Errors();
+    list.Signal(SIGINT);
+    EXPECT_EQ(list.End(kMostForAStop), kStopped) << list.Errors();
+    EXPECT_TRUE(list.Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list.Output();
+    EXPECT_EQ(list.Output().find("D160"), std::string::npos);
+    EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "1"}), kDone) << errors_;
+    EXPECT_EQ(output_, "D2    1  The Ferry & the Notebook\n");
+    EXPECT_EQ(unit.Complaints(), "");
+
+    const Terminal silent;
+    LinkPort("COM2", silent.Path());
+    Process search = Start({"--port", "COM2", "list"});
+    EXPECT_NE(silent.Receive(5), "");
+    search.Signal(SIGINT);
+    EXPECT_EQ(search.End(kMostForAStop), kStopped) << search.Errors();
+}
+
+}  // namespace

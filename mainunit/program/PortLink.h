@@ -17,7 +17,8 @@ public:
     ~PortLink();
 
     // Makes the link `folder`/com1 for the name "COM1", and the folder if need be. A link of an earlier run, which leads to
-    // a pseudo terminal, is replaced; anything else that stands there is not. On failure the result is false and `error` says why.
+    // a pseudo terminal, is replaced; anything else that stands there is not. On failure the result is false and `error`
+    // says why.
     bool Create(const std::string& folder, const std::string& name, const std::string& target, std::string& error);
 
 private:

@@ -5,8 +5,8 @@
 
 #include <functional>
 
-// Serves the calling thread's messages until the condition holds; false when the limit is over. The condition is looked at behind
-// each message and at least every few milliseconds.
+// Serves the calling thread's messages until the condition holds; false when the limit is over. The condition is looked at
+// behind each message and at least every few milliseconds.
 inline bool PumpUntil(const std::function<bool()>& condition, DWORD limitMs) {
     constexpr DWORD kLookMs = 5;
     const DWORD begin = GetTickCount();

@@ -6,5 +6,12 @@
 
 #include "win/types.h"
 
+#include "win/controls.h"
+#include "win/dialogs.h"
+#include "win/drawing.h"
 #include "win/kernel.h"
+#include "win/menus.h"
 #include "win/messages.h"
+#include "win/registry.h"
+#include "win/resources.h"
+#include "win/windowing.h"

@@ -63,12 +63,12 @@ inline constexpr UINT WM_USER = 0x0400;
 inline constexpr int GWLP_WNDPROC = -4;
 inline constexpr int GWLP_USERDATA = -21;
 
-// Of the class only the procedure, the name and the window's extra bytes are used so far.
+// Of the class the style, the small icon and the cursor are not looked at, apart from CS_DBLCLKS.
 ATOM RegisterClassExA(const WNDCLASSEXA* windowClass);
 BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance);
 
-// Message-only windows, with HWND_MESSAGE as parent. Sends WM_NCCREATE and WM_CREATE; a window that refuses either is gone,
-// and the result is 0.
+// With HWND_MESSAGE as parent a message-only window, else one on the screen. Sends WM_NCCREATE and WM_CREATE; a window that
+// refuses either is gone, and the result is 0.
 HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD style, int x, int y, int width, int height,
                      HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter);
 // Only on the thread that made the window. Sends WM_DESTROY and WM_NCDESTROY; posts, timers and waiting senders go with it.
@@ -89,9 +89,13 @@ LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 inline constexpr UINT PM_NOREMOVE = 0x0000;
 inline constexpr UINT PM_REMOVE = 0x0001;
-inline constexpr UINT QS_TIMER = 0x0010;
+inline constexpr UINT QS_KEY = 0x0001;
+inline constexpr UINT QS_MOUSE = 0x0006;
 inline constexpr UINT QS_POSTMESSAGE = 0x0008;
+inline constexpr UINT QS_TIMER = 0x0010;
+inline constexpr UINT QS_PAINT = 0x0020;
 inline constexpr UINT QS_SENDMESSAGE = 0x0040;
+inline constexpr UINT QS_INPUT = QS_KEY | QS_MOUSE | 0x0400;
 inline constexpr UINT QS_ALLINPUT = 0x04FF;
 inline constexpr UINT PM_QS_SENDMESSAGE = QS_SENDMESSAGE << 16;
 

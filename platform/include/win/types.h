@@ -36,6 +36,8 @@ using LPCSTR = const CHAR*;
 using LPVOID = void*;
 using LPCVOID = const void*;
 using LPDWORD = DWORD*;
+using LPWORD = WORD*;
+using LPBYTE = BYTE*;
 
 using HANDLE = void*;
 using HLOCAL = void*;
@@ -44,11 +46,25 @@ using HLOCAL = void*;
 using HWND = struct HwndTag*;
 using HINSTANCE = struct HinstanceTag*;
 using HICON = struct HiconTag*;
-using HBRUSH = struct HbrushTag*;
 using HMENU = struct HmenuTag*;
+using HACCEL = struct HaccelTag*;
+using HRSRC = struct HrsrcTag*;
+using HDC = struct HdcTag*;
+using HKEY = struct HkeyTag*;
+using HIMC = struct HimcTag*;
+
+// What SelectObject and DeleteObject take: a pen, a brush, a font or a region.
+using HGDIOBJ = void*;
+using HPEN = struct HpenTag*;
+using HBRUSH = struct HbrushTag*;
+using HFONT = struct HfontTag*;
+using HRGN = struct HrgnTag*;
 
 using HMODULE = HINSTANCE;
 using HCURSOR = HICON;
+using HGLOBAL = HANDLE;
+using FARPROC = INT_PTR(WINAPI*)();
+using COLORREF = DWORD;
 
 inline constexpr BOOL FALSE = 0;
 inline constexpr BOOL TRUE = 1;
@@ -79,6 +95,22 @@ struct POINT {
     LONG x;
     LONG y;
 };
+using LPPOINT = POINT*;
+
+struct SIZE {
+    LONG cx;
+    LONG cy;
+};
+using LPSIZE = SIZE*;
+
+struct RECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+};
+using LPRECT = RECT*;
+using LPCRECT = const RECT*;
 
 struct SECURITY_ATTRIBUTES;
 struct OVERLAPPED;

@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -12,9 +11,9 @@
 #include <optional>
 #include <string>
 
-#include "CodePage.h"
 #include "Handles.h"
 #include "LastError.h"
+#include "Paths.h"
 #include "PortNames.h"
 #include "Serial.h"
 
@@ -66,21 +65,6 @@ public:
 private:
     const int file_;
 };
-
-// The text is converted first: in the code page the second byte of a character can look like a backslash.
-std::string LinuxPath(LPCSTR name) {
-    std::string path = ToUtf8(name);
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
-}
-
-// None if the code page lacks a character, or if a backslash in the name would turn into a separator on its way back.
-std::optional<std::string> WindowsPath(std::string path) {
-    if (path.find('\\') != std::string::npos)
-        return std::nullopt;
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return FromUtf8(path);
-}
 
 // Windows tells a file that is not there from a folder on the way that is not there.
 DWORD PathError(const std::string& path, int error) {

@@ -7,7 +7,7 @@
 namespace kernel {
 
 // A kind that is also another kind has that kind's bits.
-enum class Kind : unsigned { Waitable = 1, Event = 1 | 2, Stream = 4, File = 4 | 8, Port = 4 | 16 };
+enum class Kind : unsigned { Waitable = 1, Event = 1 | 2, Stream = 4, File = 4 | 8, Port = 4 | 16, Mutex = 32 };
 
 class KernelObject {
 public:

@@ -1,0 +1,184 @@
+// The search for resources, strings, and the file that they come in.
+#include "Resources.h"
+
+#include <cstring>
+#include <vector>
+
+#include "ResourceFile.h"
+#include "TestSupport.h"
+
+namespace {
+
+// Chooses a language for as long as it lives.
+class ChosenLanguage {
+public:
+    explicit ChosenLanguage(WORD language) : before_(kernel::ResourceLanguage()) { kernel::SetResourceLanguage(language); }
+    ~ChosenLanguage() { kernel::SetResourceLanguage(before_); }
+    ChosenLanguage(const ChosenLanguage&) = delete;
+    ChosenLanguage& operator=(const ChosenLanguage&) = delete;
+
+private:
+    const WORD before_;
+};
+
+std::string String(UINT id, int size = 100) {
+    char buffer[101];
+    std::memset(buffer, '#', sizeof buffer);
+    const int length = LoadStringA(nullptr, id, buffer, size);
+    EXPECT_EQ(length, static_cast<int>(std::strlen(buffer)));
+    EXPECT_EQ(buffer[size], '#');
+    return buffer;
+}
+
+TEST(Resources, LanguageIsTheLocales) {
+    const WORD before = kernel::ResourceLanguage();
+    for (const auto& [locale, language] : {std::pair("ja_JP.UTF-8", kernel::kJapanese), std::pair("ja", kernel::kJapanese),
+                                           std::pair("de_DE.UTF-8", kernel::kEnglish), std::pair("C", kernel::kEnglish)}) {
+        const EnvironmentVariable all("LC_ALL", locale);
+        kernel::SetResourceLanguage(0);
+        EXPECT_EQ(kernel::ResourceLanguage(), language) << locale;
+    }
+    kernel::SetResourceLanguage(before);
+}
+
+TEST(Resources, StringComesInTheLanguageOrInTheOther) {
+    const ChosenCodePage page(932);
+    {
+        const ChosenLanguage language(kernel::kEnglish);
+        EXPECT_EQ(String(16), "English");
+        EXPECT_EQ(kernel::ToUtf8(String(40)), "日本語だけ");
+        // The search is for blocks, as on Windows: a string that the language's block lacks is empty.
+        EXPECT_EQ(String(17), "");
+    }
+    const ChosenLanguage language(kernel::kJapanese);
+    EXPECT_EQ(kernel::ToUtf8(String(16)), "バージョン");
+    EXPECT_EQ(String(15), "last of a block");
+    EXPECT_EQ(String(16 + 0x10000), String(16));
+    EXPECT_EQ(String(9999), "");
+    EXPECT_EQ(GetLastError(), ERROR_RESOURCE_NAME_NOT_FOUND);
+}
+
+TEST(Resources, StringIsCutBetweenCharacters) {
+    const ChosenCodePage page(932);
+    const ChosenLanguage language(kernel::kJapanese);
+    const std::string whole = String(17);
+    ASSERT_EQ(whole.size(), 6u);  // Letters and half-width marks have one byte, the third character has two.
+    for (int size = 1; size < 10; ++size) {
+        const std::size_t room = static_cast<std::size_t>(size) - 1;
+        EXPECT_EQ(String(17, size), whole.substr(0, room == 4 ? 3 : room)) << size;
+    }
+    char untouched = '#';
+    EXPECT_EQ(LoadStringA(nullptr, 16, &untouched, 0), -1);
+    EXPECT_EQ(untouched, '#');
+}
+
+TEST(Resources, CharacterThatThePageLacksBecomesAQuestionMark) {
+    const ChosenCodePage page(1252);
+    const ChosenLanguage language(kernel::kEnglish);
+    EXPECT_EQ(String(18), "Dvo?\xE1k ? na\xEFve");
+    const ChosenLanguage other(kernel::kJapanese);
+    EXPECT_EQ(String(16), "?????");
+}
+
+TEST(Resources, SearchTellsWhatIsMissing) {
+    const ChosenLanguage language(kernel::kEnglish);
+    HRSRC menu = FindResourceA(nullptr, MAKEINTRESOURCEA(1), RT_MENU);
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu, FindResourceA(nullptr, "#1", RT_MENU));
+    EXPECT_EQ(menu, FindResourceExA(nullptr, RT_MENU, MAKEINTRESOURCEA(1), kernel::kEnglish));
+
+    HRSRC named = FindResourceA(nullptr, "Named", MAKEINTRESOURCEA(10));
+    ASSERT_EQ(SizeofResource(nullptr, named), 3u);
+    EXPECT_EQ(std::memcmp(LockResource(LoadResource(nullptr, named)), "abc", 3), 0);
+
+    const auto error = [](HRSRC found) {
+        EXPECT_EQ(found, nullptr);
+        return GetLastError();
+    };
+    EXPECT_EQ(error(FindResourceA(nullptr, MAKEINTRESOURCEA(1), MAKEINTRESOURCEA(99))), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    EXPECT_EQ(error(FindResourceA(nullptr, MAKEINTRESOURCEA(2), RT_MENU)), ERROR_RESOURCE_NAME_NOT_FOUND);
+    EXPECT_EQ(error(FindResourceExA(nullptr, RT_MENU, MAKEINTRESOURCEA(1), kernel::kJapanese)),
+              ERROR_RESOURCE_LANG_NOT_FOUND);
+    EXPECT_EQ(SizeofResource(nullptr, nullptr), 0u);
+    EXPECT_EQ(LoadResource(nullptr, nullptr), nullptr);
+}
+
+TEST(Resources, TemplatesOfEveryShapeAreRead) {
+    const auto menu = kernel::ParseMenu(kernel::ResourceBytes(MAKEINTRESOURCEA(1), RT_MENU));
+    ASSERT_TRUE(menu && menu->size() == 2 && menu->front().items.size() == 2);
+    const kernel::MenuItem& popup = menu->front().items.front();
+    ASSERT_EQ(popup.items.size(), 1u);
+    EXPECT_EQ(popup.items.front().text, "C");
+    EXPECT_EQ(menu->front().items.back().flags, MF_GRAYED);
+    EXPECT_EQ(menu->back().id, 5);
+
+    const auto dialog = kernel::ParseDialog(kernel::ResourceBytes(MAKEINTRESOURCEA(1), RT_DIALOG));
+    ASSERT_TRUE(dialog && dialog->items.size() == 2);
+    EXPECT_EQ(dialog->x, -3);
+    EXPECT_EQ(dialog->items[0].className, "MY CLASS");  // The compiler writes class names in capitals.
+    EXPECT_EQ(dialog->items[0].title.text, "題");
+    EXPECT_EQ(dialog->items[1].title.resource, 12);
+    EXPECT_EQ(dialog->items[1].id, -1);
+}
+
+// Two resources, one with a name.
+std::vector<std::byte> SmallFile() {
+    std::vector<std::byte> file;
+    const auto put = [&file](std::uint64_t value, int size) {
+        for (int i = 0; i < size; ++i)
+            file.push_back(static_cast<std::byte>(value >> (8 * i)));
+    };
+    const auto rest = [&](WORD language) {
+        put(0, 6);
+        put(language, 2);
+        put(0, 8);
+    };
+    put(5, 4);
+    put(32, 4);
+    put(0x0006FFFF, 4);
+    put(0x0002FFFF, 4);
+    rest(0x409);
+    put(0x11111111, 4);
+    put(0x22, 4);
+    put(4, 4);
+    put(36, 4);
+    put(0x0017FFFF, 4);
+    put('N', 2);
+    put('M', 2);
+    put(0, 4);
+    rest(0x411);
+    put(0x33333333, 4);
+    return file;
+}
+
+TEST(ResourceFile, IsReadUpToTheDamage) {
+    const std::vector<std::byte> whole = SmallFile();
+    const auto resources = kernel::ReadResourceFile(whole);
+    ASSERT_EQ(resources.size(), 2u);
+    EXPECT_EQ(resources[0].type.number, 6);
+    EXPECT_EQ(resources[0].data.size(), 5u);
+    EXPECT_EQ(resources[1].name.name, u"NM");
+    EXPECT_EQ(resources[1].language, 0x411);
+    EXPECT_EQ(resources[1].data.size(), 4u);
+
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        // A copy of just that size, so that the address sanitizer sees a read beyond it.
+        const std::vector<std::byte> part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_EQ(kernel::ReadResourceFile(part).size(), size < 37 ? 0u : 1u) << size;
+    }
+}
+
+TEST(ResourceFile, WrongSizesAreNotFollowed) {
+    for (const std::size_t position : {0u, 4u, 40u, 44u}) {
+        for (const std::uint32_t wrong : {0u, 1u, 7u, 8u, 12u, 0x7FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFF8u}) {
+            std::vector<std::byte> file = SmallFile();
+            std::memcpy(file.data() + position, &wrong, sizeof wrong);
+            for (const kernel::Resource& resource : kernel::ReadResourceFile(file)) {
+                EXPECT_GE(resource.data.data(), file.data());
+                EXPECT_LE(resource.data.data() + resource.data.size(), file.data() + file.size());
+            }
+        }
+    }
+}
+
+}  // namespace

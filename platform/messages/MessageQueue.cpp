@@ -11,6 +11,7 @@ namespace {
 constexpr std::size_t kMostPosted = 10000;
 // Beside the QS_ flags: a message that this thread has sent is answered.
 constexpr UINT kAnswer = 0x80000000;
+constexpr UINT kScreenKinds = QS_INPUT | QS_PAINT;
 
 }  // namespace
 
@@ -48,8 +49,17 @@ void MessageQueue::Arrived(UINT kinds) {
     if ((awaited & kinds) != 0) {
         // One wake-up for one sleep, however many messages follow.
         awaited = 0;
-        wait.Wake();
+        if (sleepsInScreen) {
+            screen->Wake();
+        } else {
+            wait.Wake();
+        }
     }
+}
+
+void MessageQueue::ScreenHas(UINT kinds) {
+    const MessageLock state;
+    Arrived(kinds);
 }
 
 bool MessageQueue::Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -121,18 +131,37 @@ LRESULT MessageQueue::WaitForAnswer(const SentMessage& message) {
 }
 
 bool MessageQueue::Look(MSG& found, const MessageFilter& filter, UINT kinds, bool remove) {
+    const bool onScreen = screen != nullptr && (kinds & kScreenKinds) != 0;
+    if (onScreen) {
+        screen->Poll();
+    }
     for (;;) {
         while (ServeSent()) {}
+        {
+            const MessageLock state;
+            if (!sent.empty()) {
+                continue;
+            }
+            newKinds &= ~(kinds & (QS_POSTMESSAGE | QS_TIMER | kScreenKinds));
+            if ((kinds & QS_POSTMESSAGE) != 0 && TakePosted(found, filter, remove)) {
+                return true;
+            }
+        }
+        if (onScreen && TakeFromScreen(found, filter, kinds, remove)) {
+            return true;
+        }
         const MessageLock state;
+        // What the screen has done may have made others send.
         if (!sent.empty()) {
             continue;
         }
-        newKinds &= ~(kinds & (QS_POSTMESSAGE | QS_TIMER));
-        if ((kinds & QS_POSTMESSAGE) != 0 && TakePosted(found, filter, remove)) {
-            return true;
-        }
         return (kinds & QS_TIMER) != 0 && TakeTimer(found, filter, remove);
     }
+}
+
+bool MessageQueue::TakeFromScreen(MSG& found, const MessageFilter& filter, UINT kinds, bool remove) {
+    return ((kinds & QS_INPUT) != 0 && screen->TakeInput(found, filter, remove)) ||
+           ((kinds & QS_PAINT) != 0 && screen->TakePaint(found, filter));
 }
 
 bool MessageQueue::TakePosted(MSG& found, const MessageFilter& filter, bool remove) {
@@ -181,6 +210,7 @@ DWORD MessageQueue::Sleep(UINT kinds, DWORD count, const HANDLE* handles, DWORD 
             const MessageLock state;
             isNew = IsNew(kinds);
             awaited = isNew ? 0 : kinds;
+            sleepsInScreen = SleepsInScreen(kinds, count);
         }
         if (isNew) {
             const DWORD handle = count > 0 ? WaitForMultipleObjects(count, handles, FALSE, 0) : WAIT_TIMEOUT;
@@ -189,7 +219,7 @@ DWORD MessageQueue::Sleep(UINT kinds, DWORD count, const HANDLE* handles, DWORD 
         const DWORD now = GetTickCount();
         const DWORD left = milliseconds == INFINITE ? INFINITE : milliseconds - std::min(milliseconds, now - start);
         const DWORD untilTimer = (kinds & QS_TIMER) != 0 ? timers.UntilNextMs(now) : INFINITE;
-        const DWORD result = wait.Wait(count, handles, std::min(left, untilTimer));
+        const DWORD result = WaitForInput(kinds, count, handles, std::min(left, untilTimer));
         {
             const MessageLock state;
             awaited = 0;
@@ -198,6 +228,21 @@ DWORD MessageQueue::Sleep(UINT kinds, DWORD count, const HANDLE* handles, DWORD 
             return result;
         }
     }
+}
+
+// The window system and handles cannot be waited for together; a thread with a screen waits for handles while it serves
+// nothing but sent messages.
+bool MessageQueue::SleepsInScreen(UINT kinds, DWORD count) const {
+    return screen != nullptr && count == 0 && (kinds & kScreenKinds) != 0;
+}
+
+DWORD MessageQueue::WaitForInput(UINT kinds, DWORD count, const HANDLE* handles, DWORD milliseconds) {
+    if (!SleepsInScreen(kinds, count)) {
+        return wait.Wait(count, handles, milliseconds);
+    }
+    // Whatever ended that wait shows in what is new.
+    screen->Wait(milliseconds);
+    return WAIT_TIMEOUT;
 }
 
 void MessageQueue::Quit(int exitCode) {

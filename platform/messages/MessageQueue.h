@@ -7,6 +7,7 @@
 
 #include "MessageFilter.h"
 #include "QueueWait.h"
+#include "Screen.h"
 #include "TimerList.h"
 
 class MessageQueue;
@@ -25,8 +26,9 @@ struct SentMessage {
 // Every thread that makes a window, sends to another thread or looks for messages has one queue, from the first such call
 // until it ends.
 //
-// A kind of input (QS_SENDMESSAGE, QS_POSTMESSAGE, QS_TIMER) is new from its arrival until the thread looks for that kind.
-// Sleep ends for new input alone and starts by looking for it, so nothing that arrives between a look and a sleep is missed.
+// A kind of input (QS_SENDMESSAGE, QS_POSTMESSAGE, QS_INPUT, QS_PAINT, QS_TIMER) is new from its arrival until the thread
+// looks for that kind. Sleep ends for new input alone and starts by looking for it, so nothing that arrives between a look
+// and a sleep is missed.
 class MessageQueue {
 public:
     // The calling thread's queue, made now if need be; null, with the last error set, if the system has nothing left.
@@ -63,6 +65,11 @@ public:
     // Of input and a handle the handle goes first.
     DWORD Sleep(UINT kinds, DWORD count, const HANDLE* handles, DWORD milliseconds);
     void Quit(int exitCode);
+    // The desktop of this thread, from now until the thread ends or null is given.
+    void SetScreen(Screen* newScreen) { screen = newScreen; }
+    Screen* GetScreen() const { return screen; }
+    // The screen has input or something to paint (QS_ flags).
+    void ScreenHas(UINT kinds);
 
     TimerList timers;  // the queue's own thread alone
 
@@ -73,12 +80,16 @@ private:
     void Arrived(UINT kinds);
     static void Answer(SentMessage& sent, LRESULT result);
     bool TakePosted(MSG& found, const MessageFilter& filter, bool remove);
+    bool TakeFromScreen(MSG& found, const MessageFilter& filter, UINT kinds, bool remove);
+    bool SleepsInScreen(UINT kinds, DWORD count) const;
+    DWORD WaitForInput(UINT kinds, DWORD count, const HANDLE* handles, DWORD milliseconds);
     bool TakeTimer(MSG& found, const MessageFilter& filter, bool remove);
     bool IsNew(UINT kinds);
 
     const DWORD threadId;
     QueueWait wait;
-    bool quitting = false;  // the queue's own thread alone, and the code with it
+    Screen* screen = nullptr;  // written by the queue's own thread; read by others under the lock while it sleeps there
+    bool quitting = false;     // the queue's own thread alone, and the code with it
     int quitCode = 0;
 
     // Under the lock, by any thread.
@@ -86,4 +97,5 @@ private:
     std::deque<SentMessage*> sent;  // oldest first, not yet served
     UINT newKinds = 0;              // QS_ flags, and kAnswer
     UINT awaited = 0;               // of these the ones that end the sleep under way; 0 while awake
+    bool sleepsInScreen = false;    // where that sleep is
 };

@@ -69,7 +69,12 @@ LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wPa
     return procedure != nullptr ? procedure(window, message, wParam, lParam) : 0;
 }
 
-LRESULT DefWindowProcA(HWND window, UINT message, WPARAM, LPARAM) {
+LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const MessageQueue* queue = MessageQueue::Current();
+    Screen* screen = queue != nullptr ? queue->GetScreen() : nullptr;
+    if (screen != nullptr && screen->IsScreenWindow(window)) {
+        return screen->DefaultProcedure(window, message, wParam, lParam);
+    }
     switch (message) {
         case WM_NCCREATE: return TRUE;
         case WM_CLOSE: DestroyWindow(window); return 0;

@@ -12,15 +12,15 @@ struct WindowClass;
 // it, so the handle is looked up again afterwards.
 class Window {
 public:
-    Window(WindowClass& windowClass, MessageQueue& owner, HWND parent);
+    Window(WindowClass& windowClass, MessageQueue& owner, const CREATESTRUCTA& create);
     ~Window();
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
     WNDPROC Procedure() const { return procedure; }
 
-    // GWLP_WNDPROC, GWLP_USERDATA, or an offset into the extra bytes that leaves room for a LONG_PTR. False, and nothing
-    // done, for any other index.
+    // An index of the seam (GWLP_ or GWL_), or an offset into the extra bytes that leaves room for a LONG_PTR. False, and
+    // nothing done, for any other index.
     bool GetLong(int index, LONG_PTR& value) const;
     bool SetLong(int index, LONG_PTR value, LONG_PTR& previous);
 
@@ -33,7 +33,13 @@ public:
 private:
     bool IsExtra(int index) const;
 
+    LONG_PTR* Field(int index);
+
     WNDPROC procedure;
     LONG_PTR userData = 0;
+    LONG_PTR style;
+    LONG_PTR exStyle;
+    LONG_PTR id;
+    LONG_PTR instance;
     std::vector<BYTE> extra;
 };

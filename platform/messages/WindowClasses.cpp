@@ -56,8 +56,17 @@ ATOM WindowClasses::Add(const WNDCLASSEXA& description) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return 0;
     }
-    classes.push_back(std::make_unique<WindowClass>(WindowClass{Folded(description.lpszClassName), static_cast<ATOM>(atom),
-                                                                description.lpfnWndProc, description.cbWndExtra}));
+    auto added = std::make_unique<WindowClass>();
+    added->name = Folded(description.lpszClassName);
+    added->shownName = description.lpszClassName;
+    added->atom = static_cast<ATOM>(atom);
+    added->procedure = description.lpfnWndProc;
+    added->windowExtra = description.cbWndExtra;
+    added->style = description.style;
+    added->icon = description.hIcon;
+    added->background = description.hbrBackground;
+    added->menuName = description.lpszMenuName;
+    classes.push_back(std::move(added));
     return static_cast<ATOM>(atom);
 }
 

@@ -8,11 +8,16 @@
 #include <vector>
 
 struct WindowClass {
-    std::string name;
-    ATOM atom;
-    WNDPROC procedure;
-    int windowExtra;  // bytes beside each window, not negative
-    int windows = 0;  // that exist now; a class with windows stays
+    std::string name;       // in one case, to be found by
+    std::string shownName;  // as it was given
+    ATOM atom = 0;
+    WNDPROC procedure = nullptr;
+    int windowExtra = 0;  // bytes beside each window, not negative
+    UINT style = 0;
+    HICON icon = nullptr;
+    HBRUSH background = nullptr;
+    LPCSTR menuName = nullptr;  // a number in place of a name, or null
+    int windows = 0;            // that exist now; a class with windows stays
 };
 
 // Every call wants the lock of MessageState. A class stays at its address until it is removed.

@@ -6,6 +6,7 @@
 
 #include "MessageQueue.h"
 #include "MessageState.h"
+#include "WindowLife.h"
 
 ATOM RegisterClassExA(const WNDCLASSEXA* windowClass) {
     const MessageLock state;
@@ -17,28 +18,24 @@ BOOL UnregisterClassA(LPCSTR className, HINSTANCE) {
     return state->classes.Remove(className);
 }
 
-namespace {
-
-// Gives the handle of a window that has heard nothing yet, or 0 with the last error set.
-HWND MakeWindow(LPCSTR className, HWND parent) {
+HWND MakeWindow(const CREATESTRUCTA& create) {
     MessageQueue* queue = MessageQueue::Current();
     if (queue == nullptr) {
         return nullptr;
     }
     const MessageLock state;
-    WindowClass* windowClass = state->classes.Find(className);
+    WindowClass* windowClass = state->classes.Find(create.lpszClass);
     if (windowClass == nullptr) {
         SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
         return nullptr;
     }
-    HWND handle = state->windows.Add(std::make_unique<Window>(*windowClass, *queue, parent));
+    HWND handle = state->windows.Add(std::make_unique<Window>(*windowClass, *queue, create));
     if (handle == nullptr) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     }
     return handle;
 }
 
-// The last message, after which the handle is stale.
 void EndWindow(HWND window) {
     {
         const MessageLock state;
@@ -54,21 +51,13 @@ void EndWindow(HWND window) {
     }
 }
 
-}  // namespace
+namespace {
 
-HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD style, int x, int y, int width, int height,
-                     HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
-    assert(parent == HWND_MESSAGE);
-    if (parent != HWND_MESSAGE) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    HWND window = MakeWindow(className, parent);
+HWND CreateMessageWindow(const CREATESTRUCTA& create) {
+    HWND window = MakeWindow(create);
     if (window == nullptr) {
         return nullptr;
     }
-    CREATESTRUCTA create{parameter,  instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
-                         windowName, className, exStyle};
     const auto createParam = reinterpret_cast<LPARAM>(&create);
     if (!SendMessageA(window, WM_NCCREATE, 0, createParam)) {
         // A window that has not come up hears no WM_DESTROY.
@@ -80,6 +69,25 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD s
         return nullptr;
     }
     return IsWindow(window) ? window : nullptr;
+}
+
+}  // namespace
+
+HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD style, int x, int y, int width, int height,
+                     HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
+    const CREATESTRUCTA create{parameter,  instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
+                               windowName, className, exStyle};
+    if (parent == HWND_MESSAGE) {
+        return CreateMessageWindow(create);
+    }
+    MessageQueue* queue = MessageQueue::Current();
+    Screen* screen = queue != nullptr ? queue->GetScreen() : nullptr;
+    assert(screen != nullptr);
+    if (screen == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    return screen->CreateScreenWindow(create);
 }
 
 BOOL DestroyWindow(HWND window) {
@@ -99,6 +107,11 @@ BOOL DestroyWindow(HWND window) {
             return TRUE;
         }
         found->destroying = true;
+    }
+    Screen* screen = MessageQueue::Current()->GetScreen();
+    if (screen != nullptr && screen->IsScreenWindow(window)) {
+        screen->DestroyScreenWindow(window);
+        return TRUE;
     }
     SendMessageA(window, WM_DESTROY, 0, 0);
     EndWindow(window);

@@ -1,0 +1,10 @@
+// The two ends of a window's life, for whoever sends the messages in between.
+#pragma once
+
+#include <windows.h>
+
+// Gives the handle of a window that has heard nothing yet, or 0 with the last error set.
+HWND MakeWindow(const CREATESTRUCTA& create);
+
+// Sends the last message, WM_NCDESTROY. The handle is stale afterwards.
+void EndWindow(HWND window);

@@ -42,7 +42,13 @@ install_packages() {
 }
 
 need_build_tools() {
-    need g++ cmake ninja-build libgtest-dev libbenchmark-dev nlohmann-json3-dev libboost-context-dev
+    need g++ cmake ninja-build libgtest-dev libbenchmark-dev nlohmann-json3-dev libboost-context-dev binutils-mingw-w64-x86-64 \
+        qt6-base-dev fonts-dejavu-core fonts-ipafont-gothic
+}
+
+# For the presets windows-x64 and windows-x86; what runs their programs is scripts/wine.sh's affair.
+need_windows_tools() {
+    need g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build googletest
 }
 
 # build PRESET [cmake options]: configures and builds below build/PRESET.

@@ -1,0 +1,18 @@
+# On Windows the system itself supplies the names of the seam. The libraries of platform/ are here under the same names, with nothing
+# in them, so that what stands above the seam is declared once for both platforms.
+
+add_library(seam INTERFACE)
+# Vista is the oldest Windows that has the calls of the seam (callbacks at the end of a thread, removing a registry tree).
+target_compile_definitions(seam INTERFACE WINVER=0x0600 _WIN32_WINNT=0x0600)
+target_link_libraries(seam INTERFACE user32 gdi32 comctl32 comdlg32 imm32 advapi32 winmm)
+
+foreach(part kernel messages desktop desktop_main)
+  add_library(${part} INTERFACE)
+  target_link_libraries(${part} INTERFACE seam)
+endforeach()
+
+add_library(threads INTERFACE)
+target_include_directories(threads INTERFACE ${CMAKE_SOURCE_DIR}/platform/threads)
+add_library(locks INTERFACE)
+target_include_directories(locks INTERFACE ${CMAKE_SOURCE_DIR}/platform/locks)
+target_link_libraries(locks INTERFACE seam)

@@ -1,0 +1,97 @@
+#!/usr/bin/env bash
+# Runs Windows programs under wine64, on a screen of their own (Xvfb) and with a private set of Windows folders in build/wine.
+# Nothing of the user's is touched. A Windows desktop fills the screen, so that frames, activation and focus are Windows' own and no
+# window manager has a say in them.
+#
+#   scripts/wine.sh PROGRAM.exe [ARGUMENT...]      runs one program and gives its exit code
+#   scripts/wine.sh --session COMMAND [ARGUMENT...] runs a command of this machine; every wine.sh that it calls shares the screen
+#                                                   and the running Windows, which saves their start each time
+#
+# DISPLAY stays as it is where WINE_DISPLAY=keep asks for it. The language is taken from LANG (en_US.UTF-8 or ja_JP.UTF-8, say),
+# inside a session too. A program may take WINE_LIMIT seconds (120 if not told); one that takes longer is ended with exit code 124.
+set -euo pipefail
+
+run_program() {
+    exec timeout --kill-after=5 "${WINE_LIMIT:-120}" "$WINELOADER" "$@"
+}
+
+# Inside a session everything is there already.
+if [ -n "${TESSELIA_WINE_SESSION:-}" ]; then
+    [ "${1:-}" != --session ] || { shift; exec "$@"; }
+    run_program "$@"
+fi
+
+source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+cd "$OLDPWD"
+
+[ $# -gt 0 ] || { sed -n '2,12p' "$root/scripts/wine.sh" >&2; exit 2; }
+need wine64 xvfb
+
+# Debian keeps the programs themselves out of the path; its wrapper script would complain that the 32-bit ones are missing.
+export WINELOADER=/usr/lib/wine/wine64 WINESERVER=/usr/lib/wine/wineserver64
+language=${LANG:-en_US.UTF-8}
+unset LC_ALL LC_CTYPE LC_MESSAGES
+LANG=C "$root/scripts/locale.sh" "$language"
+export LANG=$language
+
+export WINEPREFIX=$root/build/wine
+export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
+# Neither Mono nor Gecko is wanted, and no entries in the desktop's menus.
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+export TESSELIA_WINE_SESSION=1
+mkdir -p "$WINEPREFIX"
+
+# One session at a time in a prefix: the end of one would take the Windows of the other away.
+exec 9>"$WINEPREFIX.lock"
+flock -w 1200 9 || { say "Another session in $WINEPREFIX does not end"; exit 1; }
+
+screen=
+screenSize=1280x1024
+finish() {
+    timeout 20 "$WINESERVER" -k 2>/dev/null || true
+    [ -z "$screen" ] || { kill "$screen" 2>/dev/null && wait "$screen" 2>/dev/null; } || true
+}
+trap finish EXIT
+trap 'exit 130' INT TERM HUP
+
+# The X server writes the number of the display that it found free once it can be connected to.
+start_screen() {
+    local number=$WINEPREFIX.display
+    : >"$number"
+    Xvfb -displayfd 3 -screen 0 "${screenSize}x24" -nolisten tcp 3>"$number" 9>&- >"$WINEPREFIX.xvfb.log" 2>&1 &
+    screen=$!
+    for _ in $(seq 200); do
+        [ -s "$number" ] && break
+        kill -0 "$screen" 2>/dev/null || { cat "$WINEPREFIX.xvfb.log" >&2; say "Xvfb did not start"; return 1; }
+        sleep 0.05
+    done
+    export DISPLAY=:$(cat "$number")
+    [ "$DISPLAY" != : ] || { say "Xvfb did not tell its display"; return 1; }
+}
+
+[ "${WINE_DISPLAY:-}" = keep ] && [ -n "${DISPLAY:-}" ] || start_screen
+
+# The first start fills the folders; a mark tells that it came to its end.
+if [ ! -e "$WINEPREFIX/complete" ]; then
+    say "Setting up $WINEPREFIX"
+    {
+        timeout 300 "$WINELOADER" wineboot --init &&
+            "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f &&
+            "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d "$screenSize" /f
+    } >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Could not set up $WINEPREFIX"; exit 1; }
+    timeout 60 "$WINESERVER" -w || true
+    touch "$WINEPREFIX/complete"
+fi
+
+# Windows and its desktop are started here, to stay until the end: each program would start them anew, and what it starts would
+# hold the pipe open that ctest reads the program's output from.
+"$WINESERVER" -p 9>&- >"$WINEPREFIX.log" 2>&1 || true
+timeout 60 "$WINELOADER" wineboot >>"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Windows did not start"; exit 1; }
+"$WINELOADER" explorer "/desktop=Default,$screenSize" >>"$WINEPREFIX.log" 2>&1 9>&- &
+
+if [ "$1" = --session ]; then
+    shift
+    "$@" 9>&-
+else
+    (run_program "$@") 9>&-
+fi

@@ -15,6 +15,9 @@ inline constexpr UINT DM_GETDEFID = 0x0400;
 inline constexpr UINT DM_SETDEFID = 0x0401;
 inline constexpr WORD DC_HASDEFID = 0x534B;
 
+// What WM_ENTERIDLE tells.
+inline constexpr WPARAM MSGF_DIALOGBOX = 0;
+
 inline constexpr LRESULT DLGC_WANTARROWS = 0x0001;
 inline constexpr LRESULT DLGC_WANTTAB = 0x0002;
 inline constexpr LRESULT DLGC_WANTALLKEYS = 0x0004;

@@ -66,5 +66,6 @@ static_assert(sizeof(ACCEL) == 6);
 
 HACCEL LoadAcceleratorsA(HINSTANCE instance, LPCSTR resource);
 int CopyAcceleratorTableA(HACCEL table, ACCEL* entries, int count);
-// Keys by FVIRTKEY alone. Sends WM_COMMAND, unless the window is disabled.
+// Keys by FVIRTKEY alone. Sends WM_COMMAND; a command of the window's menu only after WM_INITMENU and WM_INITMENUPOPUP, and
+// not while it is grey, the mouse is captured, or the window is disabled or minimized.
 int TranslateAcceleratorA(HWND window, HACCEL table, LPMSG message);

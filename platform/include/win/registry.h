@@ -19,7 +19,7 @@ inline constexpr DWORD REG_SZ = 1;
 inline constexpr DWORD REG_DWORD = 4;
 
 // Each gives ERROR_SUCCESS or an error. Values are REG_SZ and REG_DWORD. A buffer that is too small gives ERROR_MORE_DATA
-// and the size that is needed.
+// and the size that is needed. What was set reaches the file when a key is closed. For one thread alone.
 LSTATUS RegCreateKeyExA(HKEY key, LPCSTR name, DWORD reserved, LPSTR keyClass, DWORD options, REGSAM access,
                         LPSECURITY_ATTRIBUTES security, HKEY* opened, LPDWORD disposition);
 LSTATUS RegOpenKeyExA(HKEY key, LPCSTR name, DWORD options, REGSAM access, HKEY* opened);

@@ -1,0 +1,113 @@
+// What the standard controls have in common.
+#include "Controls.h"
+
+#include <commctrl.h>
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QWidget>
+#include <cstring>
+
+#include "Desktop.h"
+#include "Dialogs.h"
+#include "GdiObjects.h"
+#include "Placement.h"
+#include "Text.h"
+
+namespace desktop {
+
+namespace {
+
+constexpr UINT kDoubleClicks = 0x0008;  // CS_DBLCLKS
+
+void Register(LPCSTR name, WNDPROC procedure, UINT style, int extra = 0) {
+    WNDCLASSEXA windowClass{};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.style = style;
+    windowClass.lpfnWndProc = procedure;
+    windowClass.cbWndExtra = extra;
+    windowClass.lpszClassName = name;
+    RegisterClassExA(&windowClass);
+}
+
+bool IsClass(HWND window, const char* name) {
+    char actual[64] = "";
+    GetClassNameA(window, actual, sizeof actual);
+    return qstricmp(actual, name) == 0;
+}
+
+Qt::MouseButtons ButtonsOf(WPARAM keys) {
+    Qt::MouseButtons buttons;
+    buttons.setFlag(Qt::LeftButton, (keys & MK_LBUTTON) != 0);
+    buttons.setFlag(Qt::RightButton, (keys & MK_RBUTTON) != 0);
+    buttons.setFlag(Qt::MiddleButton, (keys & MK_MBUTTON) != 0);
+    return buttons;
+}
+
+}  // namespace
+
+void RegisterControlClasses() {
+    Register("Button", ButtonProc, kDoubleClicks);
+    Register("Edit", EditProc, kDoubleClicks);
+    Register("Static", StaticProc, kDoubleClicks);
+    Register("ListBox", ListBoxProc, kDoubleClicks);
+    Register(STATUSCLASSNAMEA, StatusBarProc, kDoubleClicks);
+    Register("#32770", DefDlgProcA, kDoubleClicks, kDialogExtraBytes);
+}
+
+QWidget* MakeControlWidget(ScreenWindow& window, QWidget* parent) {
+    if (window.parent == nullptr) {
+        return nullptr;
+    }
+    if (IsClass(window.handle, "BUTTON")) {
+        return MakeButtonWidget(window, parent);
+    }
+    if (IsClass(window.handle, "EDIT")) {
+        return MakeEditWidget(window, parent);
+    }
+    if (IsClass(window.handle, "STATIC")) {
+        return MakeStaticWidget(window, parent);
+    }
+    return IsClass(window.handle, STATUSCLASSNAMEA) ? MakeStatusBarWidget(window, parent) : nullptr;
+}
+
+void NotifyParent(HWND control, WORD code) {
+    SendMessageA(GetParent(control), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(GetDlgCtrlID(control)), code),
+                 reinterpret_cast<LPARAM>(control));
+}
+
+void GiveMouse(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
+    const ScreenWindow* window = Desktop::Get().Find(control);
+    const QPointF client(static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(lParam))),
+                         static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(lParam))));
+    const QPointF local = client + QPointF(window->client.left, window->client.top);
+    QEvent::Type type = QEvent::MouseMove;
+    Qt::MouseButton button = Qt::NoButton;
+    switch (message) {
+        case WM_LBUTTONDOWN: type = QEvent::MouseButtonPress, button = Qt::LeftButton; break;
+        case WM_LBUTTONDBLCLK: type = QEvent::MouseButtonDblClick, button = Qt::LeftButton; break;
+        case WM_LBUTTONUP: type = QEvent::MouseButtonRelease, button = Qt::LeftButton; break;
+        case WM_MBUTTONDOWN: type = QEvent::MouseButtonPress, button = Qt::MiddleButton; break;
+        case WM_MBUTTONUP: type = QEvent::MouseButtonRelease, button = Qt::MiddleButton; break;
+        default: break;
+    }
+    QMouseEvent event(type, local, window->widget->mapToGlobal(local), button, ButtonsOf(wParam),
+                      Desktop::Get().keyboard.Modifiers());
+    Desktop::Get().GiveToWidget(control, event);
+}
+
+void GiveKey(HWND control, int virtualKey, bool down, const char* text) {
+    QKeyEvent event(down ? QEvent::KeyPress : QEvent::KeyRelease, QtKeyOf(virtualKey), Desktop::Get().keyboard.Modifiers(),
+                    ToQString(text));
+    Desktop::Get().GiveToWidget(control, event);
+}
+
+void SetControlFont(ScreenWindow& window, HFONT font) {
+    window.font = font;
+    window.widget->setFont(drawing::FontOf(font));
+}
+
+}  // namespace desktop
+
+void InitCommonControls() {}

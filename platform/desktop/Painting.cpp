@@ -1,0 +1,303 @@
+// What of a window has to be painted, and the device contexts that paint it.
+#include "Painting.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <unordered_map>
+
+#include "Desktop.h"
+#include "DeviceContext.h"
+#include "GdiObjects.h"
+#include "LastError.h"
+#include "MessageQueue.h"
+#include "Placement.h"
+
+namespace desktop {
+
+namespace {
+
+QRect ToQt(const RECT& rect) {
+    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+}
+
+QRect ClientRect(const ScreenWindow& window) {
+    return {QPoint(0, 0), window.ClientSize()};
+}
+
+// The surface in the window's present size; what was drawn before stays as far as it fits.
+QImage& SurfaceOf(ScreenWindow& window) {
+    const qreal ratio = window.widget->devicePixelRatioF();
+    const QSize size = (QSizeF(window.Size()) * ratio).toSize().expandedTo(QSize(1, 1));
+    if (window.surface.size() != size || window.surface.devicePixelRatio() != ratio) {
+        QImage fresh(size, QImage::Format_RGB32);
+        fresh.fill(drawing::ToQColor(GetSysColor(COLOR_BTNFACE)));
+        if (!window.surface.isNull()) {
+            for (int y = 0; y < std::min(size.height(), window.surface.height()); ++y) {
+                std::copy_n(reinterpret_cast<const QRgb*>(window.surface.constScanLine(y)),
+                            std::min(size.width(), window.surface.width()), reinterpret_cast<QRgb*>(fresh.scanLine(y)));
+            }
+        }
+        fresh.setDevicePixelRatio(ratio);
+        window.surface = std::move(fresh);
+    }
+    return window.surface;
+}
+
+struct OpenContext {
+    HWND window;
+    QRegion changed;  // in the window
+};
+
+std::unordered_map<HDC, std::unique_ptr<OpenContext>>& OpenContexts() {
+    static auto& contexts = *new std::unordered_map<HDC, std::unique_ptr<OpenContext>>;
+    return contexts;
+}
+
+// The clip is told from the window's corner, as the origin is.
+HDC OpenContextFor(ScreenWindow& window, QPoint origin, const QRegion& clip) {
+    auto context = std::make_unique<OpenContext>();
+    context->window = window.handle;
+    const bool shown = window.redraw && !window.native;
+    const drawing::DrawingTarget target{&SurfaceOf(window), origin, shown ? clip : QRegion(), &context->changed};
+    HDC dc = drawing::OpenDeviceContext(target);
+    if (dc != nullptr) {
+        OpenContexts()[dc] = std::move(context);
+    }
+    return dc;
+}
+
+void CloseContext(HDC dc) {
+    const auto found = OpenContexts().find(dc);
+    if (found == OpenContexts().end()) {
+        return;
+    }
+    drawing::CloseDeviceContext(dc);
+    const std::unique_ptr<OpenContext> context = std::move(found->second);
+    OpenContexts().erase(found);
+    const ScreenWindow* window = Desktop::Get().Find(context->window);
+    if (window != nullptr && !context->changed.isEmpty()) {
+        const RECT covered = WidgetRect(*window);
+        window->widget->update(context->changed.translated(-covered.left, -covered.top));
+    }
+}
+
+}  // namespace
+
+void Invalidate(ScreenWindow& window, const QRegion& area, bool erase) {
+    if (window.native) {
+        const RECT covered = WidgetRect(window);
+        window.widget->update(area.translated(window.client.left - covered.left, window.client.top - covered.top));
+        return;
+    }
+    window.invalid |= area & ClientRect(window);
+    window.eraseInvalid = window.eraseInvalid || erase;
+    if (!window.invalid.isEmpty()) {
+        Desktop::Get().WantPaint();
+    }
+}
+
+void InvalidateWhole(ScreenWindow& window) {
+    window.frameInvalid = !window.native;
+    Invalidate(window, ClientRect(window), true);
+    Desktop::Get().WantPaint();
+}
+
+}  // namespace desktop
+
+using desktop::Desktop;
+using desktop::ScreenWindow;
+
+namespace {
+
+void RedrawTree(ScreenWindow& window, const QRegion& area, UINT flags) {
+    const HWND handle = window.handle;
+    if ((flags & RDW_INVALIDATE) != 0) {
+        window.frameInvalid = window.frameInvalid || ((flags & RDW_FRAME) != 0 && !window.native);
+        Invalidate(window, area, (flags & RDW_ERASE) != 0);
+    }
+    if ((flags & RDW_UPDATENOW) != 0) {
+        UpdateWindow(handle);
+    }
+    ScreenWindow* after = Desktop::Get().Find(handle);
+    if ((flags & RDW_ALLCHILDREN) == 0 || after == nullptr) {
+        return;
+    }
+    std::vector<HWND> children;
+    for (const ScreenWindow* child : after->children) {
+        children.push_back(child->handle);
+    }
+    for (HWND child : children) {
+        if (ScreenWindow* found = Desktop::Get().Find(child)) {
+            RedrawTree(*found,
+                       area.translated(-found->place.left - found->client.left, -found->place.top - found->client.top),
+                       flags);
+        }
+    }
+}
+
+void Redraw(HWND handle, const std::optional<RECT>& area, UINT flags) {
+    if (ScreenWindow* window = Desktop::Get().Find(handle)) {
+        const QRegion whole(area ? desktop::ToQt(*area) : desktop::ClientRect(*window));
+        RedrawTree(*window, whole, flags);
+    }
+}
+
+}  // namespace
+
+BOOL RedrawWindow(HWND handle, const RECT* area, HRGN region, UINT flags) {
+    if (region != nullptr || handle == nullptr) {
+        return kernel::Unsupported("RedrawWindow of a region, or of all windows");
+    }
+    if (Desktop::IsOwnThread()) {
+        Redraw(handle, area != nullptr ? std::optional<RECT>(*area) : std::nullopt, flags);
+        return TRUE;
+    }
+    if (area != nullptr || (flags & RDW_UPDATENOW) != 0) {
+        return kernel::Unsupported("RedrawWindow of a part, or at once, by another thread");
+    }
+    return PostMessageA(Desktop::Get().DesktopWindow(), desktop::kRedrawMessage, reinterpret_cast<WPARAM>(handle),
+                        static_cast<LPARAM>(flags));
+}
+
+BOOL InvalidateRect(HWND handle, const RECT* area, BOOL erase) {
+    return RedrawWindow(handle, area, nullptr, RDW_INVALIDATE | (erase ? RDW_ERASE : 0U));
+}
+
+BOOL ValidateRect(HWND handle, const RECT* area) {
+    ScreenWindow* window = Desktop::Get().Find(handle);
+    if (window == nullptr) {
+        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    }
+    if (area == nullptr) {
+        window->invalid = {};
+        window->eraseInvalid = false;
+        window->frameInvalid = false;
+    } else {
+        window->invalid -= desktop::ToQt(*area);
+    }
+    return TRUE;
+}
+
+BOOL UpdateWindow(HWND handle) {
+    const ScreenWindow* window = Desktop::Get().Find(handle);
+    if (window == nullptr) {
+        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    }
+    if ((window->invalid.isEmpty() && !window->frameInvalid) || !window->redraw || !desktop::IsVisibleOnScreen(*window)) {
+        return TRUE;
+    }
+    SendMessageA(handle, WM_PAINT, 0, 0);
+    return TRUE;
+}
+
+HDC BeginPaint(HWND handle, PAINTSTRUCT* paint) {
+    ScreenWindow* window = Desktop::Get().Find(handle);
+    if (window == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        return nullptr;
+    }
+    *paint = {};
+    if (std::exchange(window->frameInvalid, false)) {
+        SendMessageA(handle, WM_NCPAINT, 1, 0);
+        window = Desktop::Get().Find(handle);
+        if (window == nullptr) {
+            return nullptr;
+        }
+    }
+    const QRegion area = std::exchange(window->invalid, {});
+    const bool erase = std::exchange(window->eraseInvalid, false);
+    const QPoint origin(window->client.left, window->client.top);
+    paint->hdc = desktop::OpenContextFor(*window, origin, area.translated(origin));
+    const QRect bounds = area.boundingRect();
+    paint->rcPaint = {bounds.left(), bounds.top(), bounds.right() + 1, bounds.bottom() + 1};
+    if (erase && paint->hdc != nullptr) {
+        paint->fErase = SendMessageA(handle, WM_ERASEBKGND, reinterpret_cast<WPARAM>(paint->hdc), 0) == 0;
+    }
+    return paint->hdc;
+}
+
+BOOL EndPaint(HWND, const PAINTSTRUCT* paint) {
+    desktop::CloseContext(paint->hdc);
+    return TRUE;
+}
+
+HDC GetDC(HWND handle) {
+    if (handle == nullptr) {
+        // Measures text, and paints nothing.
+        return drawing::OpenDeviceContext({});
+    }
+    ScreenWindow* window = Desktop::Get().Find(handle);
+    if (window == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        return nullptr;
+    }
+    const QPoint origin(window->client.left, window->client.top);
+    return desktop::OpenContextFor(*window, origin, QRect(origin, window->ClientSize()));
+}
+
+HDC GetWindowDC(HWND handle) {
+    ScreenWindow* window = Desktop::Get().Find(handle);
+    if (window == nullptr) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        return nullptr;
+    }
+    return desktop::OpenContextFor(*window, QPoint(0, 0), QRect(QPoint(0, 0), window->Size()));
+}
+
+int ReleaseDC(HWND handle, HDC dc) {
+    if (handle == nullptr) {
+        drawing::CloseDeviceContext(dc);
+        return 1;
+    }
+    desktop::CloseContext(dc);
+    return 1;
+}
+
+namespace desktop {
+
+namespace {
+
+// A line one pixel thick, as a filled rectangle.
+void Bar(HDC dc, int left, int top, int right, int bottom, int color) {
+    const RECT bar{left, top, right, bottom};
+    FillRect(dc, &bar, GetSysColorBrush(color));
+}
+
+void EdgeRing(HDC dc, const RECT& rect, int upperLeft, int lowerRight) {
+    Bar(dc, rect.left, rect.top, rect.right, rect.top + 1, upperLeft);
+    Bar(dc, rect.left, rect.top, rect.left + 1, rect.bottom, upperLeft);
+    Bar(dc, rect.left, rect.bottom - 1, rect.right, rect.bottom, lowerRight);
+    Bar(dc, rect.right - 1, rect.top, rect.right, rect.bottom, lowerRight);
+}
+
+}  // namespace
+
+void PaintSunkenEdge(HDC dc, const RECT& rect) {
+    RECT inner = rect;
+    EdgeRing(dc, inner, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);
+    InflateRect(&inner, -1, -1);
+    EdgeRing(dc, inner, COLOR_BTNTEXT, COLOR_BTNFACE);
+}
+
+void PaintDefaultFrame(HWND handle) {
+    const ScreenWindow* window = Desktop::Get().Find(handle);
+    const bool sunken = (GetWindowLongPtrA(handle, GWL_EXSTYLE) & static_cast<LONG_PTR>(WS_EX_CLIENTEDGE)) != 0;
+    const bool bordered = window->parent != nullptr && HasStyle(handle, WS_BORDER);
+    if (window->native || (!sunken && !bordered)) {
+        return;
+    }
+    HDC dc = GetWindowDC(handle);
+    RECT edge = window->client;
+    if (sunken) {
+        InflateRect(&edge, 2, 2);
+        PaintSunkenEdge(dc, edge);
+    }
+    if (bordered) {
+        InflateRect(&edge, 1, 1);
+        EdgeRing(dc, edge, COLOR_BTNTEXT, COLOR_BTNTEXT);
+    }
+    ReleaseDC(handle, dc);
+}
+
+}  // namespace desktop

@@ -1,0 +1,38 @@
+// Where windows are: their frames, their client areas and the points in them.
+#pragma once
+
+#include <windows.h>
+
+#include <QMargins>
+
+#include "ScreenWindow.h"
+
+namespace desktop {
+
+// The place of a point of the window's client area on the screen.
+POINT ClientOrigin(const ScreenWindow& window);
+// The same of the window's corner.
+POINT WindowOrigin(const ScreenWindow& window);
+// What the window system puts around the widget of a top-level window, as far as it is known.
+QMargins FrameOf(const ScreenWindow& window);
+// The part of the window that its widget covers: all but that frame.
+RECT WidgetRect(const ScreenWindow& window);
+
+// Asks the window what of its whole area is client area. `asNew` while it is being made.
+void CalculateClient(ScreenWindow& window, bool asNew, const RECT* before);
+// Takes frame, menu bar and edges off: what a window without a wish of its own gets.
+void DefaultClient(const ScreenWindow& window, RECT& rect);
+void AskMinMax(HWND window, MINMAXINFO& info);
+
+// Sends WM_MOVE and WM_SIZE.
+void TellSize(HWND window);
+void TellMove(HWND window);
+// The window system has moved or sized a top-level window, or has told the size of its frame.
+void FollowGeometry(HWND window);
+
+// What the desktop leaves of the primary screen.
+RECT WorkArea();
+
+bool IsVisibleOnScreen(const ScreenWindow& window);
+
+}  // namespace desktop

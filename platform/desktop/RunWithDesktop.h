@@ -1,0 +1,6 @@
+// The entry of programs with windows.
+#pragma once
+
+// Makes the desktop, runs the body with what is left of the arguments, and takes the desktop down again. Gives the body's
+// result.
+int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv));

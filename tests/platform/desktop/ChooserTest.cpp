@@ -1,0 +1,312 @@
+// The choosers, as a user operates them: a timer looks for what is open and answers it, while the call waits.
+#include <commdlg.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QFontDialog>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "CodePage.h"
+#include "Desktop.h"
+#include "DesktopTests.h"
+
+namespace {
+
+template <class Dialog>
+Dialog* FindOpen() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && widget->isEnabled() && qobject_cast<Dialog*>(widget) != nullptr) {
+            return qobject_cast<Dialog*>(widget);
+        }
+    }
+    return nullptr;
+}
+
+// Things to do one after the other; each is tried until it says that it is done.
+class User {
+public:
+    User() {
+        QObject::connect(&timer_, &QTimer::timeout, [this] {
+            if (!acts_.empty() && acts_.front()()) {
+                acts_.pop_front();
+            }
+        });
+        timer_.start(5);
+    }
+    ~User() { EXPECT_TRUE(acts_.empty()) << acts_.size() << " things were never done"; }
+    User(const User&) = delete;
+    User& operator=(const User&) = delete;
+
+    void Do(std::function<bool()> act) { acts_.push_back(std::move(act)); }
+
+    template <class Dialog>
+    void In(std::function<void(Dialog&)> act) {
+        Do([act] {
+            Dialog* dialog = FindOpen<Dialog>();
+            if (dialog != nullptr) {
+                act(*dialog);
+            }
+            return dialog != nullptr;
+        });
+    }
+
+    void Type(const QString& name) {
+        In<QFileDialog>([name](QFileDialog& dialog) {
+            auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit");
+            ASSERT_NE(edit, nullptr);
+            edit->setText(name);
+            QMetaObject::invokeMethod(&dialog, "accept");
+        });
+    }
+
+    void Cancel() {
+        In<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+    }
+
+    // Presses a button of the message box with that caption.
+    void Answer(const char* caption, int button) {
+        Do([caption, button] {
+            HWND box = FindWindowA("#32770", caption);
+            return box != nullptr && IsWindowVisible(box) && PostMessageA(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+        });
+    }
+
+private:
+    QTimer timer_;
+    std::deque<std::function<bool()>> acts_;
+};
+
+// Of those that no face of Windows is shown in.
+QString FamilyWithBold() {
+    for (const QString& family : QFontDatabase::families()) {
+        if (QFontDatabase::styles(family).contains("Bold") && family.startsWith("DejaVu")) {
+            return family;
+        }
+    }
+    return {};
+}
+
+class Chooser : public testing::Test {
+protected:
+    Chooser() : owner_(MakeTopLevel("Owner of choosers")) {
+        chooser_.lStructSize = sizeof chooser_;
+        chooser_.hwndOwner = owner_;
+        chooser_.lpstrFilter = "Comma separated (*.csv)\0*.csv\0Text (*.txt;*.tab)\0*.txt;*.tab\0All Files (*.*)\0*.*\0";
+        chooser_.nFilterIndex = 1;
+        chooser_.lpstrFile = file_;
+        chooser_.nMaxFile = sizeof file_;
+        chooser_.lpstrFileTitle = title_;
+        chooser_.nMaxFileTitle = sizeof title_;
+        chooser_.lpstrTitle = "Choose one";
+        chooser_.lpstrDefExt = "csv";
+        initial_ = Windows(".");
+        chooser_.lpstrInitialDir = initial_.c_str();
+    }
+    ~Chooser() override {
+        kernel::SetCodePage(kernel::kWesternPage);
+        DestroyWindow(owner_);
+    }
+    Chooser(const Chooser&) = delete;
+    Chooser& operator=(const Chooser&) = delete;
+
+    void MakeFile(const QString& name) const {
+        QFile file(folder_.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("content");
+    }
+
+    std::string Windows(const QString& name) const {
+        QString path = folder_.filePath(name);
+        return path.replace('/', '\\').toStdString();
+    }
+
+    const QTemporaryDir folder_;
+    std::string initial_;
+    HWND owner_;
+    OPENFILENAMEA chooser_{};
+    char file_[260] = "";
+    char title_[64] = "";
+    User user_;
+};
+
+TEST_F(Chooser, OpensAFileThatIsThere) {
+    MakeFile("titles.csv");
+    chooser_.Flags = OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
+    bool ownerWasEnabled = true;
+    bool served = false;
+    user_.In<QFileDialog>([&](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Choose one");
+        EXPECT_EQ(QDir(dialog.directory()).canonicalPath(), QDir(folder_.path()).canonicalPath());
+        ownerWasEnabled = IsWindowEnabled(owner_);
+        PostMessageA(owner_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Served"));
+    });
+    user_.Do([&] {
+        char text[20] = "";
+        GetWindowTextA(owner_, text, sizeof text);
+        served = std::string(text) == "Served";
+        return served;
+    });
+    // The name lacks its extension; first one that is not there.
+    user_.Type("nothing");
+    user_.Answer("Choose one", IDOK);
+    user_.Type("titles");
+    EXPECT_TRUE(GetOpenFileNameA(&chooser_));
+    EXPECT_FALSE(ownerWasEnabled);
+    EXPECT_TRUE(served);
+    EXPECT_TRUE(IsWindowEnabled(owner_));
+    EXPECT_EQ(GetActiveWindow(), owner_);
+    EXPECT_EQ(file_, Windows("titles.csv"));
+    EXPECT_STREQ(title_, "titles.csv");
+    EXPECT_STREQ(file_ + chooser_.nFileOffset, "titles.csv");
+    EXPECT_STREQ(file_ + chooser_.nFileExtension, "csv");
+    EXPECT_EQ(chooser_.nFilterIndex, 1u);
+}
+
+TEST_F(Chooser, AsksBeforeItReplacesAFile) {
+    MakeFile("old.csv");
+    chooser_.Flags = OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST;
+    user_.Type("old.csv");
+    user_.Answer("Confirm Save As", IDNO);
+    user_.Type("old");
+    user_.Answer("Confirm Save As", IDYES);
+    EXPECT_TRUE(GetSaveFileNameA(&chooser_));
+    EXPECT_EQ(file_, Windows("old.csv"));
+    // A new one goes without a question, with the extension of the filter that is chosen.
+    user_.In<QFileDialog>([](QFileDialog& dialog) {
+        dialog.selectNameFilter(dialog.nameFilters().at(1));
+        emit dialog.filterSelected(dialog.selectedNameFilter());
+    });
+    user_.Type("new");
+    EXPECT_TRUE(GetSaveFileNameA(&chooser_));
+    EXPECT_EQ(file_, Windows("new.txt"));
+    EXPECT_EQ(chooser_.nFilterIndex, 2u);
+    // The folder has to be there.
+    user_.Type(folder_.path() + "/missing/new.csv");
+    user_.Answer("Choose one", IDOK);
+    user_.Cancel();
+    EXPECT_FALSE(GetSaveFileNameA(&chooser_));
+}
+
+TEST_F(Chooser, ACancelledChoiceChangesNothing) {
+    std::strcpy(file_, "before.csv");
+    chooser_.nFileOffset = 77;
+    const OPENFILENAMEA before = chooser_;
+    user_.In<QFileDialog>([](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), "before.csv");
+        dialog.selectNameFilter(dialog.nameFilters().at(2));
+        dialog.reject();
+    });
+    EXPECT_FALSE(GetSaveFileNameA(&chooser_));
+    EXPECT_EQ(std::memcmp(&before, &chooser_, sizeof before), 0);
+    EXPECT_STREQ(file_, "before.csv");
+    chooser_.lStructSize = 60;
+    EXPECT_FALSE(GetSaveFileNameA(&chooser_));
+}
+
+TEST_F(Chooser, TheEndOfTheProgramOrOfTheOwnerCancels) {
+    user_.In<QFileDialog>([](QFileDialog&) { PostQuitMessage(5); });
+    EXPECT_FALSE(GetOpenFileNameA(&chooser_));
+    EXPECT_EQ(FindOpen<QFileDialog>(), nullptr);
+    MSG message{};
+    EXPECT_FALSE(GetMessageA(&message, nullptr, 0, 0));
+    EXPECT_EQ(message.wParam, 5u);
+    user_.In<QFileDialog>([this](QFileDialog&) { PostMessageA(owner_, WM_CLOSE, 0, 0); });
+    EXPECT_FALSE(GetOpenFileNameA(&chooser_));
+    EXPECT_FALSE(IsWindow(owner_));
+    EXPECT_EQ(FindOpen<QFileDialog>(), nullptr);
+}
+
+TEST_F(Chooser, NamesThatTheCodePageLacksOrThatAreTooLongHaveAnAlias) {
+    const QString japanese = QString::fromUtf8("\u8868.csv");
+    MakeFile(japanese);
+    user_.Type(japanese);
+    ASSERT_TRUE(GetOpenFileNameA(&chooser_));
+    EXPECT_STREQ(file_ + chooser_.nFileExtension, "csv");
+    HANDLE file = CreateFileA(file_, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    EXPECT_EQ(GetFileSize(file, nullptr), 7u);
+    CloseHandle(file);
+    // The next chooser begins at the same file, when it is given back in two parts.
+    const std::string alias = file_;
+    initial_ = alias.substr(0, chooser_.nFileOffset - 1u);
+    chooser_.lpstrInitialDir = initial_.c_str();
+    std::strcpy(file_, alias.c_str() + chooser_.nFileOffset);
+    user_.In<QFileDialog>([&](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), japanese);
+        dialog.reject();
+    });
+    EXPECT_FALSE(GetOpenFileNameA(&chooser_));
+
+    const QString longName = QString(240, 'n') + ".txt";
+    MakeFile(longName);
+    file_[0] = '\0';
+    user_.Type(folder_.filePath(longName));
+    ASSERT_TRUE(GetOpenFileNameA(&chooser_));
+    EXPECT_LT(std::strlen(file_), 260u);
+    EXPECT_STREQ(file_ + chooser_.nFileExtension, "txt");
+    EXPECT_TRUE(DeleteFileA(file_));
+    EXPECT_FALSE(QFile::exists(folder_.filePath(longName)));
+
+    // Where the page has the name it is the name, whose second byte here is a backslash.
+    kernel::SetCodePage(kernel::kJapanesePage);
+    user_.Type(folder_.filePath(japanese));
+    ASSERT_TRUE(GetOpenFileNameA(&chooser_));
+    EXPECT_STREQ(file_ + chooser_.nFileOffset, "\x95\x5C.csv");
+}
+
+TEST_F(Chooser, AFontGoesInAndComesOut) {
+    LOGFONTA font{};
+    font.lfHeight = -16;
+    font.lfWeight = FW_NORMAL;
+    font.lfCharSet = SHIFTJIS_CHARSET;
+    std::strcpy(font.lfFaceName, "MS UI Gothic");
+    const LOGFONTA before = font;
+    CHOOSEFONTA chooser{};
+    chooser.lStructSize = sizeof chooser;
+    chooser.hwndOwner = owner_;
+    chooser.lpLogFont = &font;
+    chooser.Flags = CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT;
+    user_.In<QFontDialog>([this](QFontDialog& dialog) {
+        EXPECT_EQ(dialog.currentFont().pointSize(), 12);
+        EXPECT_FALSE(IsWindowEnabled(owner_));
+        dialog.reject();
+    });
+    EXPECT_FALSE(ChooseFontA(&chooser));
+    EXPECT_EQ(std::memcmp(&font, &before, sizeof font), 0);
+
+    user_.In<QFontDialog>([](QFontDialog& dialog) {
+        QFont chosen = dialog.currentFont();
+        chosen.setPointSize(18);
+        dialog.setCurrentFont(chosen);
+        dialog.accept();
+    });
+    EXPECT_TRUE(ChooseFontA(&chooser));
+    EXPECT_EQ(font.lfHeight, -24);
+    EXPECT_EQ(chooser.iPointSize, 180);
+    // The face stays although another stands in for it here.
+    EXPECT_STREQ(font.lfFaceName, "MS UI Gothic");
+    EXPECT_EQ(font.lfCharSet, SHIFTJIS_CHARSET);
+
+    const QString family = FamilyWithBold();
+    user_.In<QFontDialog>([family](QFontDialog& dialog) {
+        QFont chosen(family, 18, QFont::Bold);
+        dialog.setCurrentFont(chosen);
+        dialog.accept();
+    });
+    EXPECT_TRUE(ChooseFontA(&chooser));
+    EXPECT_EQ(font.lfFaceName, family.toStdString());
+    EXPECT_EQ(font.lfWeight, FW_BOLD);
+    chooser.lStructSize = 60;
+    EXPECT_FALSE(ChooseFontA(&chooser));
+}
+
+}  // namespace

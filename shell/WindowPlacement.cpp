@@ -1,0 +1,45 @@
+// Where the main window goes on the screen.
+#include "WindowPlacement.h"
+
+RECT DesktopWithoutBar(const RECT& desktop, const RECT& bar) {
+    RECT rest = desktop;
+    if (bar.left < 0 && bar.top < 0) {
+        if (bar.right < rest.right) {
+            rest.left = bar.right;
+        }
+        if (bar.bottom < rest.bottom) {
+            rest.top = bar.bottom;
+        }
+    } else if (bar.left < 0) {
+        rest.bottom = bar.top;
+    } else if (bar.top < 0) {
+        rest.right = bar.left;
+    }
+    return rest;
+}
+
+void PlaceWindow(HWND window, int width, int height, int x, int y) {
+    RECT desktop = {};
+    if (!GetWindowRect(GetDesktopWindow(), &desktop)) {
+        return;
+    }
+    HWND bar = FindWindowA("Shell_TrayWnd", nullptr);
+    RECT barRect = {};
+    if (bar != nullptr && GetWindowRect(bar, &barRect)) {
+        desktop = DesktopWithoutBar(desktop, barRect);
+    }
+    const int centerX = x + width / 2;
+    const int centerY = y + height / 2;
+    if (centerX >= desktop.left && centerX <= desktop.right && centerY >= desktop.top && centerY <= desktop.bottom) {
+        MoveWindow(window, x, y, width, height, TRUE);
+    } else {
+        CenterWindow(window, width, height);
+    }
+}
+
+void CenterWindow(HWND window, int width, int height) {
+    RECT desktop = {};
+    if (GetWindowRect(GetDesktopWindow(), &desktop)) {
+        MoveWindow(window, (desktop.right - width) / 2, (desktop.bottom - height) / 2, width, height, TRUE);
+    }
+}

@@ -1,0 +1,170 @@
+// The About box, the message boxes with texts from the resources, and the way to the help viewer.
+#include <windows.h>
+
+#include "Harness.h"
+#include "HtmlHelpCall.h"
+#include "MessageLog.h"
+#include "MessageService.h"
+#include "ShellTesting.h"
+#include "resource.h"
+
+namespace {
+
+// Runs the About box, and lets `look` look at it before its button ends it.
+class AboutBoxTest : public MainWindowTest {
+protected:
+    void Run(const std::function<void(HWND)>& look) {
+        DialogAnswer answer(Text(IDS_ABOUT_TITLE).c_str(), IDOK, look);
+        SendMessageA(main_, WM_COMMAND, IDM_VERSION_INFO, 0);
+        EXPECT_EQ(FindDialog(Text(IDS_ABOUT_TITLE).c_str()), nullptr);
+        EXPECT_TRUE(IsWindowEnabled(main_));
+    }
+};
+
+HWND boxInFront = nullptr;
+
+void CALLBACK PressEnterInBox(HWND, UINT, UINT_PTR timer, DWORD) {
+    HWND box = FindDialog(Text(IDS_ABOUT_TITLE).c_str());
+    if (box != nullptr && GetForegroundWindow() == box) {
+        boxInFront = box;
+        KillTimer(nullptr, timer);
+        PressKeys({VK_RETURN});
+    }
+}
+
+// How often the library of the help viewer was looked for.
+struct Search {
+    std::vector<std::string> libraries;
+    int entries = 0;
+    HMODULE library = nullptr;
+    bool hasEntry = false;
+    std::vector<HelpRequest> requests;
+};
+Search* search = nullptr;
+
+HWND WINAPI AnswerHelp(HWND window, LPCSTR file, UINT command, DWORD_PTR data) {
+    search->requests.push_back({window, file, command, data});
+    return window;
+}
+
+HMODULE WINAPI LoadHelp(LPCSTR name) {
+    search->libraries.emplace_back(name);
+    return search->library;
+}
+
+FARPROC WINAPI FindHelp(HMODULE library, LPCSTR name) {
+    EXPECT_EQ(library, search->library);
+    EXPECT_EQ(name, MAKEINTRESOURCEA(14));
+    ++search->entries;
+    return search->hasEntry ? reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&AnswerHelp)) : nullptr;
+}
+
+class HtmlHelpCallTest : public testing::Test {
+protected:
+    void SetUp() override {
+        search = &search_;
+        UseHelpLoader({LoadHelp, FindHelp});
+    }
+    void TearDown() override { UseHelpLoader({LoadLibraryA, GetProcAddress}); }
+
+    Search search_;
+};
+
+}  // namespace
+
+TEST_F(AboutBoxTest, TellsNameVersionAndNotice) {
+    Run([this](HWND box) {
+        EXPECT_EQ(WindowText(GetDlgItem(box, IDC_ABOUT_NAME)), Text(IDS_TITLE));
+        EXPECT_EQ(WindowText(GetDlgItem(box, IDC_ABOUT_VERSION)), "Version 1.0.3.0");
+        EXPECT_EQ(WindowText(GetDlgItem(box, IDC_ABOUT_NOTICE)), Text(IDS_NOTICE));
+        EXPECT_FALSE(Text(IDS_NOTICE).empty());
+        EXPECT_FALSE(IsWindowEnabled(main_));
+        EXPECT_EQ(GetWindow(box, GW_OWNER), main_);
+    });
+}
+
+TEST_F(AboutBoxTest, EscapeDoesNothing) {
+    MessageLog log({WM_COMMAND});
+    Run([&log](HWND box) {
+        log.Watch(box, "box");
+        ASSERT_TRUE(BringForward(box));
+        PressKeys({VK_ESCAPE});
+        std::string commands;
+        EXPECT_TRUE(PumpUntil([&] { return !(commands += log.Take()).empty(); }, box));
+        EXPECT_EQ(commands, "box WM_COMMAND id 2 code 0 from nobody\n");
+        SendMessageA(box, WM_COMMAND, IDOK, 0);
+        SendMessageA(box, WM_COMMAND, IDCANCEL, reinterpret_cast<LPARAM>(GetDlgItem(box, IDC_ABOUT_NAME)));
+        SendMessageA(box, WM_CLOSE, 0, 0);
+        EXPECT_TRUE(PumpAll(box));
+        EXPECT_TRUE(IsWindowVisible(box)) << "only its button ends it";
+    });
+}
+
+TEST_F(AboutBoxTest, EnterEndsIt) {
+    boxInFront = nullptr;
+    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, PressEnterInBox);
+    SendMessageA(main_, WM_COMMAND, IDM_VERSION_INFO, 0);
+    KillTimer(nullptr, timer);
+    EXPECT_NE(boxInFront, nullptr);
+    EXPECT_FALSE(IsWindow(boxInFront));
+}
+
+TEST(MessageServiceTest, TextsComeByNumber) {
+    HWND owner = MakeTestWindow("owner", WS_OVERLAPPEDWINDOW);
+    MessageService service;
+    EXPECT_EQ(service.Attach(nullptr), 0);
+    EXPECT_EQ(service.Attach(owner), 1);
+    EXPECT_EQ(service.SetInfoCaption(IDS_INFO_CAPTION), 1);
+    EXPECT_EQ(service.SetErrorCaption(IDS_ERROR_CAPTION), 1);
+    {
+        DialogAnswer answer(Text(IDS_INFO_CAPTION).c_str(), IDOK, [owner](HWND box) {
+            EXPECT_NE(FindWindowExA(box, nullptr, nullptr, Text(IDS_CONNECTED).c_str()), nullptr);
+            EXPECT_EQ(GetWindow(box, GW_OWNER), owner);
+        });
+        EXPECT_EQ(service.ShowInfo(IDS_CONNECTED, MB_OK), IDOK);
+    }
+    {
+        DialogAnswer answer(Text(IDS_ERROR_CAPTION).c_str(), IDOK, [](HWND box) {
+            EXPECT_NE(FindWindowExA(box, nullptr, nullptr, Text(IDS_ERROR_RANGE).c_str()), nullptr);
+        });
+        EXPECT_EQ(service.ShowError(IDS_ERROR_RANGE), IDOK);
+    }
+    EXPECT_EQ(service.SetErrorCaption(7999), 0) << "there is no such string";
+    DestroyWindow(owner);
+}
+
+TEST_F(HtmlHelpCallTest, AMachineWithoutHelpIsSearchedOnce) {
+    EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
+    const size_t attempts = search_.libraries.size();
+    ASSERT_GE(attempts, 1U);
+    EXPECT_LE(attempts, 2U) << "the registered one, if there is one, and the usual name";
+    EXPECT_EQ(search_.libraries.back(), "hhctrl.ocx");
+    EXPECT_EQ(search_.entries, 0);
+    for (int call = 1; call <= 3; ++call) {
+        EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
+        EXPECT_EQ(search_.libraries.size(), attempts);
+        EXPECT_EQ(search_.entries, call);
+    }
+}
+
+TEST_F(HtmlHelpCallTest, ALibraryWithoutTheEntryIsNoHelp) {
+    search_.library = GetModuleHandleA(nullptr);
+    EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
+    EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
+    EXPECT_EQ(search_.libraries.size(), 1U);
+    EXPECT_EQ(search_.entries, 2);
+}
+
+TEST_F(HtmlHelpCallTest, TheViewerIsFoundOnceAndGetsEachCall) {
+    search_.library = GetModuleHandleA(nullptr);
+    search_.hasEntry = true;
+    HWND desktop = GetDesktopWindow();
+    EXPECT_EQ(HtmlHelpCall(desktop, "Tesselia.chm", HH_DISPLAY_TOC, 5), desktop);
+    EXPECT_EQ(HtmlHelpCall(nullptr, "Other.chm", HH_CLOSE_ALL, 0), nullptr);
+    EXPECT_EQ(search_.libraries.size(), 1U);
+    EXPECT_EQ(search_.entries, 1);
+    ASSERT_EQ(search_.requests.size(), 2U);
+    EXPECT_EQ(search_.requests[0].file, "Tesselia.chm");
+    EXPECT_EQ(search_.requests[0].data, 5U);
+    EXPECT_EQ(search_.requests[1].command, HH_CLOSE_ALL);
+}

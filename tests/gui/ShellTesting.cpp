@@ -1,0 +1,122 @@
+#include "ShellTesting.h"
+
+#include <commctrl.h>
+
+#include "AppWindow.h"
+#include "Harness.h"
+#include "HtmlHelpCall.h"
+#include "resource.h"
+
+namespace {
+
+HelpSpy* helpSpy = nullptr;
+
+HWND WINAPI SpiedHelp(HWND window, LPCSTR file, UINT command, DWORD_PTR data) {
+    const HelpRequest request{window, file == nullptr ? "" : file, command, data};
+    return helpSpy->onRequest ? helpSpy->onRequest(request) : nullptr;
+}
+
+HMODULE WINAPI LoadSpy(LPCSTR) {
+    return GetModuleHandleA(nullptr);
+}
+
+FARPROC WINAPI FindSpy(HMODULE, LPCSTR) {
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&SpiedHelp));
+}
+
+struct Script {
+    std::vector<Step> steps;
+    size_t next = 0;
+    bool isBusy = false;  // a step may serve messages, and the timer with them
+    DWORD begin = 0;
+};
+Script* script = nullptr;
+
+void CALLBACK RunStep(HWND, UINT, UINT_PTR, DWORD) {
+    HWND main = FindWindowA(kMainClassName, nullptr);
+    if (script->isBusy || main == nullptr || !IsWindowVisible(main)) {
+        return;
+    }
+    script->isBusy = true;
+    if (script->next < script->steps.size() && script->steps[script->next](main)) {
+        ++script->next;
+        script->begin = GetTickCount();
+    }
+    const bool isLate = GetTickCount() - script->begin > kLimitMs;
+    EXPECT_FALSE(isLate) << "step " << script->next << " does not come to its end";
+    if ((isLate || script->next == script->steps.size()) && IsWindow(main)) {
+        DestroyWindow(main);
+    }
+    script->isBusy = false;
+}
+
+}  // namespace
+
+std::string Text(UINT id) {
+    char text[500] = "";
+    LoadStringA(GetModuleHandleA(nullptr), id, text, sizeof text);
+    return text;
+}
+
+std::string PlaceOf(HWND control) {
+    RECT rect = {};
+    GetWindowRect(control, &rect);
+    POINT corner = {rect.left, rect.top};
+    ScreenToClient(GetParent(control), &corner);
+    return std::to_string(corner.x) + "," + std::to_string(corner.y) + " " + std::to_string(rect.right - rect.left) + "x" +
+           std::to_string(rect.bottom - rect.top);
+}
+
+int RunProgram(std::vector<Step> steps, HINSTANCE previousInstance) {
+    Script running{std::move(steps), 0, false, GetTickCount()};
+    script = &running;
+    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, RunStep);
+    char noCommandLine[] = "";
+    HINSTANCE instance = GetModuleHandleA(nullptr);
+    const int result = WinMain(instance, previousInstance, noCommandLine, SW_SHOW);
+    KillTimer(nullptr, timer);
+    script = nullptr;
+    EXPECT_EQ(running.next, running.steps.size()) << "the program ended before its time";
+    if (previousInstance == nullptr) {
+        UnregisterClassA(kMainClassName, instance);
+    }
+    return result;
+}
+
+HelpSpy::HelpSpy() {
+    helpSpy = this;
+    UseHelpLoader({LoadSpy, FindSpy});
+}
+
+HelpSpy::~HelpSpy() {
+    UseHelpLoader({LoadLibraryA, GetProcAddress});
+    helpSpy = nullptr;
+}
+
+void MainWindowTest::SetUp() {
+    HINSTANCE instance = GetModuleHandleA(nullptr);
+    theApp = new AppWindow;
+    ASSERT_EQ(AppWindow::RegisterMainClass(instance), 1);
+    main_ = AppWindow::CreateMainWindow(instance);
+    ASSERT_NE(main_, nullptr);
+    ShowWindow(main_, SW_SHOW);
+    ASSERT_TRUE(BringForward(main_));
+    ASSERT_TRUE(PumpAll());
+}
+
+void MainWindowTest::TearDown() {
+    DestroyWindow(main_);
+    PumpAll();
+    delete theApp;
+    UnregisterClassA(kMainClassName, GetModuleHandleA(nullptr));
+}
+
+HWND MainWindowTest::Bar() const {
+    return GetDlgItem(main_, IDC_STATUS_BAR);
+}
+
+std::string MainWindowTest::BarText() const {
+    char text[500] = "";
+    SendMessageA(Bar(), SB_GETTEXTA, 0, reinterpret_cast<LPARAM>(text));
+    return text;
+}

@@ -181,7 +181,8 @@ void TakeOver(HWND handle, const RECT& place, const QMargins& frame, bool newKin
     PlaceWidget(*window);
     const bool moved = !SamePlace(place, before);
     const bool sized = !SameSize(window->client, clientBefore);
-    if (sized) {
+    // What is drawn so far lies in the old frame.
+    if (!SamePlace(window->client, clientBefore) || sized) {
         InvalidateWhole(*window);
     }
     if (moved) {

@@ -2,12 +2,26 @@
 #include "RunWithDesktop.h"
 
 #include <QApplication>
+#include <cstdio>
 
 #include "Desktop.h"
 #include "HelpViewer.h"
 #include "SingleInstance.h"
 
+namespace {
+
+bool HasDisplay() {
+    const auto isSet = [](const char* name) { return !qEnvironmentVariableIsEmpty(name); };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+}  // namespace
+
 int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
+    if (!HasDisplay()) {
+        std::fprintf(stderr, "%s needs a display: neither DISPLAY nor WAYLAND_DISPLAY names one\n", argv[0]);
+        return 1;
+    }
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setApplicationName("tesselia");

@@ -37,8 +37,9 @@ protected:
     void paintEvent(QPaintEvent* event) override {
         QPainter painter(this);
         const ScreenWindow* window = Desktop::Get().FindByWidget(this);
+        // A widget may have grown, and the window not heard of it yet.
+        painter.fillRect(event->rect(), QColor::fromRgb(QGuiApplication::palette().color(QPalette::Button).rgb()));
         if (window == nullptr || window->surface.isNull()) {
-            painter.fillRect(event->rect(), QColor::fromRgb(QGuiApplication::palette().color(QPalette::Button).rgb()));
             return;
         }
         const RECT covered = WidgetRect(*window);

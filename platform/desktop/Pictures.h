@@ -1,0 +1,12 @@
+// Pictures of what the program shows, where there is no screen to look at.
+#pragma once
+
+#include <string>
+
+namespace desktop {
+
+// All visible windows of the program as they stand to each other, as the bytes of a PNG file. What a window system would put
+// around them is a plain caption. Empty if nothing is visible.
+std::string PictureOfWindows();
+
+}  // namespace desktop

@@ -71,13 +71,26 @@ start_screen() {
 
 [ "${WINE_DISPLAY:-}" = keep ] && [ -n "${DISPLAY:-}" ] || start_screen
 
+# The fonts of captions, menus and messages have none of their own.
+add_japanese_letters() {
+    local font
+    for font in Tahoma 'Tahoma Bold' 'MS Sans Serif' 'Microsoft Sans Serif'; do
+        "$WINELOADER" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$font" \
+            /t REG_MULTI_SZ /d 'ipagp.ttf,IPAPGothic' /f || return
+    done
+    for font in 'MS PGothic' 'ＭＳ Ｐゴシック' 'MS UI Gothic'; do
+        LANG=ja_JP.UTF-8 "$WINELOADER" reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d IPAPGothic /f || return
+    done
+}
+
 # The first start fills the folders; a mark tells that it came to its end.
 if [ ! -e "$WINEPREFIX/complete" ]; then
     say "Setting up $WINEPREFIX"
     {
         timeout 300 "$WINELOADER" wineboot --init &&
             "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f &&
-            "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d "$screenSize" /f
+            "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d "$screenSize" /f &&
+            add_japanese_letters
     } >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Could not set up $WINEPREFIX"; exit 1; }
     timeout 60 "$WINESERVER" -w || true
     touch "$WINEPREFIX/complete"

@@ -121,7 +121,6 @@ for state in main menu-f menu-e menu-v menu-t menu-h about closing; do
         montage "$folder/linux-$language-$state.png" "$folder/windows-$language-$state.png" -tile 2x1 -gravity north \
             -background '#246e96' -geometry +12+12 \
             "$folder/$state-$language.png"
-        rm "$folder/linux-$language-$state.png" "$folder/windows-$language-$state.png"
     done
 done
 say "The pictures are in $folder."

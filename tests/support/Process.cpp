@@ -63,7 +63,7 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, (outputs + ".out").c_str(), kFlags, kFileMode);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (outputs + ".err").c_str(), kFlags, kFileMode);
-    EXPECT_EQ(posix_spawn(&process_, program.c_str(), &actions, nullptr, words.data(), environ), 0) << program;
+    EXPECT_EQ(posix_spawnp(&process_, program.c_str(), &actions, nullptr, words.data(), environ), 0) << program;
     posix_spawn_file_actions_destroy(&actions);
 }
 

@@ -1,0 +1,186 @@
+// What a user does with keyboard and mouse becomes the messages that the window tests post.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "Harness.h"
+#include "MessageLog.h"
+#include "RealScreen.h"
+#include "resource.h"
+
+namespace {
+
+class InputTest : public testing::Test {
+protected:
+    void SetUp() override {
+        menu_ = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
+        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 500, 300, menu_);
+        ShowWindow(main_, SW_SHOW);
+        ASSERT_TRUE(BringForward(main_));
+        ASSERT_TRUE(PumpUntil([] { return VisibleWindows("^main$") != ""; }));
+        ASSERT_TRUE(PumpUntil([] { return Xdotool("getactivewindow getwindowname", true) == "main\n"; }));
+        ASSERT_TRUE(PumpAll());
+        log_.Take();
+    }
+    void TearDown() override {
+        DestroyWindow(main_);
+        PumpAll();
+    }
+
+    // Does it, and serves messages until as much has been seen as is expected.
+    void ExpectFrom(const std::string& input, const std::string& lines) {
+        Xdotool(input);
+        std::string seen;
+        PumpUntil([&] { return (seen += log_.Take()).size() >= lines.size(); }, nullptr, kGestureMs);
+        PumpAll();
+        seen += log_.Take();
+        EXPECT_EQ(seen, lines) << input;
+    }
+
+    static constexpr DWORD kGestureMs = 3000;
+    MessageLog log_{{}};
+    HMENU menu_ = nullptr;
+    HWND main_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(InputTest, Keys) {
+    log_.Record({WM_KEYDOWN, WM_KEYUP, WM_CHAR, WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSCHAR, WM_SYSCOMMAND});
+    SetMessageHook([](HWND, UINT message, WPARAM, LPARAM, LRESULT&) { return message == WM_SYSCOMMAND; });
+    const auto plain = [](int key) {
+        char lines[100];
+        std::snprintf(lines, sizeof lines, "* main WM_KEYDOWN 0x%02X\n* main WM_KEYUP 0x%02X\n", key, key);
+        return std::string(lines);
+    };
+    ExpectFrom("key 1", Lines({"* main WM_KEYDOWN 0x31", "* main WM_CHAR 0x31", "* main WM_KEYUP 0x31"}));
+    ExpectFrom("key shift+a", Lines({"* main WM_KEYDOWN 0x10", "* main WM_KEYDOWN 0x41", "* main WM_CHAR 0x41",
+                                     "* main WM_KEYUP 0x10", "* main WM_KEYUP 0x41"}));
+    ExpectFrom("key ctrl+c", Lines({"* main WM_KEYDOWN 0x11", "* main WM_KEYDOWN 0x43", "* main WM_CHAR 0x03",
+                                    "* main WM_KEYUP 0x11", "* main WM_KEYUP 0x43"}));
+    ExpectFrom("key ampersand", Lines({"* main WM_KEYDOWN 0x10", "* main WM_KEYDOWN 0x37", "* main WM_CHAR 0x26",
+                                       "* main WM_KEYUP 0x10", "* main WM_KEYUP 0x37"}));
+    ExpectFrom("key Tab", Lines({"* main WM_KEYDOWN 0x09", "* main WM_CHAR 0x09", "* main WM_KEYUP 0x09"}));
+    ExpectFrom("key Return", Lines({"* main WM_KEYDOWN 0x0D", "* main WM_CHAR 0x0D", "* main WM_KEYUP 0x0D"}));
+    ExpectFrom("key Escape", Lines({"* main WM_KEYDOWN 0x1B", "* main WM_CHAR 0x1B", "* main WM_KEYUP 0x1B"}));
+    ExpectFrom("key BackSpace", Lines({"* main WM_KEYDOWN 0x08", "* main WM_CHAR 0x08", "* main WM_KEYUP 0x08"}));
+    ExpectFrom("key Delete", plain(VK_DELETE));
+    ExpectFrom("key Left", plain(VK_LEFT));
+    ExpectFrom("key Down", plain(VK_DOWN));
+    ExpectFrom("key Home", plain(VK_HOME));
+    ExpectFrom("key End", plain(VK_END));
+    ExpectFrom("key Prior", plain(VK_PRIOR));
+    ExpectFrom("key Next", plain(VK_NEXT));
+    ExpectFrom("key alt+x", Lines({"* main WM_SYSKEYDOWN 0x12", "* main WM_SYSKEYDOWN 0x58", "* main WM_SYSCHAR 0x78",
+                                   "main WM_SYSCOMMAND 0xF100", "* main WM_KEYUP 0x12", "* main WM_KEYUP 0x58"}));
+    ExpectFrom("key alt", Lines({"* main WM_SYSKEYDOWN 0x12", "* main WM_SYSKEYUP 0x12", "main WM_SYSCOMMAND 0xF100"}));
+    ExpectFrom("key F10", Lines({"* main WM_SYSKEYDOWN 0x79", "* main WM_SYSKEYUP 0x79", "main WM_SYSCOMMAND 0xF100"}));
+}
+
+TEST_F(InputTest, Mouse) {
+    log_.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_MOUSEMOVE, WM_CAPTURECHANGED});
+    PointAt(main_, 40, 50);
+    ASSERT_TRUE(PumpUntil([&] { return log_.Take().find("at 40,50") != std::string::npos; }));
+    ASSERT_TRUE(PumpAll());
+    log_.Take();
+    ExpectFrom("click 1", Lines({"* main WM_LBUTTONDOWN keys 0x1 at 40,50", "* main WM_LBUTTONUP keys 0x0 at 40,50"}));
+    // What is captured hears of the mouse outside, too.
+    ExpectFrom("mousedown 1", Lines({"* main WM_LBUTTONDOWN keys 0x1 at 40,50"}));
+    SetCapture(main_);
+    ExpectFrom("mousemove_relative -- -60 0", Lines({"* main WM_MOUSEMOVE keys 0x1 at 65516,50"}));
+    ExpectFrom("mouseup 1", Lines({"* main WM_LBUTTONUP keys 0x0 at 65516,50"}));
+    ReleaseCapture();
+    Xdotool("mousemove_relative 60 0");
+    ASSERT_TRUE(PumpUntil([&] { return log_.Take().find("at 40,50") != std::string::npos; }));
+    log_.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK});
+    ExpectFrom("keydown shift click 1 keyup shift",
+               Lines({"* main WM_LBUTTONDOWN keys 0x5 at 40,50", "* main WM_LBUTTONUP keys 0x4 at 40,50"}));
+}
+
+TEST_F(InputTest, TheMenuByMouse) {
+    log_.Record({WM_ENTERMENULOOP, WM_INITMENUPOPUP, WM_MENUSELECT, WM_COMMAND, WM_EXITMENULOOP});
+    EnableMenuItem(menu_, IDM_IMPORT, MF_BYCOMMAND | MF_ENABLED);
+    // The first popup is at the left end of the bar, right above the client area. The menu has a loop of its own, so the
+    // mouse goes on by itself.
+    POINT client = {0, 0};
+    ClientToScreen(main_, &client);
+    const auto click = [&](int x, int y) {
+        return "mousemove " + std::to_string(client.x + x) + " " + std::to_string(client.y + y) + " click 1 sleep 0.3 ";
+    };
+    const Process mouse("sh", {"-c", "xdotool " + click(10, -8) + click(20, 12)}, (theScreen->Folder() / "mouse").string());
+    std::string seen;
+    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_COMMAND id 40001") != std::string::npos; })) << seen;
+    EXPECT_NE(seen.find("main WM_INITMENUPOPUP position 0"), std::string::npos) << seen;
+    EXPECT_NE(seen.find("main WM_MENUSELECT item 40001 flags 0x0080"), std::string::npos) << seen;
+    EXPECT_NE(seen.find("main WM_MENUSELECT item 0 flags 0xFFFF no menu\nmain WM_EXITMENULOOP\n"), std::string::npos)
+        << seen;
+}
+
+TEST_F(InputTest, ControlsUnderRealKeysAndMouse) {
+    log_.Record({WM_COMMAND});
+    HWND button = MakeChild("BUTTON", BS_PUSHBUTTON, main_, 1, 10, 10, 80, 30);
+    HWND edit = MakeChild("EDIT", ES_AUTOHSCROLL, main_, 2, 10, 50, 200, 24);
+    log_.Name(button, "button");
+    log_.Name(edit, "edit");
+    ASSERT_TRUE(PumpAll());
+    PointAt(button, 20, 10);
+    Xdotool("click 1");
+    std::string seen;
+    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("id 1 code 0 from button") != std::string::npos; }))
+        << seen;
+    PointAt(edit, 50, 10);
+    Xdotool("click 1");
+    ASSERT_TRUE(PumpUntil([&] { return GetFocus() == edit; }));
+    Xdotool("type 'Blue & Green, 100%'");
+    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit) == "Blue & Green, 100%"; })) << WindowText(edit);
+    Xdotool("key Home key shift+Right key shift+Right key Delete key End key BackSpace");
+    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit) == "ue & Green, 100"; })) << WindowText(edit);
+    Xdotool("key Home key shift+End key ctrl+x");
+    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit).empty(); })) << WindowText(edit);
+    Xdotool("key ctrl+v key ctrl+v");
+    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit) == "ue & Green, 100ue & Green, 100"; })) << WindowText(edit);
+}
+
+TEST_F(InputTest, AKeyThatGoesUpElsewhereIsUp) {
+    // A window of another program comes forward while Alt is held.
+    Process other("xmessage", {"-name", "elsewhere", "elsewhere"}, (theScreen->Folder() / "other").string());
+    ASSERT_TRUE(PumpUntil([] { return VisibleWindows("^elsewhere$|^xmessage$") != ""; }));
+    ASSERT_TRUE(BringForward(main_));
+    Xdotool("search --name '^main$' windowactivate");
+    ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_; }) && PumpAll());
+    log_.Record({WM_SYSKEYDOWN, WM_KEYDOWN, WM_CHAR, WM_SYSCHAR});
+    ExpectFrom("keydown alt", Lines({"* main WM_SYSKEYDOWN 0x12"}));
+    Xdotool("search --onlyvisible --name '^elsewhere$|^xmessage$' windowactivate");
+    ASSERT_TRUE(PumpUntil([] { return GetActiveWindow() == nullptr; }));
+    Xdotool("keyup alt");
+    Xdotool("search --name '^main$' windowactivate");
+    ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_; }) && PumpAll());
+    log_.Take();
+    ExpectFrom("key a", Lines({"* main WM_KEYDOWN 0x41", "* main WM_CHAR 0x61"}));
+}
+
+TEST_F(InputTest, TheWindowManager) {
+    log_.Record({WM_SIZE, WM_ACTIVATE, WM_SYSCOMMAND});
+    Xdotool("getactivewindow windowminimize");
+    std::string seen;
+    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_SIZE kind 1, 0x0") != std::string::npos; })) << seen;
+    EXPECT_TRUE(PumpUntil([&] { return IsIconic(main_) && GetActiveWindow() == nullptr; }));
+    Xdotool("search --name '^main$' windowactivate");
+    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_SIZE kind 0, ") != std::string::npos; })) << seen;
+    EXPECT_TRUE(PumpUntil([&] { return !IsIconic(main_) && GetActiveWindow() == main_; }));
+    // The close box, or the key that the window manager has for it.
+    SetMessageHook([](HWND, UINT message, WPARAM, LPARAM, LRESULT&) { return message == WM_CLOSE; });
+    seen.clear();
+    Xdotool("key alt+F4");
+    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_SYSCOMMAND 0xF060") != std::string::npos; })) << seen;
+    EXPECT_TRUE(IsWindowVisible(main_));
+    // Moved and sized by the user.
+    Xdotool("getactivewindow windowsize 400 250 getactivewindow windowmove 200 150");
+    EXPECT_TRUE(PumpUntil([&] {
+        RECT client = {};
+        POINT corner = {0, 0};
+        GetClientRect(main_, &client);
+        ClientToScreen(main_, &corner);
+        return client.right == 400 && corner.x >= 200 && corner.x < 210;
+    }));
+}

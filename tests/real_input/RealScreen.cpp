@@ -1,0 +1,86 @@
+#include "RealScreen.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+RealScreen* theScreen = nullptr;
+
+namespace {
+
+struct Command {
+    std::string output;
+    int result;
+};
+
+Command Run(const std::string& command) {
+    Command run{"", -1};
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    if (pipe == nullptr) {
+        return run;
+    }
+    std::array<char, 256> part{};
+    while (fgets(part.data(), part.size(), pipe) != nullptr) {
+        run.output += part.data();
+    }
+    run.result = pclose(pipe);
+    return run;
+}
+
+void Die(const char* what) {
+    std::fprintf(stderr, "%s\n", what);
+    std::exit(1);
+}
+
+}  // namespace
+
+RealScreen::RealScreen() : folder_(std::filesystem::temp_directory_path() / "tesselia-screen-XXXXXX") {
+    std::string path = folder_.string();
+    if (mkdtemp(path.data()) == nullptr) {
+        Die("no folder for the screen");
+    }
+    folder_ = path;
+    setenv("XDG_CONFIG_HOME", path.c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", path.c_str(), 1);
+    setenv("QT_QPA_PLATFORM", "xcb", 1);
+    unsetenv("WAYLAND_DISPLAY");
+    // The server tells its display on standard output once it can be connected to.
+    server_ = std::make_unique<Process>(
+        "Xvfb", std::vector<std::string>{"-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"},
+        path + "/server");
+    if (!WaitUntil([&] { return server_->Output().find('\n') != std::string::npos; })) {
+        Die("Xvfb did not start");
+    }
+    const std::string number = server_->Output();
+    setenv("DISPLAY", (":" + number.substr(0, number.find('\n'))).c_str(), 1);
+    manager_ = std::make_unique<Process>("openbox", std::vector<std::string>{}, path + "/manager");
+    if (!WaitUntil(
+            [] { return Run("xprop -root _NET_SUPPORTING_WM_CHECK").output.find("window id") != std::string::npos; })) {
+        Die("openbox did not start");
+    }
+}
+
+RealScreen::~RealScreen() {
+    manager_.reset();
+    server_.reset();
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+std::string Xdotool(const std::string& arguments, bool mayFail) {
+    const Command run = Run("xdotool " + arguments);
+    EXPECT_TRUE(mayFail || run.result == 0) << "xdotool " << arguments << ": " << run.output;
+    return run.output;
+}
+
+void PointAt(HWND window, int x, int y) {
+    POINT place = {x, y};
+    ClientToScreen(window, &place);
+    Xdotool("mousemove " + std::to_string(place.x) + " " + std::to_string(place.y));
+}
+
+std::string VisibleWindows(const std::string& name) {
+    return Xdotool("search --onlyvisible --name '" + name + "'", true);
+}

@@ -1,0 +1,40 @@
+// A screen with a window manager, and the keyboard and mouse before it.
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "Process.h"
+
+// An X server without a picture, and openbox. Made before the first window; all programs that are started later use it, with
+// settings and locks of their own.
+class RealScreen {
+public:
+    RealScreen();
+    ~RealScreen();
+    RealScreen(const RealScreen&) = delete;
+    RealScreen& operator=(const RealScreen&) = delete;
+
+    const std::filesystem::path& Folder() const { return folder_; }
+
+private:
+    std::filesystem::path folder_;
+    std::unique_ptr<Process> server_;
+    std::unique_ptr<Process> manager_;
+};
+
+// The one screen, made by main.
+extern RealScreen* theScreen;
+
+// Runs xdotool with these arguments, "key ctrl+c" say, and gives what it prints. Fails the test if it fails, unless that is
+// an answer.
+std::string Xdotool(const std::string& arguments, bool mayFail = false);
+
+// Moves the pointer to a place in a window's client area.
+void PointAt(HWND window, int x, int y);
+
+// The visible windows of that name, of any program; each is a number on a line.
+std::string VisibleWindows(const std::string& name);

@@ -21,6 +21,8 @@ public:
     const std::filesystem::path& Folder() const { return folder_; }
 
 private:
+    bool Start();
+
     std::filesystem::path folder_;
     std::unique_ptr<Process> server_;
     std::unique_ptr<Process> manager_;

@@ -65,7 +65,9 @@ TEST_F(ProgramTest, ASecondCopyBringsTheFirstForward) {
     ASSERT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
     Process other("xmessage", {"-name", "elsewhere", "elsewhere"}, Outputs("other"));
     ASSERT_TRUE(WaitForWindow("^elsewhere$|^xmessage$"));
-    Xdotool("search --onlyvisible --name '^elsewhere$|^xmessage$' windowactivate --sync");
+    Xdotool("search --onlyvisible --name '^elsewhere$|^xmessage$' windowactivate");
+    ASSERT_TRUE(
+        WaitUntil([] { return Xdotool("getactivewindow getwindowname", true).find("ORVANE") == std::string::npos; }));
     Process second(TESSELIA_PROGRAM, {}, Outputs("second"));
     EXPECT_EQ(second.End(), 0) << second.Errors();
     EXPECT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));

@@ -86,7 +86,7 @@ RealScreen::~RealScreen() {
 }
 
 std::string Xdotool(const std::string& arguments, bool mayFail) {
-    const Command run = Run("xdotool " + arguments);
+    const Command run = Run("timeout 10 xdotool " + arguments);
     EXPECT_TRUE(mayFail || run.result == 0) << "xdotool " << arguments << ": " << run.output;
     return run.output;
 }

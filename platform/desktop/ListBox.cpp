@@ -206,6 +206,10 @@ bool IsContentMessage(UINT message) {
     return message >= LB_INSERTSTRING && message <= LB_GETITEMHEIGHT;
 }
 
+int XOf(LPARAM lParam) {
+    return static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(lParam)));
+}
+
 int YOf(LPARAM lParam) {
     return static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(lParam)));
 }
@@ -290,7 +294,7 @@ LRESULT CALLBACK ListBoxProc(HWND handle, UINT message, WPARAM wParam, LPARAM lP
             return 0;
         case WM_KEYDOWN: ListKey(handle, static_cast<int>(wParam)); return 0;
         case WM_CHAR: ListCharacter(handle, static_cast<char>(wParam)); return 0;
-        case WM_LBUTTONDOWN: ListPress(handle, YOf(lParam)); return 0;
+        case WM_LBUTTONDOWN: ListPress(handle, XOf(lParam), YOf(lParam)); return 0;
         case WM_LBUTTONDBLCLK: NotifyParent(handle, LBN_DBLCLK); return 0;
         case WM_LBUTTONUP: ListRelease(handle); return 0;
         case WM_MOUSEMOVE: ListDrag(handle, YOf(lParam)); return 0;

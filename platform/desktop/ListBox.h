@@ -54,7 +54,8 @@ int TextHeight(HWND handle);
 // --- Keys and mouse (ListBoxInput.cpp)
 void ListKey(HWND handle, int virtualKey);
 void ListCharacter(HWND handle, char letter);
-void ListPress(HWND handle, int y);
+// Outside the client area, where a window may have a frame that counts as client, a press takes the focus alone.
+void ListPress(HWND handle, int x, int y);
 void ListRelease(HWND handle);
 void ListDrag(HWND handle, int y);
 void ListWheel(HWND handle, int turn);

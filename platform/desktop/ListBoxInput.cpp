@@ -113,13 +113,15 @@ void ListCharacter(HWND handle, char letter) {
     }
 }
 
-void ListPress(HWND handle, int y) {
+void ListPress(HWND handle, int x, int y) {
     if (GetFocus() != handle) {
         SetFocus(handle);
     }
     const ListBox* before = FindList(handle);
-    const int row = before != nullptr ? RowAt(handle, y) : -1;
-    if (row < 0 || y >= ClientHeight(handle)) {
+    RECT client = {};
+    GetClientRect(handle, &client);
+    const int row = before != nullptr && PtInRect(&client, POINT{x, y}) ? RowAt(handle, y) : -1;
+    if (row < 0) {
         return;
     }
     SelectByUser(handle, row);

@@ -2,6 +2,7 @@
 #include "Painting.h"
 
 #include <QGuiApplication>
+#include <QPainter>
 #include <QScreen>
 #include <QWidget>
 #include <unordered_map>
@@ -67,6 +68,38 @@ HDC OpenContextFor(ScreenWindow& window, QPoint origin, const QRegion& clip) {
     return dc;
 }
 
+QPoint Corner(const ScreenWindow& window) {
+    return {window.place.left, window.place.top};
+}
+
+void UpdateWidget(ScreenWindow& window, const QRegion& changed) {
+    const RECT covered = WidgetRect(window);
+    window.widget->update(changed.translated(-covered.left, -covered.top));
+}
+
+// A window that does not spare its siblings draws over those in front of it as well; which of them is seen there is a matter
+// of who drew last.
+void DrawOnSiblings(const ScreenWindow& window, const QRegion& changed) {
+    if (window.parent == nullptr || HasStyle(window.handle, WS_CLIPSIBLINGS)) {
+        return;
+    }
+    for (ScreenWindow* sibling : window.parent->children) {
+        if (sibling == &window) {
+            return;
+        }
+        const QPoint offset = Corner(window) - Corner(*sibling);
+        const QRegion common = changed.translated(offset) & QRect(QPoint(0, 0), sibling->Size());
+        if (sibling->native || sibling->surface.isNull() || common.isEmpty() || !HasStyle(sibling->handle, WS_VISIBLE)) {
+            continue;
+        }
+        QPainter painter(&sibling->surface);
+        painter.setClipRegion(common);
+        painter.drawImage(offset, window.surface);
+        painter.end();
+        UpdateWidget(*sibling, common);
+    }
+}
+
 void CloseContext(HDC dc) {
     const auto found = OpenContexts().find(dc);
     if (found == OpenContexts().end()) {
@@ -75,10 +108,10 @@ void CloseContext(HDC dc) {
     drawing::CloseDeviceContext(dc);
     const std::unique_ptr<OpenContext> context = std::move(found->second);
     OpenContexts().erase(found);
-    const ScreenWindow* window = Desktop::Get().Find(context->window);
+    ScreenWindow* window = Desktop::Get().Find(context->window);
     if (window != nullptr && !context->changed.isEmpty()) {
-        const RECT covered = WidgetRect(*window);
-        window->widget->update(context->changed.translated(-covered.left, -covered.top));
+        UpdateWidget(*window, context->changed);
+        DrawOnSiblings(*window, context->changed);
     }
 }
 

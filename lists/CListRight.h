@@ -1,0 +1,39 @@
+// The track list: one row for each track that is shown of the group selected in the group list.
+#pragma once
+
+#include "CTitleList.h"
+
+// Only the tracks of Discs can be edited.
+class CListRight : public CTitleList {
+public:
+    CListRight();
+    ~CListRight() override;
+
+    // The group list's selection: where its row stands, in that list's window, and its group. With another group the list
+    // is empty at once, and the pane hears of it by UC_GROUP_CHANGED; the rows come when the pane asks for them.
+    void SetLinkedRow(const RECT& rect, GroupId newGroup);
+
+    // Fills in the group's tracks. Clears the pane's message line when that is done.
+    void RequestRefill(GroupId newGroup) override;
+    // The row of a track, -1 if it has none.
+    int FindTrackRow(GroupId wantedGroup, TrackNo wantedTrack) const;
+
+    int BeginEdit() override;
+    int EndEdit() override;
+    int ApplyTitle(int rowIndex, const char* text) override;
+    void OnDrawItem(DRAWITEMSTRUCT* item) override;
+    void OnNcPaint(HRGN region) override;
+
+protected:
+    void Populate(const Refill& refill) override;
+    void OnRefilled() override;
+
+private:
+    bool IsSelectionEditable(GroupId& group, TrackNo& track) const;
+    void MoveOn(GroupId editedGroup);
+    int NextRowWithTitle(GroupId editedGroup) const;
+    HRGN CreateShape() const;
+
+    RECT linkRect;       // the selected group row; its top is the same height on the screen in both lists
+    GroupId group = -1;  // that the list follows
+};

@@ -1,0 +1,116 @@
+// How a list's editor opens and closes.
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "CTitleList.h"
+#include "RowText.h"
+
+namespace {
+
+constexpr int kEditorId = 102;
+
+// Marks the time in which the editor is opened or closed. What that brings about may call either once more.
+class Busy {
+public:
+    explicit Busy(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Busy() { flag_ = false; }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+
+private:
+    bool& flag_;
+};
+
+}  // namespace
+
+int CTitleList::OwnsEditor(HWND window) const {
+    return editor != nullptr && (window == nullptr || window == editor->Window()) ? 1 : 0;
+}
+
+int CTitleList::BeginEdit() {
+    if (editBusy || editor != nullptr || hwnd == nullptr || !commitEnabled) {
+        return 0;
+    }
+    const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
+    if (count <= 0 || count <= curSel) {
+        return 0;
+    }
+    const Busy busy(editBusy);
+    return OpenEditor() ? 1 : 0;
+}
+
+// The editor covers the gap behind the number and the title, in the row's full height.
+bool CTitleList::OpenEditor() {
+    char rowText[kRowTextSize] = "";
+    RECT rect = {};
+    const char* field = GetRowText(curSel, rowText) ? TitleField(rowText) : nullptr;
+    if (field == nullptr ||
+        SendMessageA(hwnd, LB_GETITEMRECT, static_cast<WPARAM>(curSel), reinterpret_cast<LPARAM>(&rect)) == LB_ERR) {
+        return false;
+    }
+    rect.left += labelWidth;
+    editor = new (std::nothrow) InlineEdit(editor);
+    if (editor == nullptr) {
+        return false;
+    }
+    if (editor->Create(WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, rect, hwnd, kEditorId) == 0) {
+        CloseEditor();
+        return false;
+    }
+    editor->SetEditFont(reinterpret_cast<HFONT>(SendMessageA(hwnd, WM_GETFONT, 0, 0)));
+    editor->TakeFocus();
+    char title[kRowTextSize];
+    std::memcpy(title, field, std::strlen(field) + 1);
+    UnescapeAmpersands(title);
+    std::memset(originalText, 0, sizeof originalText);
+    std::memcpy(originalText, title, std::min(std::strlen(title), sizeof originalText - 1));
+    editor->SetText(originalText);
+    editor->SelectRange(0, -1);
+    return true;
+}
+
+void CTitleList::CloseEditor() {
+    delete editor;
+    editor = nullptr;
+}
+
+int CTitleList::EndEdit() {
+    if (editBusy || editor == nullptr) {
+        return 0;
+    }
+    {
+        const Busy busy(editBusy);
+        if (commitEnabled) {
+            enterCommitted = editor->IsEnterPressed();
+            editor->GetCleanText(editText, sizeof editText);
+            if (std::strcmp(originalText, editText) != 0) {
+                ApplyTitle(curSel, editText);
+            }
+        }
+        CloseEditor();
+    }
+    if (!commitEnabled) {
+        SelectRow(curSel);
+        RedrawAll();
+        return 0;
+    }
+    RedrawAll();
+    editArmed = false;
+    return 1;
+}
+
+int CTitleList::ApplyTitle(int rowIndex, const char* text) {
+    return ReplaceRowText(rowIndex, text);
+}
+
+void CTitleList::OnKeyDown(UINT virtualKey, BOOL isDown, int /*repeat*/, UINT /*flags*/) {
+    if (!isDown) {
+        return;
+    }
+    if (virtualKey == VK_RETURN) {
+        BeginEdit();
+    } else if (virtualKey == VK_DELETE) {
+        ApplyTitle(curSel, "");
+    }
+}

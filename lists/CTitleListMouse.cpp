@@ -1,0 +1,143 @@
+// What the mouse does on a list: clicks that open the editor, and the step arrows of the frame.
+#include "CTitleList.h"
+
+namespace {
+
+constexpr int kUp = 0;
+constexpr int kDown = 1;
+constexpr int kNoArrow = 8;
+
+constexpr int kFirstInterval = 15;
+constexpr int kShorter = 3;  // each interval is a third of the one before
+constexpr UINT kTickMs = 1;
+
+}  // namespace
+
+bool CTitleList::IsInClient(int x, int y) const {
+    RECT client = {};
+    GetClientRect(hwnd, &client);
+    return PtInRect(&client, POINT{x, y}) != FALSE;
+}
+
+POINT CTitleList::ToWindow(int x, int y) const {
+    POINT place = {x, y};
+    RECT window = {};
+    ClientToScreen(hwnd, &place);
+    GetWindowRect(hwnd, &window);
+    return {place.x - window.left, place.y - window.top};
+}
+
+// --- Click to edit
+
+void CTitleList::OnSetFocus(HWND /*otherWindow*/) {
+    editArmed = true;
+}
+
+bool CTitleList::IsClickOnSelection(int x, int y) const {
+    const LRESULT selected = SendMessageA(hwnd, LB_GETCURSEL, 0, 0);
+    return IsInClient(x, y) && selected != LB_ERR && selected == curSel;
+}
+
+void CTitleList::OnLButtonUp(int x, int y, WPARAM /*keys*/) {
+    if (arrowTracking) {
+        EndTracking();
+        return;
+    }
+    if (!clickInClient) {
+        return;
+    }
+    if (!editArmed || !IsClickOnSelection(x, y)) {
+        clickInClient = false;
+        editArmed = true;
+    } else if (BeginEdit() == 1) {
+        editArmed = false;
+    }
+}
+
+// --- Step arrows
+
+void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/) {
+    if (IsInClient(x, y)) {
+        clickInClient = true;
+        return;
+    }
+    const POINT place = ToWindow(x, y);
+    const RECT up = UpArrow();
+    const RECT down = DownArrow();
+    arrowKind = kNoArrow;
+    if (PtInRect(&up, place)) {
+        arrowKind = kUp;
+        arrowRect = up;
+    } else if (PtInRect(&down, place)) {
+        arrowKind = kDown;
+        arrowRect = down;
+    }
+    if (arrowKind == kNoArrow) {
+        return;
+    }
+    DrawArrow(true);
+    arrowPressed = true;
+    arrowTracking = true;
+    SetCapture(hwnd);
+    StepSelection();
+    repeatInterval = kFirstInterval;
+    repeatCount = 0;
+    if (repeatTimer == 0) {
+        repeatTimer = SetTimer(hwnd, 0, kTickMs, nullptr);
+    }
+}
+
+void CTitleList::OnTimer(UINT_PTR timerId) {
+    if (timerId != 0) {
+        return;
+    }
+    if (repeatInterval != repeatCount) {
+        ++repeatCount;
+        return;
+    }
+    if (repeatInterval > 0) {
+        repeatInterval /= kShorter;
+    }
+    repeatCount = 0;
+    StepSelection();
+}
+
+void CTitleList::StepSelection() {
+    const auto selected = static_cast<int>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0));
+    if (!arrowTracking || !arrowPressed || selected < 0) {
+        return;
+    }
+    const int next = arrowKind == kUp ? selected - 1 : selected + 1;
+    if (next < 0 || next >= SendMessageA(hwnd, LB_GETCOUNT, 0, 0) || next == curSel) {
+        return;
+    }
+    SelectRow(next);
+    // As the control tells it when the user selects.
+    PostSelChange();
+}
+
+void CTitleList::PostSelChange() const {
+    PostMessageA(GetParent(hwnd), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(GetDlgCtrlID(hwnd)), LBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(hwnd));
+}
+
+void CTitleList::OnMouseMove(int x, int y, WPARAM /*keys*/) {
+    if (!arrowTracking) {
+        return;
+    }
+    arrowPressed = PtInRect(&arrowRect, ToWindow(x, y)) != FALSE;
+    DrawArrow(arrowPressed);
+}
+
+void CTitleList::EndTracking() {
+    if (repeatTimer != 0) {
+        KillTimer(hwnd, 0);
+        repeatTimer = 0;
+        repeatInterval = -1;
+        repeatCount = -1;
+    }
+    ReleaseCapture();
+    arrowTracking = false;
+    arrowPressed = false;
+    DrawArrow(false);
+}

@@ -1,0 +1,45 @@
+// What a list asks of its refresher.
+#include "RefillRequests.h"
+
+void RefillRequests::Request(GroupId group) {
+    const LockGuard guard(lock_);
+    latest.Add(1);
+    rebuildRequested = true;
+    pendingGroup = group;
+}
+
+void RefillRequests::Cancel() {
+    const LockGuard guard(lock_);
+    latest.Add(1);
+    rebuildRequested = false;
+}
+
+void RefillRequests::SetRanges(const DisplayRanges& newRanges) {
+    const LockGuard guard(lock_);
+    ranges = newRanges;
+}
+
+bool RefillRequests::IsRequested() const {
+    const LockGuard guard(lock_);
+    return rebuildRequested;
+}
+
+bool RefillRequests::End(const Refill& refill) {
+    const LockGuard guard(lock_);
+    rebuilding = 0;
+    if (!IsLatest(refill)) {
+        return false;
+    }
+    rebuildRequested = false;
+    return true;
+}
+
+bool RefillRequests::Begin(Refill& refill) {
+    const LockGuard guard(lock_);
+    if (!rebuildRequested) {
+        return false;
+    }
+    rebuilding = 1;
+    refill = {latest, pendingGroup, ranges};
+    return true;
+}

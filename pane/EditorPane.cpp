@@ -65,27 +65,91 @@ INT_PTR CALLBACK EditorPane::PaneDlgProc(HWND dialog, UINT message, WPARAM wPara
     switch (message) {
         case WM_INITDIALOG: thePane->OnInitDialog(dialog); return TRUE;
         case WM_DESTROY: thePane->DestroyLists(); return TRUE;
+        case WM_DRAWITEM: return thePane->OnDrawItem(lParam);
+        case WM_MEASUREITEM: return thePane->OnMeasureItem(lParam);
+        case WM_COMMAND: return thePane->OnCommand(wParam);
         case WM_USER: thePane->OnPaneRequest(wParam, lParam); return TRUE;
         default: return FALSE;
     }
 }
 
 void EditorPane::OnInitDialog(HWND dialog) {
+    titleStore.reset(new (std::nothrow) TitleStore);
+    if (!titleStore) {
+        return;
+    }
     if (!Bind(syncButton, dialog, IDC_SYNC) || !Bind(stopButton, dialog, IDC_STOP)) {
         return;
     }
     // The template's word is never seen.
     SetDlgItemTextA(dialog, IDC_MESSAGE_LINE, "");
     ShowWindow(GetDlgItem(dialog, IDC_MESSAGE_LINE), SW_SHOW);
-    if (!Bind(groupList, dialog, IDC_GROUP_LIST) || !Bind(trackList, dialog, IDC_TRACK_LIST)) {
+    groupList.reset(new (std::nothrow) CListLeft);
+    trackList.reset(new (std::nothrow) CListRight);
+    if (!groupList || !trackList || !CreateList(*groupList, dialog, IDC_GROUP_LIST) ||
+        !CreateList(*trackList, dialog, IDC_TRACK_LIST)) {
         return;
     }
+    groupList->ForgetSelection();
+    groupList->SetTrackList(trackList.get());
+    groupList->SetListFont(nullptr);
+    trackList->SetListFont(nullptr);
     dialogReady = 1;
 }
 
+bool EditorPane::CreateList(CTitleList& list, HWND dialog, int id) {
+    if (list.StartWorker() == 0 || list.AttachDlgItem(dialog, id) == 0) {
+        return false;
+    }
+    list.SelectRow(0);
+    ShowWindow(GetDlgItem(dialog, id), SW_SHOW);
+    list.SetStore(titleStore.get());
+    return true;
+}
+
+// --- What the lists' controls tell their parent
+
+CTitleList* EditorPane::ListOf(UINT id) const {
+    switch (id) {
+        case IDC_GROUP_LIST: return groupList.get();
+        case IDC_TRACK_LIST: return trackList.get();
+        default: return nullptr;
+    }
+}
+
+BOOL EditorPane::OnDrawItem(LPARAM item) {
+    const auto& drawItem = *reinterpret_cast<DRAWITEMSTRUCT*>(item);
+    if (drawItem.CtlType == ODT_LISTBOX && ListOf(drawItem.CtlID) != nullptr) {
+        SendMessageA(GetDlgItem(hDlg, static_cast<int>(drawItem.CtlID)), WM_DRAWITEM, 0, item);
+    }
+    return FALSE;
+}
+
+BOOL EditorPane::OnMeasureItem(LPARAM item) {
+    auto* measureItem = reinterpret_cast<MEASUREITEMSTRUCT*>(item);
+    if (measureItem->CtlID != IDC_GROUP_LIST && measureItem->CtlID != IDC_TRACK_LIST) {
+        return FALSE;
+    }
+    if (CTitleList* list = ListOf(measureItem->CtlID)) {
+        list->OnMeasureItem(measureItem);
+    }
+    return TRUE;
+}
+
+BOOL EditorPane::OnCommand(WPARAM wParam) {
+    CTitleList* list = ListOf(LOWORD(wParam));
+    if (list == nullptr || HIWORD(wParam) != LBN_SELCHANGE) {
+        return FALSE;
+    }
+    list->OnSelChange();
+    return TRUE;
+}
+
 void EditorPane::OnPaneRequest(WPARAM code, LPARAM argument) {
-    if (code == UC_FOCUS_LOST) {
-        focusControl = reinterpret_cast<HWND>(argument);
+    switch (code) {
+        case UC_FOCUS_LOST: focusControl = reinterpret_cast<HWND>(argument); break;
+        case UC_GROUP_CHANGED: currentGroup = static_cast<GroupId>(argument); break;
+        default: break;
     }
 }
 
@@ -113,6 +177,13 @@ void EditorPane::RestoreFocus() {
 }
 
 void EditorPane::Destroy() {
+    if (groupList) {
+        groupList->SetStore(nullptr);
+    }
+    if (trackList) {
+        trackList->SetStore(nullptr);
+    }
+    titleStore.reset();
     syncButton.reset();
     stopButton.reset();
     DestroyLists();

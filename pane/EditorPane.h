@@ -5,9 +5,11 @@
 
 #include <memory>
 
+#include "CListLeft.h"
+#include "CListRight.h"
 #include "StopButton.h"
 #include "SyncButton.h"
-#include "WindowBase.h"
+#include "TitleStore.h"
 
 class MessageService;
 
@@ -45,18 +47,25 @@ public:
 private:
     static INT_PTR CALLBACK PaneDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
     void OnInitDialog(HWND dialog);
+    bool CreateList(CTitleList& list, HWND dialog, int id);
+    CTitleList* ListOf(UINT id) const;
+    BOOL OnDrawItem(LPARAM item);
+    BOOL OnMeasureItem(LPARAM item);
+    BOOL OnCommand(WPARAM wParam);
     void OnPaneRequest(WPARAM code, LPARAM argument);
     void DestroyLists();
 
     HWND hMainWnd = nullptr;
     HWND hDlg = nullptr;
     HWND focusControl = nullptr;  // gets the focus back
-    std::unique_ptr<WindowBase> groupList;
-    std::unique_ptr<WindowBase> trackList;
+    std::unique_ptr<CListLeft> groupList;
+    std::unique_ptr<CListRight> trackList;
     std::unique_ptr<SyncButton> syncButton;
     std::unique_ptr<StopButton> stopButton;
     MessageService* messageService = nullptr;
-    LONG dialogReady = 0;  // OnInitDialog came to its end
+    std::unique_ptr<TitleStore> titleStore;
+    GroupId currentGroup = -1;  // that the pane works on
+    LONG dialogReady = 0;       // OnInitDialog came to its end
 };
 
 // The one pane, for its dialog procedure.

@@ -1,0 +1,151 @@
+#include "ListsHost.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "Harness.h"
+#include "MessageLog.h"
+#include "PaneRequests.h"
+#include "resource.h"
+
+namespace {
+
+ListsHost* host = nullptr;
+
+constexpr int kListTop = 40;
+constexpr int kListLeft = 2;
+
+CTitleList* ListOf(UINT id) {
+    return id == IDC_GROUP_LIST   ? static_cast<CTitleList*>(&host->groupList)
+           : id == IDC_TRACK_LIST ? &host->trackList
+                                  : nullptr;
+}
+
+}  // namespace
+
+ListsHost::ListsHost() {
+    host = this;
+    main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400);
+    pane_ = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_PANE), main_, PaneProc, 0);
+    RECT client = {};
+    GetClientRect(main_, &client);
+    MoveWindow(pane_, 0, 0, client.right, client.bottom, TRUE);
+    ShowWindow(pane_, SW_SHOW);
+    for (CTitleList* list : {static_cast<CTitleList*>(&groupList), static_cast<CTitleList*>(&trackList)}) {
+        EXPECT_EQ(list->StartWorker(), 1);
+    }
+    EXPECT_EQ(groupList.AttachDlgItem(pane_, IDC_GROUP_LIST), 1);
+    EXPECT_EQ(trackList.AttachDlgItem(pane_, IDC_TRACK_LIST), 1);
+    groupList.SetStore(&store);
+    trackList.SetStore(&store);
+    groupList.ForgetSelection();
+    groupList.SetTrackList(&trackList);
+    groupList.SetListFont(nullptr);
+    trackList.SetListFont(nullptr);
+    const int width = (client.right - kListLeft) / 2;
+    const int height = client.bottom - kListTop;
+    SetWindowPos(Groups(), HWND_TOP, kListLeft, kListTop, width, height, SWP_FRAMECHANGED | SWP_SHOWWINDOW);
+    SetWindowPos(Tracks(), HWND_TOP, kListLeft + width - 1, kListTop, width, height, SWP_FRAMECHANGED | SWP_SHOWWINDOW);
+    ShowWindow(main_, SW_SHOW);
+    EXPECT_TRUE(BringForward(main_));
+    EXPECT_TRUE(PumpAll());
+}
+
+ListsHost::~ListsHost() {
+    groupList.SetStore(nullptr);
+    trackList.SetStore(nullptr);
+    groupList.SetTrackList(nullptr);
+    DestroyWindow(main_);
+    host = nullptr;
+}
+
+void ListsHost::AddDisc(int disc, int tracks) {
+    char title[kTitleSize];
+    std::snprintf(title, sizeof title, "Disc %d", disc);
+    store.StoreReceived(disc, 0, title);
+    for (int track = 1; track <= tracks; ++track) {
+        std::snprintf(title, sizeof title, "Disc %d, Track %d", disc, track);
+        store.StoreReceived(disc, track, title);
+    }
+}
+
+void ListsHost::AddAlbum(int album, int tracks) {
+    char title[kTitleSize];
+    std::snprintf(title, sizeof title, "Album %d", album);
+    store.StoreReceived(AlbumGroup(album), 0, title);
+    for (int track = 1; track <= tracks; ++track) {
+        std::snprintf(title, sizeof title, "Album %d, Track %d", album, track);
+        store.StoreReceived(AlbumGroup(album), track, title);
+    }
+}
+
+bool ListsHost::Refill(GroupId group) {
+    groupList.RequestRefill(group);
+    trackList.RequestRefill(group);
+    return Settle();
+}
+
+bool ListsHost::Settle() {
+    // The end of the groups' refill may bring about one of the tracks.
+    const auto isStill = [this] { return !groupList.IsRefilling() && !trackList.IsRefilling(); };
+    do {
+        if (!PumpUntil(isStill) || !PumpAll()) {
+            return false;
+        }
+    } while (!isStill());
+    return true;
+}
+
+std::string ListsHost::Rows(HWND list) {
+    std::string rows;
+    const LRESULT count = SendMessageA(list, LB_GETCOUNT, 0, 0);
+    for (LRESULT row = 0; row < count; ++row) {
+        char text[256] = "";
+        SendMessageA(list, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text));
+        rows += text;
+        rows += '\n';
+    }
+    std::replace(rows.begin(), rows.end(), '\t', '|');
+    return rows;
+}
+
+int ListsHost::Selected(HWND list) {
+    return static_cast<int>(SendMessageA(list, LB_GETCURSEL, 0, 0));
+}
+
+INT_PTR CALLBACK ListsHost::PaneProc(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+    return host != nullptr && host->pane_ != nullptr ? host->OnPane(message, wParam, lParam) : FALSE;
+}
+
+INT_PTR ListsHost::OnPane(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_DRAWITEM: {
+            const auto& item = *reinterpret_cast<DRAWITEMSTRUCT*>(lParam);
+            SendMessageA(GetDlgItem(pane_, static_cast<int>(item.CtlID)), WM_DRAWITEM, 0, lParam);
+            return FALSE;
+        }
+        case WM_MEASUREITEM: {
+            auto* item = reinterpret_cast<MEASUREITEMSTRUCT*>(lParam);
+            ListOf(item->CtlID)->OnMeasureItem(item);
+            if (onMeasure) {
+                onMeasure(item->CtlID);
+            }
+            return TRUE;
+        }
+        case WM_COMMAND:
+            if (CTitleList* list = ListOf(LOWORD(wParam)); list != nullptr && HIWORD(wParam) == LBN_SELCHANGE) {
+                list->OnSelChange();
+                return TRUE;
+            }
+            return FALSE;
+        case WM_USER:
+            requests.push_back({wParam, lParam});
+            if (wParam == UC_GROUP_CHANGED && fillsTracks) {
+                trackList.RequestRefill(static_cast<GroupId>(lParam));
+            }
+            return TRUE;
+        default: return FALSE;
+    }
+}

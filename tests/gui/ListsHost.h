@@ -1,0 +1,59 @@
+// Both lists in a dialog of their own, on a store that the test fills: what the pane does for them, and a log of what they
+// tell it.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "CListLeft.h"
+#include "CListRight.h"
+#include "TitleStore.h"
+
+// A window of 600 by 400 pixels, in front, with the pane's dialog in it and the lists where the pane has them. On the test's
+// own thread.
+class ListsHost {
+public:
+    ListsHost();
+    ~ListsHost();
+    ListsHost(const ListsHost&) = delete;
+    ListsHost& operator=(const ListsHost&) = delete;
+
+    // With "Disc 2" and "Disc 2, Track 1" and so on as titles.
+    void AddDisc(int disc, int tracks);
+    void AddAlbum(int album, int tracks);
+    // Has both lists filled anew, with that group selected, and waits until the rows stand and are painted.
+    bool Refill(GroupId group);
+    // Waits until no refill is asked for and nothing is left to do.
+    bool Settle();
+
+    // The texts of all rows, fields separated by "|", with "&" as it is on the row.
+    static std::string Rows(HWND list);
+    static int Selected(HWND list);
+
+    HWND Main() const { return main_; }
+    HWND Pane() const { return pane_; }
+    HWND Groups() const { return GetDlgItem(pane_, 1000); }
+    HWND Tracks() const { return GetDlgItem(pane_, 1001); }
+
+    TitleStore store;
+    CListLeft groupList;
+    CListRight trackList;
+
+    struct Request {
+        WPARAM code;
+        LPARAM argument;
+    };
+    std::vector<Request> requests;           // WM_USER to the pane, in its order
+    std::function<void(UINT id)> onMeasure;  // a row of that list is measured
+    bool fillsTracks = true;  // a change of group is answered with a refill of the tracks, as when they are there
+
+private:
+    static INT_PTR CALLBACK PaneProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    INT_PTR OnPane(UINT message, WPARAM wParam, LPARAM lParam);
+
+    HWND main_;
+    HWND pane_ = nullptr;
+};

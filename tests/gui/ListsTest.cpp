@@ -1,0 +1,245 @@
+// The rows of both lists: what they say, which are there, and which is selected after a refill.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "Harness.h"
+#include "ListsHost.h"
+#include "MessageLog.h"
+#include "PaneRequests.h"
+
+TEST(ListsTest, RowsSayWhatTheStoreHolds) {
+    ListsHost host;
+    host.AddDisc(2, 3);
+    host.store.StoreReceived(2, 2, nullptr);
+    host.store.EditTitle(2, 3, "&&a &");
+    host.store.StoreReceived(5, 0, "");
+    host.store.StoreReceived(6, 0, nullptr);
+    host.store.StoreReceived(999, 0, "&&&&&&&&&&&&&&&&&&&&&&&&&&&&&&&&");
+    host.AddAlbum(1, 1);
+    host.AddAlbum(999, 0);
+    ASSERT_TRUE(host.Refill(2));
+    EXPECT_EQ(ListsHost::Rows(host.Groups()),
+              "Dsc|2|Disc 2\nDsc|5|\nDsc|999|" + std::string(64, '&') + "\nAlb|1|Album 1\nAlb|999|Album 999\n")
+        << "blanks are a title, none is no row";
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|1|Disc 2, Track 1\nTr|3|&&&&a &&\n");
+    EXPECT_EQ(host.groupList.FindGroupRow(5), 1);
+    EXPECT_EQ(host.groupList.FindGroupRow(AlbumGroup(999)), 4);
+    EXPECT_EQ(host.groupList.FindGroupRow(6), -1);
+    EXPECT_EQ(host.groupList.FindGroupRow(0), -1);
+    EXPECT_EQ(host.trackList.FindTrackRow(2, 3), 1);
+    EXPECT_EQ(host.trackList.FindTrackRow(2, 2), -1);
+    EXPECT_EQ(host.trackList.FindTrackRow(3, 3), -1);
+    GroupId group = 0;
+    TrackNo track = 0;
+    EXPECT_EQ(host.trackList.GetSelectedIds(&group, &track), 1);
+    EXPECT_EQ(group, 2);
+    EXPECT_EQ(track, 1);
+}
+
+TEST(ListsTest, ARefillKeepsTheGroupWhereverItsRowIs) {
+    ListsHost host;
+    for (const int disc : {10, 20, 30}) {
+        host.AddDisc(disc, 2);
+    }
+    ASSERT_TRUE(host.Refill(30));
+    EXPECT_EQ(ListsHost::Selected(host.Groups()), 2);
+    host.AddDisc(5, 1);
+    ASSERT_TRUE(host.Refill(30));
+    EXPECT_EQ(ListsHost::Selected(host.Groups()), 3);
+    EXPECT_EQ(host.groupList.SelectedRow(), 3);
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|1|Disc 30, Track 1\nTr|2|Disc 30, Track 2\n");
+
+    // A group that is gone leaves the first row selected, and the tracks follow.
+    host.store.ClearGroup(30);
+    ASSERT_TRUE(host.Refill(30));
+    EXPECT_EQ(ListsHost::Selected(host.Groups()), 0);
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|1|Disc 5, Track 1\n");
+    ASSERT_FALSE(host.requests.empty());
+
+    host.store.ResetAll();
+    ASSERT_TRUE(host.Refill(5));
+    EXPECT_EQ(ListsHost::Rows(host.Groups()), "");
+    EXPECT_EQ(host.groupList.SelectedRow(), 0);
+    EXPECT_EQ(host.groupList.GetSelectedIds(nullptr, nullptr), 0);
+    EXPECT_EQ(host.groupList.BeginEdit(), 0);
+}
+
+TEST(ListsTest, RangesChooseTheRows) {
+    ListsHost host;
+    for (int number = 1; number <= 5; ++number) {
+        host.AddDisc(number, 5);
+        host.AddAlbum(number, 1);
+    }
+    DisplayRanges ranges;
+    ranges.DiscFrom = 2;
+    ranges.DiscTo = 3;
+    ranges.AlbumFrom = 0;
+    ranges.AlbumTo = 0;
+    ranges.TrackFrom = 4;
+    ranges.TrackTo = 4;
+    host.groupList.SetDisplayRanges(ranges);
+    host.trackList.SetDisplayRanges(ranges);
+    ASSERT_TRUE(host.Refill(5));
+    EXPECT_EQ(ListsHost::Rows(host.Groups()), "Dsc|2|Disc 2\nDsc|3|Disc 3\n");
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|4|Disc 2, Track 4\n");
+    ranges.DiscFrom = 0;
+    ranges.DiscTo = 0;
+    ranges.AlbumFrom = 5;
+    ranges.AlbumTo = 999;
+    host.groupList.SetDisplayRanges(ranges);
+    ASSERT_TRUE(host.Refill(2));
+    EXPECT_EQ(ListsHost::Rows(host.Groups()), "Alb|5|Album 5\n");
+}
+
+TEST(ListsTest, TheTracksFollowTheSelectedGroup) {
+    ListsHost host;
+    host.AddDisc(1, 2);
+    host.AddDisc(2, 1);
+    host.AddDisc(3, 0);
+    ASSERT_TRUE(host.Refill(1));
+    host.requests.clear();
+    SetFocus(host.Groups());
+    PressKeys({VK_DOWN});
+    ASSERT_TRUE(PumpUntil([&] { return ListsHost::Rows(host.Tracks()) == "Tr|1|Disc 2, Track 1\n"; }));
+    ASSERT_TRUE(PumpAll());
+    ASSERT_FALSE(host.requests.empty());
+    EXPECT_EQ(host.requests[0].code, UC_GROUP_CHANGED);
+    EXPECT_EQ(host.requests[0].argument, 2);
+
+    host.fillsTracks = false;
+    PressKeys({VK_UP});
+    ASSERT_TRUE(PumpUntil([&] { return host.groupList.SelectedRow() == 0; }) && PumpAll());
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "") << "until the pane says that the tracks are there";
+    host.trackList.RequestRefill(1);
+    ASSERT_TRUE(host.Settle());
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|1|Disc 1, Track 1\nTr|2|Disc 1, Track 2\n");
+
+    // The selection in the tracks is nobody else's business, and stays where it is as long as the group does.
+    SendMessageA(host.Tracks(), LB_SETCURSEL, 1, 0);
+    host.trackList.OnSelChange();
+    ASSERT_TRUE(host.Refill(1));
+    EXPECT_EQ(ListsHost::Selected(host.Tracks()), 1);
+    EXPECT_EQ(host.groupList.SelectedRow(), 0);
+    host.fillsTracks = true;
+    SetFocus(host.Groups());
+    PressKeys({VK_END});
+    ASSERT_TRUE(PumpUntil([&] { return host.groupList.SelectedRow() == 2; }) && host.Settle());
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "");
+    EXPECT_EQ(host.requests.back().code, UC_MESSAGE_LINE) << "also where there is nothing to show";
+    EXPECT_EQ(host.requests.back().argument, 0);
+}
+
+TEST(ListsTest, LosingTheFocusIsTold) {
+    ListsHost host;
+    SetFocus(host.Groups());
+    ASSERT_TRUE(PumpAll());
+    host.requests.clear();
+    SetFocus(host.Tracks());
+    ASSERT_TRUE(PumpAll());
+    ASSERT_EQ(host.requests.size(), 1U);
+    EXPECT_EQ(host.requests[0].code, UC_FOCUS_LOST);
+    EXPECT_EQ(host.requests[0].argument, reinterpret_cast<LPARAM>(host.Groups()));
+}
+
+TEST(ListsTest, TheFontSetsTheColumns) {
+    ListsHost host;
+    host.AddDisc(1, 1);
+    const auto fontOf = [&] {
+        LOGFONTA font = {};
+        GetObjectA(reinterpret_cast<HFONT>(SendMessageA(host.Groups(), WM_GETFONT, 0, 0)), sizeof font, &font);
+        return font;
+    };
+    LOGFONTA large = fontOf();
+    const LONG before = large.lfHeight;
+    large.lfHeight = -30;
+    host.groupList.SetListFont(&large);
+    EXPECT_EQ(fontOf().lfHeight, -30);
+    ASSERT_TRUE(host.Refill(1));
+    EXPECT_GT(SendMessageA(host.Groups(), LB_GETITEMHEIGHT, 0, 0), 30);
+    // One without a name changes nothing.
+    LOGFONTA nameless = large;
+    nameless.lfHeight = before;
+    nameless.lfFaceName[0] = '\0';
+    host.groupList.SetListFont(&nameless);
+    EXPECT_EQ(fontOf().lfHeight, -30);
+}
+
+// --- Refills that are overtaken: each row is measured by the pane, which is a moment in the middle of the fill.
+
+TEST(RefillTest, ARequestOvertakesTheOneBefore) {
+    ListsHost host;
+    for (int disc = 1; disc <= 200; ++disc) {
+        host.AddDisc(disc, 99);
+    }
+    ASSERT_TRUE(host.Refill(1));
+    host.groupList.RequestRefill(150);
+    bool isInterrupted = false;
+    host.onMeasure = [&](UINT id) {
+        if (id == 1000 && !isInterrupted && SendMessageA(host.Groups(), LB_GETCOUNT, 0, 0) > 50) {
+            isInterrupted = true;
+            host.store.ClearGroup(1);
+            host.groupList.RequestRefill(120);
+        }
+    };
+    ASSERT_TRUE(PumpUntil([&] { return isInterrupted; }) && host.Settle());
+    EXPECT_EQ(SendMessageA(host.Groups(), LB_GETCOUNT, 0, 0), 199);
+    EXPECT_EQ(host.groupList.SelectedRow(), 118);
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()).substr(0, 14), "Tr|1|Disc 120,");
+}
+
+TEST(RefillTest, AnotherGroupLeavesNoRowsOfTheOld) {
+    ListsHost host;
+    host.AddDisc(1, 99);
+    host.AddDisc(2, 1);
+    ASSERT_TRUE(host.Refill(1));
+    host.fillsTracks = false;
+    host.trackList.RequestRefill(1);
+    bool isInterrupted = false;
+    host.onMeasure = [&](UINT id) {
+        if (id == 1001 && !isInterrupted && SendMessageA(host.Tracks(), LB_GETCOUNT, 0, 0) > 50) {
+            isInterrupted = true;
+            SendMessageA(host.Groups(), LB_SETCURSEL, 1, 0);
+            host.groupList.OnSelChange();
+        }
+    };
+    ASSERT_TRUE(PumpUntil([&] { return isInterrupted; }) && host.Settle());
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "");
+    EXPECT_TRUE(IsWindowVisible(host.Tracks())) << "it can be painted though no refill follows";
+    host.trackList.RequestRefill(2);
+    ASSERT_TRUE(host.Settle());
+    EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|1|Disc 2, Track 1\n");
+}
+
+TEST(RefillTest, TheStoreMayGoInTheMiddle) {
+    auto store = std::make_unique<TitleStore>();
+    ListsHost host;
+    for (int disc = 1; disc <= 500; ++disc) {
+        store->StoreReceived(disc, 0, "a title");
+    }
+    host.groupList.SetStore(store.get());
+    host.groupList.RequestRefill(1);
+    bool isInterrupted = false;
+    host.onMeasure = [&](UINT) { isInterrupted = true; };
+    ASSERT_TRUE(PumpUntil([&] { return isInterrupted; }));
+    host.groupList.SetStore(nullptr);
+    store.reset();
+    EXPECT_FALSE(host.groupList.IsRefilling());
+    host.groupList.RequestRefill(1);
+    ASSERT_TRUE(PumpAll());
+    EXPECT_EQ(host.groupList.StoreTitle(1, 0, "x"), 0);
+    EXPECT_EQ(host.groupList.BeginEdit(), 0);
+}
+
+TEST(RefillTest, TheWindowMayGoInTheMiddle) {
+    ListsHost host;
+    for (int disc = 1; disc <= 500; ++disc) {
+        host.AddDisc(disc, 0);
+    }
+    bool isInterrupted = false;
+    host.onMeasure = [&](UINT) { isInterrupted = true; };
+    host.groupList.RequestRefill(1);
+    ASSERT_TRUE(PumpUntil([&] { return isInterrupted; }));
+    DestroyWindow(host.Main());
+}

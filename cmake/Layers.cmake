@@ -26,3 +26,11 @@ function(add_layer name)
     target_link_libraries(${name} PRIVATE tesselia_options)
   endif()
 endfunction()
+
+# precompile(target headers...)
+# Large headers once for the target, where everything is built a second time: the first build stays as clang-tidy reads it.
+function(precompile target)
+  if(TESSELIA_SANITIZE)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()

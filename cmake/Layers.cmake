@@ -28,9 +28,15 @@ function(add_layer name)
 endfunction()
 
 # precompile(target headers...)
-# Large headers once for the target, where everything is built a second time: the first build stays as clang-tidy reads it.
+# Large headers once for the target. Not in the build that clang-tidy reads, which cannot use another compiler's.
 function(precompile target)
   if(TESSELIA_SANITIZE)
     target_precompile_headers(${target} PRIVATE ${ARGN})
   endif()
+endfunction()
+
+# build_tests_fast(target)
+# Test code is built often and runs once.
+function(build_tests_fast target)
+  target_compile_options(${target} PRIVATE -O0)
 endfunction()

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLockFile>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 
@@ -29,10 +30,11 @@ void WritePage(const QString& folder, const char* language, const char* title) {
     page.write(QByteArray("<html><head><title>") + title + "</title></head><body><a href=\"a.html\">A</a></body></html>");
 }
 
-// The pages are beside this very program.
+// The pages are beside this very program, so that only one case may have them at a time.
 class HelpViewer : public testing::Test {
 protected:
     HelpViewer() {
+        EXPECT_TRUE(lock_.lock());
         desktop::OfferHelp();
         HMODULE library = LoadLibraryA("hhctrl.ocx");
         help_ = reinterpret_cast<HtmlHelp>(reinterpret_cast<void (*)()>(GetProcAddress(library, MAKEINTRESOURCEA(14))));
@@ -56,6 +58,7 @@ protected:
         return nullptr;
     }
 
+    QLockFile lock_{QCoreApplication::applicationDirPath() + "/help-tests.lock"};
     HtmlHelp help_ = nullptr;
 };
 

@@ -25,9 +25,9 @@ void DrawButton(Canvas& canvas, const QRect& box, bool pushed) {
     canvas.Fill(box.adjusted(1, 1, -1, -1), System(COLOR_BTNFACE));
 }
 
-// A triangle of whole rows, each two pixels wider than the one nearer to its tip, half as high as the button or less.
+// A triangle of whole rows, each two pixels wider than the one nearer to its tip, a third as high as the button or less.
 void DrawArrow(Canvas& canvas, const QRect& box, QPoint offset, bool down) {
-    const int rows = std::max(1, std::min(box.width(), box.height() * 2) / 4);
+    const int rows = std::max(1, std::min(box.width(), box.height()) / 3);
     const int middle = box.left() + (box.width() - 1) / 2;
     const int top = box.top() + (box.height() - rows) / 2;
     for (int row = 0; row < rows; ++row) {

@@ -2,7 +2,9 @@
 #include "MessageQueue.h"
 
 #include <algorithm>
+#include <chrono>
 #include <new>
+#include <thread>
 
 #include "MessageState.h"
 
@@ -12,6 +14,14 @@ constexpr std::size_t kMostPosted = 10000;
 // Beside the QS_ flags: a message that this thread has sent is answered.
 constexpr UINT kAnswer = 0x80000000;
 constexpr UINT kScreenKinds = QS_INPUT | QS_PAINT;
+
+using Clock = std::chrono::steady_clock;
+
+// Who fills a window from another thread sends thousands of messages in a row, each behind the answer to the one before. To
+// sleep and wake for each of them takes ten times as long as the messages themselves, so both sides look for the next one
+// for a moment first; the screen gets its turn in between.
+constexpr auto kSpin = std::chrono::microseconds(50);
+constexpr auto kBurst = std::chrono::milliseconds(5);
 
 }  // namespace
 
@@ -72,6 +82,7 @@ bool MessageQueue::Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 }
 
 void MessageQueue::AddSent(SentMessage& message) {
+    message.isToScreen = screen != nullptr;
     sent.push_back(&message);
     Arrived(QS_SENDMESSAGE);
 }
@@ -114,6 +125,28 @@ bool MessageQueue::ServeSent() {
     return true;
 }
 
+void MessageQueue::ServeBurst() {
+    if (!ServeSent()) {
+        return;
+    }
+    const auto end = Clock::now() + kBurst;
+    do {
+        while (ServeSent()) {}
+    } while (screen != nullptr && Clock::now() < end && Spin(QS_SENDMESSAGE));
+}
+
+// Waits awake; false if nothing of the kinds has come. With a single processor nothing could.
+bool MessageQueue::Spin(UINT kinds) const {
+    static const bool hasOthers = std::thread::hardware_concurrency() > 1;
+    const auto end = Clock::now() + kSpin;
+    while (hasOthers && Clock::now() < end) {
+        if ((newKinds & kinds) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 LRESULT MessageQueue::WaitForAnswer(const SentMessage& message) {
     for (;;) {
         {
@@ -124,7 +157,7 @@ LRESULT MessageQueue::WaitForAnswer(const SentMessage& message) {
             }
             newKinds &= ~kAnswer;
         }
-        if (!ServeSent()) {
+        if (!ServeSent() && !(message.isToScreen && Spin(QS_SENDMESSAGE | kAnswer))) {
             Sleep(QS_SENDMESSAGE | kAnswer, 0, nullptr, INFINITE);
         }
     }
@@ -136,7 +169,7 @@ bool MessageQueue::Look(MSG& found, const MessageFilter& filter, UINT kinds, boo
         screen->Poll();
     }
     for (;;) {
-        while (ServeSent()) {}
+        ServeBurst();
         {
             const MessageLock state;
             if (!sent.empty()) {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <deque>
 
 #include "MessageFilter.h"
@@ -19,6 +20,7 @@ struct SentMessage {
     WPARAM wParam;
     LPARAM lParam;
     MessageQueue& sender;
+    bool isToScreen = false;  // the window's thread has a desktop
     LRESULT result = 0;
     bool answered = false;
 };
@@ -85,6 +87,8 @@ private:
     DWORD WaitForInput(UINT kinds, DWORD count, const HANDLE* handles, DWORD milliseconds);
     bool TakeTimer(MSG& found, const MessageFilter& filter, bool remove);
     bool IsNew(UINT kinds);
+    void ServeBurst();
+    bool Spin(UINT kinds) const;
 
     const DWORD threadId;
     QueueWait wait;
@@ -95,7 +99,8 @@ private:
     // Under the lock, by any thread.
     std::deque<MSG> posted;         // oldest first
     std::deque<SentMessage*> sent;  // oldest first, not yet served
-    UINT newKinds = 0;              // QS_ flags, and kAnswer
-    UINT awaited = 0;               // of these the ones that end the sleep under way; 0 while awake
-    bool sleepsInScreen = false;    // where that sleep is
+    // QS_ flags, and kAnswer. The queue's own thread reads it without the lock as well.
+    std::atomic<UINT> newKinds = 0;
+    UINT awaited = 0;             // of these the ones that end the sleep under way; 0 while awake
+    bool sleepsInScreen = false;  // where that sleep is
 };

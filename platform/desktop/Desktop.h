@@ -29,6 +29,7 @@ struct InputEvent {
     UINT message = 0;  // of the mouse; WM_KEYDOWN or WM_KEYUP of a key
     int virtualKey = 0;
     bool repeated = false;
+    bool elsewhere = false;  // another program hears of this key
     std::string text;      // bytes of the code page that the key means, or that an input method has made
     POINT screen{0, 0};    // where the pointer is
     WPARAM mouseKeys = 0;  // MK_ flags

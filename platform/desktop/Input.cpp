@@ -138,6 +138,7 @@ void Desktop::ReleaseKeys() {
         release.kind = InputEvent::Kind::kKey;
         release.message = WM_KEYUP;
         release.virtualKey = key;
+        release.elsewhere = true;
         AddInput(std::move(release));
     }
 }
@@ -181,7 +182,7 @@ bool Desktop::ToMessage(const InputEvent& event, MSG& message) {
     message.time = event.timeMs;
     message.pt = event.screen;
     switch (event.kind) {
-        case InputEvent::Kind::kKey: return KeyMessage(event, message);
+        case InputEvent::Kind::kKey: return !event.elsewhere && KeyMessage(event, message);
         case InputEvent::Kind::kText:
             message.hwnd = focus;
             message.message = WM_CHAR;

@@ -3,6 +3,7 @@
 
 #include <new>
 
+#include "MessageService.h"
 #include "PaneRequests.h"
 #include "resource.h"
 
@@ -51,11 +52,11 @@ int EditorPane::Create(HWND parent) {
     thePane = this;
     auto* instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(parent, GWLP_HINSTANCE));
     hDlg = CreateDialogParamA(instance, MAKEINTRESOURCEA(IDD_PANE), parent, PaneDlgProc, 0);
-    if (hDlg == nullptr || !groupList || !trackList || dialogReady == 0) {
+    if (hDlg == nullptr || !groupList || !trackList || !dialogReady) {
         return 0;
     }
     ShowWindow(hDlg, SW_SHOW);
-    return 1;
+    return groupWorker.Start(GroupWorkerStep, reinterpret_cast<LPARAM>(this)) ? 1 : 0;
 }
 
 INT_PTR CALLBACK EditorPane::PaneDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -68,12 +69,17 @@ INT_PTR CALLBACK EditorPane::PaneDlgProc(HWND dialog, UINT message, WPARAM wPara
         case WM_DRAWITEM: return thePane->OnDrawItem(lParam);
         case WM_MEASUREITEM: return thePane->OnMeasureItem(lParam);
         case WM_COMMAND: return thePane->OnCommand(wParam);
+        case WM_TIMER: return thePane->OnTimer(wParam);
         case WM_USER: thePane->OnPaneRequest(wParam, lParam); return TRUE;
+        case LM_RESULT: thePane->OnLinkResult(wParam, lParam); return TRUE;
+        case LM_PROGRESS: thePane->OnLinkProgress(wParam, lParam); return TRUE;
         default: return FALSE;
     }
 }
 
+// Before the call that makes the dialog has given its handle.
 void EditorPane::OnInitDialog(HWND dialog) {
+    hDlg = dialog;
     titleStore.reset(new (std::nothrow) TitleStore);
     if (!titleStore) {
         return;
@@ -84,6 +90,7 @@ void EditorPane::OnInitDialog(HWND dialog) {
     // The template's word is never seen.
     SetDlgItemTextA(dialog, IDC_MESSAGE_LINE, "");
     ShowWindow(GetDlgItem(dialog, IDC_MESSAGE_LINE), SW_SHOW);
+    line.Attach(dialog, IDC_MESSAGE_LINE);
     groupList.reset(new (std::nothrow) CListLeft);
     trackList.reset(new (std::nothrow) CListRight);
     if (!groupList || !trackList || !CreateList(*groupList, dialog, IDC_GROUP_LIST) ||
@@ -92,9 +99,8 @@ void EditorPane::OnInitDialog(HWND dialog) {
     }
     groupList->ForgetSelection();
     groupList->SetTrackList(trackList.get());
-    groupList->SetListFont(nullptr);
-    trackList->SetListFont(nullptr);
-    dialogReady = 1;
+    InitFont();
+    dialogReady = true;
 }
 
 bool EditorPane::CreateList(CTitleList& list, HWND dialog, int id) {
@@ -145,13 +151,73 @@ BOOL EditorPane::OnCommand(WPARAM wParam) {
     return TRUE;
 }
 
+BOOL EditorPane::OnTimer(WPARAM id) {
+    if (id != MessageLine::kTimer) {
+        return FALSE;
+    }
+    line.OnTimer();
+    return TRUE;
+}
+
 void EditorPane::OnPaneRequest(WPARAM code, LPARAM argument) {
     switch (code) {
         case UC_FOCUS_LOST: focusControl = reinterpret_cast<HWND>(argument); break;
         case UC_GROUP_CHANGED: currentGroup = static_cast<GroupId>(argument); break;
+        case UC_MESSAGE_LINE: line.Set(static_cast<int>(argument), -1, -1); break;
+        case UC_SYNC: OnTransferCommand(IDM_SEND_GROUP); break;
+        case UC_STOP: OnTransferCommand(IDM_STOP); break;
         default: break;
     }
 }
+
+// --- What is selected, and what can be used
+
+GroupId EditorPane::GetSelectedGroup() const {
+    GroupId group = -1;
+    return groupList && groupList->GetSelectedIds(&group, nullptr) != 0 ? group : -1;
+}
+
+GroupId EditorPane::CurrentGroupForSaving() {
+    if (groupList && titleStore) {
+        currentGroup = GetSelectedGroup();
+    }
+    return currentGroup;
+}
+
+void EditorPane::EndInlineEdits() const {
+    for (const int id : {IDC_GROUP_LIST, IDC_TRACK_LIST}) {
+        SendMessageA(Control(id), WM_USER, UC_END_EDIT, 0);
+    }
+}
+
+// Stop is never disabled.
+void EditorPane::SetControlsEnabled(BOOL enabled) {
+    EndInlineEdits();
+    if (!enabled) {
+        focusControl = GetFocus();
+    }
+    for (const int id : {IDC_SYNC, IDC_GROUP_LIST, IDC_TRACK_LIST}) {
+        EnableWindow(Control(id), enabled);
+    }
+    if (enabled && focusControl != nullptr) {
+        HWND control = focusControl;
+        focusControl = nullptr;
+        SetFocus(control);
+    }
+}
+
+void EditorPane::PushRanges() {
+    if (deviceLink) {
+        deviceLink->SetDisplayRanges(ranges);
+    }
+    for (CTitleList* list : {ListOf(IDC_GROUP_LIST), ListOf(IDC_TRACK_LIST)}) {
+        if (list != nullptr) {
+            list->SetDisplayRanges(ranges);
+        }
+    }
+}
+
+// --- Places, focus and end
 
 void EditorPane::Layout(int width, int height) {
     MoveWindow(hDlg, 0, 0, width, height, TRUE);
@@ -176,7 +242,16 @@ void EditorPane::RestoreFocus() {
     }
 }
 
+// The watcher goes first, since it uses the link; the link before the titles, which it uses.
 void EditorPane::Destroy() {
+    watchArmed = 0;
+    groupWorker.Stop();
+    if (deviceLink) {
+        deviceLink->SetPaneWindow(nullptr);
+        deviceLink->SetTitleStore(nullptr);
+        deviceLink->Disconnect();
+        deviceLink.reset();
+    }
     if (groupList) {
         groupList->SetStore(nullptr);
     }

@@ -7,13 +7,23 @@
 
 #include "CListLeft.h"
 #include "CListRight.h"
+#include "DeviceLink.h"
+#include "Lock.h"
+#include "MessageLine.h"
+#include "Shared.h"
 #include "StopButton.h"
 #include "SyncButton.h"
 #include "TitleStore.h"
+#include "WorkerThread.h"
 
 class MessageService;
 
-// Holds the controls and the keyboard focus. There is one at a time: thePane. On the thread of the windows.
+// Joins the pieces: the titles, the link to the main unit, the two lists, the buttons and the message line. There is one at
+// a time: thePane. On the thread of the windows, but for the group watcher's step.
+//
+// Titles are fetched by commands, and by the group watcher, which asks for the tracks of a group as soon as it is selected.
+// What the link has to say comes as messages (EditorPaneLink.cpp); what the user wants, as commands
+// (EditorPaneCommands.cpp).
 class EditorPane {
 public:
     EditorPane() = default;
@@ -28,6 +38,9 @@ public:
     // goes with Destroy.
     int Create(HWND parent);
 
+    // Begins the search for the main unit. Gives 1, or 0 if there is nothing to search with.
+    int StartLink();
+
     // Fills the upper left of the main window's client area with that size in pixels. The lists come to the top of the
     // z-order, on which the order of the Tab key rests.
     void Layout(int width, int height);
@@ -35,14 +48,33 @@ public:
     // Gives the focus to the control that lost it last, if there was one.
     void RestoreFocus();
 
-    // May run twice.
+    // Ends the link and every thread, and lets all titles go. May run twice.
     void Destroy();
 
-    // For the menu: 1 or 0. No transfer can run, nothing can be undone and no title be cleared while there is no link, no
-    // store and no title.
-    int IsLinkIdle() const { return 0; }
-    int CanUndoEdit() const { return 0; }
-    int CanClearTitle() const { return 0; }
+    // --- Settings
+    void SetCurrentGroup(GroupId group) { currentGroup = group; }
+    // The group selected now, -1 for none.
+    GroupId CurrentGroupForSaving();
+    // Take effect when the link starts.
+    void SetRanges(const DisplayRanges& newRanges) { ranges = newRanges; }
+    const DisplayRanges& Ranges() const { return ranges; }
+    // Null is ignored. Takes effect by ApplyFont.
+    void SetLogFont(const LOGFONTA* description);
+    void GetLogFont(LOGFONTA* description) const;
+    // Gives the lists the font of the description; one that cannot be made changes nothing.
+    void ApplyFont();
+
+    // --- The menu, by command id: IDM_UNDO, IDM_CLEAR and IDM_ENTER; those of the View menu but for the font; IDM_OPTION
+    // and IDM_CONNECTION
+    void OnEditCommand(WORD command);
+    void OnTransferCommand(WORD command);
+    void OnToolCommand(WORD command);
+    void ChooseDisplayFont();
+
+    // 1 or 0.
+    int IsLinkIdle() const;
+    int CanUndoEdit() const;
+    int CanClearTitle() { return ClearTitle(false); }
 
 private:
     static INT_PTR CALLBACK PaneDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
@@ -52,8 +84,42 @@ private:
     BOOL OnDrawItem(LPARAM item);
     BOOL OnMeasureItem(LPARAM item);
     BOOL OnCommand(WPARAM wParam);
+    BOOL OnTimer(WPARAM id);
     void OnPaneRequest(WPARAM code, LPARAM argument);
     void DestroyLists();
+
+    HWND Control(int id) const { return GetDlgItem(hDlg, id); }
+    GroupId GetSelectedGroup() const;
+    void EndInlineEdits() const;
+    void SetControlsEnabled(BOOL enabled);
+    void PushRanges();
+    void ClearLine() { line.Set(MessageLine::kEmpty, -1, -1); }
+
+    // --- The link (EditorPaneLink.cpp)
+    static void GroupWorkerStep(LPARAM pane);
+    void FetchSelectedTracks();
+    void Disarm();
+    void CutOffLink();
+    void ScanNextPort(DWORD data, BYTE status);
+    void RequestAllGroups();
+    void ShowLinkError(BYTE status, UINT defaultId);
+    void OnLinkProgress(WPARAM wParam, LPARAM lParam);
+    void OnLinkResult(WPARAM wParam, LPARAM lParam);
+    void OnConnectResult(BYTE code, BYTE status, DWORD data);
+    void OnGetAllResult(BYTE code, BYTE status);
+    void OnGroupResult(WORD operation, BYTE code, BYTE status);
+    void Connected();
+
+    // --- Commands (EditorPaneCommands.cpp)
+    void BeginTransfer();
+    void StopTransfer();
+    void UndoLastEdit();
+    void ShowUndone(GroupId group, TrackNo track, const char* text);
+    int ClearTitle(bool apply);
+    void EnterKey();
+    void EditDisplayRanges();
+    void Reconnect();
+    void InitFont();
 
     HWND hMainWnd = nullptr;
     HWND hDlg = nullptr;
@@ -64,8 +130,22 @@ private:
     std::unique_ptr<StopButton> stopButton;
     MessageService* messageService = nullptr;
     std::unique_ptr<TitleStore> titleStore;
-    GroupId currentGroup = -1;  // that the pane works on
-    LONG dialogReady = 0;       // OnInitDialog came to its end
+    std::unique_ptr<DeviceLink> deviceLink;
+    MessageLine line;
+    DisplayRanges ranges;
+    bool dialogReady = false;   // OnInitDialog came to its end
+    bool scanning = false;      // the port scan has begun
+    bool firstConnect = false;  // after the connect, fetch all titles
+    int scanPortNumber = 0;     // of the COM port tried last
+    LOGFONTA logFont = {};      // of the lists
+
+    // The watcher looks at all three, and writes fetchedGroup. The lock is around its decision and the start that follows
+    // from it, so that whoever has disarmed it and holds the lock knows that it starts nothing more.
+    CriticalSection watchLock;
+    Shared<LONG> watchArmed = 0;        // the watcher may fetch tracks
+    Shared<GroupId> currentGroup = -1;  // that the pane works on; -1 for none
+    Shared<GroupId> fetchedGroup = -1;  // whose tracks were last asked for; -1 has them fetched
+    WorkerThread groupWorker;
 };
 
 // The one pane, for its dialog procedure.

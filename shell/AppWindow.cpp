@@ -15,8 +15,6 @@ namespace {
 constexpr int kTitleTextSize = 100;
 constexpr char kHelpWindowType[] = "MyWin01";
 
-constexpr int kDefaultWidth = 600;
-constexpr int kDefaultHeight = 450;
 constexpr LONG kMinWidth = 300;
 constexpr LONG kMinHeight = 170;
 
@@ -105,8 +103,12 @@ int AppWindow::OnCreate(HWND window) {
         messageService->ShowError(IDS_ERROR_START);
         return 0;
     }
-    // A place with its centre off the screen: the window is centred.
-    PlaceWindow(window, kDefaultWidth, kDefaultHeight, -kDefaultWidth, -kDefaultHeight);
+    if (LoadSettings(window) == 0) {
+        PlaceWindow(window, kDefaultWidth, kDefaultHeight, kDefaultX, kDefaultY);
+    }
+    editorPane->ApplyFont();
+    // The window is not shown yet while the main unit is looked for.
+    editorPane->StartLink();
     return 1;
 }
 
@@ -121,6 +123,7 @@ void AppWindow::OnDestroy() {
 }
 
 void AppWindow::Shutdown() {
+    SaveSettings();
     // The pane's controls hand the focus back to the main window while they go, which must find no pane then.
     if (const std::unique_ptr<EditorPane> pane = std::move(editorPane)) {
         pane->Destroy();

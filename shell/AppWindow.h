@@ -44,7 +44,13 @@ private:
     void OnSetFocus();
     static void OnGetMinMaxInfo(MINMAXINFO* info);
 
+    // --- Settings (AppWindowSettings.cpp)
+    int LoadSettings(HWND window);
+    void SaveSettings() const;
+
+    // --- Menu (AppWindowCommands.cpp)
     void OnCommand(WORD command);
+    void OnPaneCommand(WORD command);
     void OnMenuSelect(UINT item, UINT flags, HMENU menu);
     void UpdateMenu(HMENU menu);
     void ToggleStatusBar();

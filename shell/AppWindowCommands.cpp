@@ -52,6 +52,27 @@ void AppWindow::OnCommand(WORD command) {
         case IDM_STATUS_BAR: ToggleStatusBar(); break;
         case IDM_HELP_TOPICS: HtmlHelpCall(GetDesktopWindow(), kHelpFile, HH_DISPLAY_TOC, 0); break;
         case IDM_VERSION_INFO: ShowAbout(); break;
+        default:
+            if (editorPane) {
+                OnPaneCommand(command);
+            }
+            break;
+    }
+}
+
+void AppWindow::OnPaneCommand(WORD command) {
+    switch (command) {
+        case IDM_UNDO:
+        case IDM_CLEAR:
+        case IDM_ENTER: editorPane->OnEditCommand(command); break;
+        case IDM_SEND_GROUP:
+        case IDM_GET_ALL:
+        case IDM_SEND_ALL:
+        case IDM_GET_GROUP:
+        case IDM_STOP: editorPane->OnTransferCommand(command); break;
+        case IDM_OPTION:
+        case IDM_CONNECTION: editorPane->OnToolCommand(command); break;
+        case IDM_FONT: editorPane->ChooseDisplayFont(); break;
         default: break;
     }
 }

@@ -28,8 +28,9 @@ void PlaceWindow(HWND window, int width, int height, int x, int y) {
     if (bar != nullptr && GetWindowRect(bar, &barRect)) {
         desktop = DesktopWithoutBar(desktop, barRect);
     }
-    const int centerX = x + width / 2;
-    const int centerY = y + height / 2;
+    // The numbers were stored by whoever may write there, and any of them may come.
+    const long long centerX = static_cast<long long>(x) + width / 2;
+    const long long centerY = static_cast<long long>(y) + height / 2;
     if (centerX >= desktop.left && centerX <= desktop.right && centerY >= desktop.top && centerY <= desktop.bottom) {
         MoveWindow(window, x, y, width, height, TRUE);
     } else {

@@ -1,5 +1,8 @@
 // Windows among each other: parents, siblings, names.
 #include <QString>
+#include <charconv>
+#include <cstring>
+#include <string>
 
 #include "Desktop.h"
 #include "LastError.h"
@@ -144,6 +147,28 @@ int GetDlgCtrlID(HWND window) {
 
 BOOL SetDlgItemTextA(HWND dialog, int id, LPCSTR text) {
     return SetWindowTextA(GetDlgItem(dialog, id), text);
+}
+
+BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL isSigned) {
+    const std::string text = isSigned ? std::to_string(static_cast<int>(value)) : std::to_string(value);
+    return SetDlgItemTextA(dialog, id, text.c_str());
+}
+
+// Blanks in front are passed over; anything behind the digits, or a number too large, makes it no number.
+UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL isSigned) {
+    char text[64] = "";
+    GetDlgItemTextA(dialog, id, text, sizeof text);
+    const char* begin = text + std::strspn(text, " ");
+    const char* end = begin + std::strlen(begin);
+    int number = 0;
+    UINT positive = 0;
+    const std::from_chars_result read =
+        isSigned ? std::from_chars(begin, end, number) : std::from_chars(begin, end, positive);
+    const bool isNumber = begin != end && read.ec == std::errc() && read.ptr == end;
+    if (translated != nullptr) {
+        *translated = isNumber ? TRUE : FALSE;
+    }
+    return !isNumber ? 0 : isSigned ? static_cast<UINT>(number) : positive;
 }
 
 UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size) {

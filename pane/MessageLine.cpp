@@ -1,0 +1,58 @@
+// The line above the lists that tells what is going on with the main unit.
+#include "MessageLine.h"
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+constexpr int kTextSize = 500;
+
+std::string Text(int textId) {
+    char text[kTextSize] = "";
+    if (textId != MessageLine::kEmpty) {
+        LoadStringA(GetModuleHandleA(nullptr), static_cast<UINT>(textId), text, kTextSize);
+    }
+    return text;
+}
+
+// As in " ( Album  12 - Track  3 )".
+std::string Title(GroupId group, TrackNo track) {
+    char place[64] = "";
+    char part[64] = "";
+    if (group > 0) {
+        std::snprintf(place, sizeof place, IsAlbum(group) ? " ( Album %3d" : " ( Disc %3d",
+                      IsAlbum(group) ? AlbumNumber(group) : group);
+        if (track > 0) {
+            std::snprintf(part, sizeof part, " - Track %2d", track);
+        }
+    }
+    return group > 0 ? std::string(place) + part + " )" : "";
+}
+
+}  // namespace
+
+void MessageLine::Attach(HWND dialog, int controlId) {
+    hDlg = dialog;
+    id = controlId;
+}
+
+void MessageLine::Set(int newTextId, GroupId newGroup, TrackNo newTrack) {
+    textId = newTextId;
+    group = newGroup;
+    track = newTrack;
+    if (!dirty) {
+        dirty = SetTimer(hDlg, kTimer, USER_TIMER_MINIMUM, nullptr) != 0;
+    }
+}
+
+void MessageLine::OnTimer() {
+    KillTimer(hDlg, kTimer);
+    dirty = false;
+    const std::string text = Text(textId) + Title(group, track);
+    HWND control = GetDlgItem(hDlg, id);
+    SendMessageA(control, WM_SETREDRAW, FALSE, 0);
+    SetWindowTextA(control, text.c_str());
+    SendMessageA(control, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(control, nullptr, TRUE);
+}

@@ -53,11 +53,11 @@ void CListLeft::Populate(const Refill& refill) {
         if (!IsInDisplayRange(refill.ranges, group, isDisc)) {
             continue;
         }
-        // A group that has just gone from the store keeps an empty row until the next refill.
         char title[kTitleSize] = "";
-        titles->GetTitle(group, 0, title);
-        const char* label = isDisc == 1 ? "Dsc" : "Alb";
-        if (InsertRow(rows, label, isDisc == 1 ? group : AlbumNumber(group), title, group, 0)) {
+        // One that has just gone from the store keeps an empty row until the next refill.
+        const bool isGone = titles->GetTitle(group, 0, title) == 0;
+        const char* label = isGone ? "***" : isDisc == 1 ? "Dsc" : "Alb";
+        if (InsertRow(rows, label, isGone || isDisc == 1 ? group : AlbumNumber(group), title, group, 0)) {
             ++rows;
         }
     }
@@ -68,19 +68,9 @@ void CListLeft::OnRefilled() {
     curSel = row < 0 ? 0 : row;
     curGroup = row < 0 ? -1 : curGroup;
     SelectRow(curSel);
+    FollowEdit();
     PostSelChange();
     RedrawAll();
-}
-
-int CListLeft::FindGroupRow(GroupId group) const {
-    const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; group > 0 && row < count; ++row) {
-        const LRESULT value = SendMessageA(hwnd, LB_GETITEMDATA, static_cast<WPARAM>(row), 0);
-        if (value != LB_ERR && HIWORD(static_cast<DWORD_PTR>(value)) == group) {
-            return static_cast<int>(row);
-        }
-    }
-    return -1;
 }
 
 // --- Selection
@@ -130,27 +120,11 @@ int CListLeft::BeginEdit() {
     return CTitleList::BeginEdit() != 0 ? 1 : 0;
 }
 
-int CListLeft::ApplyTitle(int rowIndex, const char* text) {
-    const TitleStore* titles = store;
-    GroupId group = -1;
-    TrackNo track = 0;
-    if (titles == nullptr || GetSelectedIds(&group, &track) == 0 || titles->GetState(group, track) < TS_RECEIVED ||
-        ReplaceRowText(rowIndex, text) == 0) {
-        return 0;
-    }
-    return StoreTitle(group, track, text);
-}
-
 // Enter carries the user on to the first track.
 int CListLeft::EndEdit() {
     if (CTitleList::EndEdit() == 0) {
         return 0;
     }
-    GroupId group = -1;
-    if (store == nullptr || GetSelectedIds(&group, nullptr) == 0) {
-        return 0;
-    }
-    const int result = StoreTitle(group, 0, editText);
     if (enterCommitted) {
         if (trackList != nullptr) {
             trackList->SelectRow(0);
@@ -159,7 +133,7 @@ int CListLeft::EndEdit() {
         PostMessageA(hwnd, WM_KEYDOWN, VK_TAB, 0);
     }
     enterCommitted = false;
-    return result;
+    return 1;
 }
 
 // --- Painting

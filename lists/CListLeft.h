@@ -17,11 +17,10 @@ public:
     // Selects the group's row when the rows stand, or the first row if the group has none.
     void RequestRefill(GroupId group) override;
     // The row of a group, -1 if it has none.
-    int FindGroupRow(GroupId group) const;
+    int FindGroupRow(GroupId group) const { return FindRow(group, 0); }
 
     int BeginEdit() override;
     int EndEdit() override;
-    int ApplyTitle(int rowIndex, const char* text) override;
     void OnDrawItem(DRAWITEMSTRUCT* item) override;
     void OnNcPaint(HRGN region) override;
     void OnSelChange() override;
@@ -29,6 +28,7 @@ public:
 protected:
     void Populate(const Refill& refill) override;
     void OnRefilled() override;
+    bool IsEditable(GroupId, TrackNo) const override { return true; }
 
 private:
     void NotifySelectedRow(int prevRow);

@@ -54,7 +54,9 @@ void CListRight::SetLinkedRow(const RECT& rect, GroupId newGroup) {
 // --- Rows
 
 void CListRight::RequestRefill(GroupId newGroup) {
-    requests.Request(newGroup);
+    if (newGroup != 0) {
+        requests.Request(newGroup);
+    }
 }
 
 void CListRight::Populate(const Refill& refill) {
@@ -80,62 +82,39 @@ void CListRight::Populate(const Refill& refill) {
 
 void CListRight::OnRefilled() {
     SelectRow(curSel);
+    FollowEdit();
     RedrawAll();
     PostPaneRequest(hwnd, UC_MESSAGE_LINE, 0);
 }
 
-int CListRight::FindTrackRow(GroupId wantedGroup, TrackNo wantedTrack) const {
-    const LPARAM wanted = MAKELPARAM(static_cast<WORD>(wantedTrack), static_cast<WORD>(wantedGroup));
-    const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; wantedGroup > 0 && row < count; ++row) {
-        if (SendMessageA(hwnd, LB_GETITEMDATA, static_cast<WPARAM>(row), 0) == wanted) {
-            return static_cast<int>(row);
-        }
-    }
-    return -1;
-}
-
 // --- Editing
 
-bool CListRight::IsSelectionEditable(GroupId& selectedGroup, TrackNo& track) const {
+// The tracks of Albums are read-only.
+bool CListRight::IsEditable(GroupId wantedGroup, TrackNo track) const {
     const TitleStore* titles = store;
-    return titles != nullptr && GetSelectedIds(&selectedGroup, &track) != 0 &&
-           titles->GetState(selectedGroup, track) >= TS_RECEIVED && titles->IsDisc(selectedGroup, track) > 0;
+    return titles != nullptr && titles->IsDisc(wantedGroup, track) > 0;
 }
 
 int CListRight::BeginEdit() {
+    const TitleStore* titles = store;
     GroupId selectedGroup = -1;
     TrackNo track = 0;
-    if (!IsSelectionEditable(selectedGroup, track)) {
+    if (titles == nullptr || GetSelectedIds(&selectedGroup, &track) == 0 ||
+        titles->GetState(selectedGroup, track) < TS_RECEIVED || !IsEditable(selectedGroup, track)) {
         return 0;
     }
     return CTitleList::BeginEdit() != 0 ? 1 : 0;
-}
-
-int CListRight::ApplyTitle(int rowIndex, const char* text) {
-    GroupId selectedGroup = -1;
-    TrackNo track = 0;
-    if (!IsSelectionEditable(selectedGroup, track) || ReplaceRowText(rowIndex, text) == 0) {
-        return 0;
-    }
-    return StoreTitle(selectedGroup, track, text);
 }
 
 int CListRight::EndEdit() {
     if (CTitleList::EndEdit() == 0) {
         return 0;
     }
-    GroupId selectedGroup = -1;
-    TrackNo track = 0;
-    if (store == nullptr || GetSelectedIds(&selectedGroup, &track) == 0) {
-        return 0;
-    }
-    const int result = StoreTitle(selectedGroup, track, editText);
-    if (enterCommitted) {
-        MoveOn(selectedGroup);
+    if (enterCommitted && store != nullptr) {
+        MoveOn(editGroup);
     }
     enterCommitted = false;
-    return result;
+    return 1;
 }
 
 // To the next track with a title, and behind the last one to the groups.

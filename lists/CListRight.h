@@ -13,23 +13,22 @@ public:
     // is empty at once, and the pane hears of it by UC_GROUP_CHANGED; the rows come when the pane asks for them.
     void SetLinkedRow(const RECT& rect, GroupId newGroup);
 
-    // Fills in the group's tracks. Clears the pane's message line when that is done.
+    // Fills in the group's tracks; nothing to do for group 0. Clears the pane's message line when that is done.
     void RequestRefill(GroupId newGroup) override;
     // The row of a track, -1 if it has none.
-    int FindTrackRow(GroupId wantedGroup, TrackNo wantedTrack) const;
+    int FindTrackRow(GroupId wantedGroup, TrackNo wantedTrack) const { return FindRow(wantedGroup, wantedTrack); }
 
     int BeginEdit() override;
     int EndEdit() override;
-    int ApplyTitle(int rowIndex, const char* text) override;
     void OnDrawItem(DRAWITEMSTRUCT* item) override;
     void OnNcPaint(HRGN region) override;
 
 protected:
     void Populate(const Refill& refill) override;
     void OnRefilled() override;
+    bool IsEditable(GroupId wantedGroup, TrackNo track) const override;
 
 private:
-    bool IsSelectionEditable(GroupId& group, TrackNo& track) const;
     void MoveOn(GroupId editedGroup);
     int NextRowWithTitle(GroupId editedGroup) const;
     HRGN CreateShape() const;

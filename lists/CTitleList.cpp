@@ -113,7 +113,10 @@ void CTitleList::RebuildTick() {
 // On the thread that asks for refills, so nothing overtakes this one any more once it is found to be the latest.
 void CTitleList::EndRefill(const Refill& refill) {
     if (requests.End(refill)) {
-        SetRowHeights();
+        const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
+        for (int row = 0; row < count; ++row) {
+            SetRowHeight(row);
+        }
         SendMessageA(hwnd, WM_SETREDRAW, TRUE, 0);
         OnRefilled();
         return;
@@ -126,17 +129,13 @@ void CTitleList::EndRefill(const Refill& refill) {
     }
 }
 
-// The control measured the rows by a provisional height. Before it scrolls to the selection, and before the frame follows
-// the selected row, they get the one that painting would give them.
-void CTitleList::SetRowHeights() {
-    if (fontRowHeight == 0) {
-        return;
+// The control measures a new row by a provisional height. Before it scrolls to the selection, and before the frame follows
+// the selected row, the row gets the one that painting would give it.
+void CTitleList::SetRowHeight(int rowIndex) {
+    if (fontRowHeight != 0) {
+        SendMessageA(hwnd, LB_SETITEMHEIGHT, static_cast<WPARAM>(rowIndex), MAKELPARAM(static_cast<WORD>(fontRowHeight), 0));
+        rowHeight = fontRowHeight;
     }
-    const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; row < count; ++row) {
-        SendMessageA(hwnd, LB_SETITEMHEIGHT, static_cast<WPARAM>(row), MAKELPARAM(static_cast<WORD>(fontRowHeight), 0));
-    }
-    rowHeight = fontRowHeight;
 }
 
 bool CTitleList::InsertRow(int rowIndex, const char* label, int number, const char* title, GroupId group,
@@ -181,6 +180,7 @@ int CTitleList::ReplaceRowText(int rowIndex, const char* text) {
                             SendMessageA(hwnd, LB_INSERTSTRING, row, reinterpret_cast<LPARAM>(rowText)) >= 0;
     if (isReplaced) {
         SendMessageA(hwnd, LB_SETITEMDATA, row, value);
+        SetRowHeight(rowIndex);
     }
     SendMessageA(hwnd, WM_SETREDRAW, TRUE, 0);
     RECT rect = {};
@@ -200,12 +200,24 @@ bool CTitleList::GetRowText(int rowIndex, char* text) const {
            SendMessageA(hwnd, LB_GETTEXT, static_cast<WPARAM>(rowIndex), reinterpret_cast<LPARAM>(text)) >= 0;
 }
 
+// Hands an edit to the store. 0 if the entry has no title at all.
 int CTitleList::StoreTitle(GroupId group, TrackNo track, const char* text) {
     TitleStore* titles = store;
     if (titles == nullptr || titles->GetState(group, track) < TS_RECEIVED) {
         return 0;
     }
     return titles->EditTitle(group, track, text);
+}
+
+int CTitleList::FindRow(GroupId group, TrackNo track) const {
+    const LPARAM wanted = MAKELPARAM(static_cast<WORD>(track), static_cast<WORD>(group));
+    const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
+    for (LRESULT row = 0; group > 0 && row < count; ++row) {
+        if (SendMessageA(hwnd, LB_GETITEMDATA, static_cast<WPARAM>(row), 0) == wanted) {
+            return static_cast<int>(row);
+        }
+    }
+    return -1;
 }
 
 // --- Selection

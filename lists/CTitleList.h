@@ -54,18 +54,17 @@ public:
     void ClearRows();
     // Puts another title on a row; null leaves the field empty.
     int ReplaceRowText(int rowIndex, const char* text);
-    // Hands an edit to the store. 0 if the entry has no title at all.
-    int StoreTitle(GroupId group, TrackNo track, const char* text);
 
     // Opens the editor on the selected row.
     virtual int BeginEdit();
     // Closes the editor. 1 if its text was committed.
     virtual int EndEdit();
-    // Gives a row another title, here and, in a subclass, in the store.
-    virtual int ApplyTitle(int rowIndex, const char* text);
+    // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited.
+    int ApplyTitle(int rowIndex, const char* text);
     // The refresher's work, once in a period on its own thread.
     virtual void RebuildTick();
 
+    LRESULT WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnAttach() override;
     void OnKeyDown(UINT virtualKey, BOOL isDown, int repeat, UINT flags) override;
     void OnKillFocus(HWND otherWindow) override;
@@ -92,6 +91,12 @@ protected:
     virtual void Populate(const Refill& refill) = 0;
     // The latest refill is through: select, and tell.
     virtual void OnRefilled() = 0;
+    // Whether the user may change this title, which is there.
+    virtual bool IsEditable(GroupId group, TrackNo track) const = 0;
+    // The row of a title, -1 if it has none.
+    int FindRow(GroupId group, TrackNo track) const;
+    // The editor stays over the row of its title, wherever that is now, and the selection with it.
+    void FollowEdit();
     // Adds a row behind the others, from any thread. False if the list refuses it.
     bool InsertRow(int rowIndex, const char* label, int number, const char* title, GroupId group, TrackNo track) const;
 
@@ -130,6 +135,9 @@ protected:
     int rowHeight = 0;
     bool arrowTracking = false;    // a press on an arrow is under way
     InlineEdit* editor = nullptr;  // owned; it empties the pointer if it has to go on its own
+    // What the editor was opened on: the rows may change under it.
+    GroupId editGroup = -1;
+    TrackNo editTrack = 0;
     char editText[50] = "";
     char originalText[50] = "";
     int curSel = -1;
@@ -141,16 +149,21 @@ protected:
 private:
     static void RebuildProc(LPARAM list);
     void EndRefill(const Refill& refill);
-    void SetRowHeights();
+    void SetRowHeight(int rowIndex);
     bool GetRowText(int rowIndex, char* text) const;
     bool OpenEditor();
     void CloseEditor();
+    bool EditorRect(RECT& rect) const;
+    int StoreTitle(GroupId group, TrackNo track, const char* text);
+    int SetTitle(GroupId group, TrackNo track, int rowIndex, const char* text);
     bool IsClickOnSelection(int x, int y) const;
     bool IsInClient(int x, int y) const;
     POINT ToWindow(int x, int y) const;
     void DrawArrow(bool isPressed) const;
     void PaintFields(HDC dc, const RECT& row, const char* text) const;
     void StepSelection();
+    void MoveSelection(int rows);
+    void OnMouseWheel(int turn);
     void EndTracking();
     bool MakeFont(const LOGFONTA* description);
     void MeasureColumns();
@@ -161,6 +174,7 @@ private:
     int repeatInterval = -1;     // ticks between two steps
     int repeatCount = -1;        // ticks since the last one
     UINT_PTR repeatTimer = 0;    // not 0 while it runs
+    int wheelRest = 0;           // of the mouse wheel, less than a notch
     bool clickInClient = false;  // the last press began in the client area
     bool editArmed = true;       // a click on the selected row opens the editor
     bool editBusy = false;       // the editor is being opened or closed

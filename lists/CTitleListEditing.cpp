@@ -41,15 +41,21 @@ int CTitleList::BeginEdit() {
 }
 
 // The editor covers the gap behind the number and the title, in the row's full height.
+bool CTitleList::EditorRect(RECT& rect) const {
+    if (SendMessageA(hwnd, LB_GETITEMRECT, static_cast<WPARAM>(curSel), reinterpret_cast<LPARAM>(&rect)) == LB_ERR) {
+        return false;
+    }
+    rect.left += labelWidth;
+    return true;
+}
+
 bool CTitleList::OpenEditor() {
     char rowText[kRowTextSize] = "";
     RECT rect = {};
     const char* field = GetRowText(curSel, rowText) ? TitleField(rowText) : nullptr;
-    if (field == nullptr ||
-        SendMessageA(hwnd, LB_GETITEMRECT, static_cast<WPARAM>(curSel), reinterpret_cast<LPARAM>(&rect)) == LB_ERR) {
+    if (field == nullptr || !EditorRect(rect) || GetSelectedIds(&editGroup, &editTrack) == 0) {
         return false;
     }
-    rect.left += labelWidth;
     editor = new (std::nothrow) InlineEdit(editor);
     if (editor == nullptr) {
         return false;
@@ -85,7 +91,7 @@ int CTitleList::EndEdit() {
             enterCommitted = editor->IsEnterPressed();
             editor->GetCleanText(editText, sizeof editText);
             if (std::strcmp(originalText, editText) != 0) {
-                ApplyTitle(curSel, editText);
+                SetTitle(editGroup, editTrack, FindRow(editGroup, editTrack), editText);
             }
         }
         CloseEditor();
@@ -101,7 +107,30 @@ int CTitleList::EndEdit() {
 }
 
 int CTitleList::ApplyTitle(int rowIndex, const char* text) {
-    return ReplaceRowText(rowIndex, text);
+    GroupId group = -1;
+    TrackNo track = 0;
+    return GetSelectedIds(&group, &track) != 0 ? SetTitle(group, track, rowIndex, text) : 0;
+}
+
+// The title is kept where it has no row just now.
+int CTitleList::SetTitle(GroupId group, TrackNo track, int rowIndex, const char* text) {
+    if (!IsEditable(group, track) || StoreTitle(group, track, text) == 0) {
+        return 0;
+    }
+    return rowIndex < 0 || ReplaceRowText(rowIndex, text) != 0 ? 1 : 0;
+}
+
+void CTitleList::FollowEdit() {
+    const int row = editor != nullptr ? FindRow(editGroup, editTrack) : -1;
+    if (row < 0) {
+        return;
+    }
+    curSel = row;
+    SelectRow(row);
+    RECT rect = {};
+    if (EditorRect(rect)) {
+        MoveWindow(editor->Window(), rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
+    }
 }
 
 void CTitleList::OnKeyDown(UINT virtualKey, BOOL isDown, int /*repeat*/, UINT /*flags*/) {

@@ -1,4 +1,6 @@
 // What the mouse does on a list: clicks that open the editor, and the step arrows of the frame.
+#include <cstdlib>
+
 #include "CTitleList.h"
 
 namespace {
@@ -61,6 +63,10 @@ void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/)
         clickInClient = true;
         return;
     }
+    // The release of the press before went elsewhere.
+    if (arrowTracking) {
+        EndTracking();
+    }
     const POINT place = ToWindow(x, y);
     const RECT up = UpArrow();
     const RECT down = DownArrow();
@@ -75,6 +81,8 @@ void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/)
     if (arrowKind == kNoArrow) {
         return;
     }
+    // Before anything is selected, so that an editor is closed on what it was opened on.
+    SetFocus(hwnd);
     DrawArrow(true);
     arrowPressed = true;
     arrowTracking = true;
@@ -103,17 +111,39 @@ void CTitleList::OnTimer(UINT_PTR timerId) {
 }
 
 void CTitleList::StepSelection() {
-    const auto selected = static_cast<int>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0));
-    if (!arrowTracking || !arrowPressed || selected < 0) {
-        return;
+    if (arrowTracking && arrowPressed) {
+        MoveSelection(arrowKind == kUp ? -1 : 1);
     }
-    const int next = arrowKind == kUp ? selected - 1 : selected + 1;
-    if (next < 0 || next >= SendMessageA(hwnd, LB_GETCOUNT, 0, 0) || next == curSel) {
+}
+
+void CTitleList::MoveSelection(int rows) {
+    const auto selected = static_cast<int>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0));
+    const int next = selected + rows;
+    if (selected < 0 || next < 0 || next >= SendMessageA(hwnd, LB_GETCOUNT, 0, 0) || next == curSel) {
         return;
     }
     SelectRow(next);
     // As the control tells it when the user selects.
     PostSelChange();
+}
+
+// The rows move only with the selection. A notch is a row.
+void CTitleList::OnMouseWheel(int turn) {
+    wheelRest += turn;
+    const int rows = wheelRest / WHEEL_DELTA;
+    wheelRest -= rows * WHEEL_DELTA;
+    for (int row = 0; row < std::abs(rows); ++row) {
+        MoveSelection(rows > 0 ? -1 : 1);
+    }
+}
+
+// The control would scroll, and leave the selected row and what the frame shows of it behind.
+LRESULT CTitleList::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_MOUSEWHEEL) {
+        OnMouseWheel(static_cast<SHORT>(HIWORD(wParam)));
+        return 0;
+    }
+    return WindowBase::WindowProc(window, message, wParam, lParam);
 }
 
 void CTitleList::PostSelChange() const {

@@ -289,3 +289,84 @@ TEST_F(ListsEditTest, KeysOpenTheEditor) {
     EXPECT_EQ(host_.groupList.ReplaceRowText(1, nullptr), 1);
     EXPECT_NE(ListsHost::Rows(host_.Groups()).find("Dsc|2|\n"), std::string::npos);
 }
+
+TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
+    SetFocus(host_.Tracks());
+    SendMessageA(host_.Tracks(), LB_SETCURSEL, 2, 0);
+    host_.trackList.OnSelChange();
+    ASSERT_EQ(host_.trackList.BeginEdit(), 1);
+    SetWindowTextA(Editor(host_.Tracks()), "For track 3");
+    // The first track is gone, so that the others move up.
+    host_.store.StoreReceived(2, 1, nullptr);
+    ASSERT_TRUE(host_.Refill(2));
+    RECT editor = {};
+    GetWindowRect(Editor(host_.Tracks()), &editor);
+    POINT corner = {editor.left, editor.top};
+    ScreenToClient(host_.Tracks(), &corner);
+    EXPECT_EQ(corner.y, RowOf(host_.Tracks(), 1).top) << "the editor stands on its title's row";
+    EXPECT_EQ(ListsHost::Selected(host_.Tracks()), 1);
+    SendMessageA(host_.Tracks(), WM_USER, UC_END_EDIT, 0);
+    EXPECT_EQ(Title(2, 3), "For track 3");
+    EXPECT_EQ(Title(2, 2), "Disc 2, Track 2");
+    EXPECT_EQ(ListsHost::Rows(host_.Tracks()), "Tr|2|Disc 2, Track 2\nTr|3|For track 3\n");
+}
+
+TEST_F(ListsEditTest, AnEditIsKeptWithoutARow) {
+    SetFocus(host_.Tracks());
+    ASSERT_EQ(host_.trackList.BeginEdit(), 1);
+    SetWindowTextA(Editor(host_.Tracks()), "Typed at once");
+    host_.trackList.ClearRows();
+    SendMessageA(host_.Tracks(), WM_USER, UC_END_EDIT, 0);
+    EXPECT_EQ(Title(2, 1), "Typed at once");
+
+    // The arrow of the other list takes the tracks away that the edit is about.
+    ASSERT_TRUE(host_.Refill(2));
+    SetFocus(host_.Tracks());
+    ASSERT_EQ(host_.trackList.BeginEdit(), 1);
+    SetWindowTextA(Editor(host_.Tracks()), "Before the arrow");
+    RECT client = {};
+    GetClientRect(host_.Groups(), &client);
+    const LPARAM place = MAKELPARAM(static_cast<WORD>(client.right / 2), static_cast<WORD>(client.bottom + 10));
+    PostMessageA(host_.Groups(), WM_LBUTTONDOWN, MK_LBUTTON, place);
+    PostMessageA(host_.Groups(), WM_LBUTTONUP, 0, place);
+    ASSERT_TRUE(PumpAll());
+    EXPECT_FALSE(IsOpen(host_.Tracks()));
+    EXPECT_EQ(Title(2, 1), "Before the arrow");
+}
+
+TEST_F(ListsEditTest, AnUnchangedTextDoesNotOverrideWhatHasArrived) {
+    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
+    host_.store.StoreReceived(2, 0, "From the unit");
+    Enter(host_.Groups());
+    EXPECT_EQ(Title(2, 0), "From the unit");
+    EXPECT_EQ(host_.store.CanUndo(), 0);
+}
+
+TEST_F(ListsEditTest, ARowWithANewTitleKeepsTheFontsHeight) {
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(host_.Groups(), WM_GETFONT, 0, 0)), sizeof font, &font);
+    font.lfHeight = 40;
+    host_.groupList.SetListFont(&font);
+    ASSERT_TRUE(host_.Refill(2));
+    const LRESULT height = SendMessageA(host_.Groups(), LB_GETITEMHEIGHT, 1, 0);
+    ASSERT_GT(height, 30);
+    // Before anything is painted.
+    EXPECT_EQ(host_.groupList.ReplaceRowText(1, "Another"), 1);
+    EXPECT_EQ(SendMessageA(host_.Groups(), LB_GETITEMHEIGHT, 1, 0), height);
+}
+
+TEST_F(ListsEditTest, TheWheelMovesTheSelection) {
+    const auto turn = [this](int by) {
+        SendMessageA(host_.Groups(), WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(by)), 0);
+        ASSERT_TRUE(PumpAll());
+    };
+    turn(-WHEEL_DELTA / 2);
+    EXPECT_EQ(host_.groupList.SelectedRow(), 1) << "half a notch";
+    turn(-WHEEL_DELTA / 2);
+    EXPECT_EQ(host_.groupList.SelectedRow(), 2);
+    turn(3 * WHEEL_DELTA);
+    EXPECT_EQ(host_.groupList.SelectedRow(), 0);
+    turn(WHEEL_DELTA);
+    EXPECT_EQ(host_.groupList.SelectedRow(), 0);
+    EXPECT_EQ(SendMessageA(host_.Groups(), LB_GETTOPINDEX, 0, 0), 0);
+}

@@ -125,6 +125,19 @@ TEST_F(StepArrowTest, APressClosesTheEditor) {
     EXPECT_EQ(Row(), 5);
 }
 
+TEST_F(StepArrowTest, APressBesideTheArrowsEndsAStepThatNobodyEnded) {
+    Send(WM_LBUTTONDOWN, inDown_);
+    EXPECT_EQ(Row(), 5);
+    // The release went to another window; the next press is on the left band.
+    ReleaseCapture();
+    const POINT leftBand = {-8, 40};
+    Send(WM_LBUTTONDOWN, leftBand);
+    Send(WM_MOUSEMOVE, inDown_);
+    EXPECT_EQ(StepsIn(40), "");
+    Send(WM_LBUTTONUP, inDown_, 0);
+    EXPECT_EQ(Row(), 5);
+}
+
 TEST_F(StepArrowTest, AnEmptyListHasNowhereToGo) {
     host_.store.ResetAll();
     ASSERT_TRUE(host_.Refill(1));

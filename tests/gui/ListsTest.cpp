@@ -228,7 +228,7 @@ TEST(RefillTest, TheStoreMayGoInTheMiddle) {
     EXPECT_FALSE(host.groupList.IsRefilling());
     host.groupList.RequestRefill(1);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(host.groupList.StoreTitle(1, 0, "x"), 0);
+    EXPECT_EQ(host.groupList.ApplyTitle(0, "x"), 0);
     EXPECT_EQ(host.groupList.BeginEdit(), 0);
 }
 

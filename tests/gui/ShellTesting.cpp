@@ -5,6 +5,7 @@
 #include "AppWindow.h"
 #include "Harness.h"
 #include "HtmlHelpCall.h"
+#include "ScriptedLink.h"
 #include "resource.h"
 
 namespace {
@@ -58,6 +59,11 @@ std::string Text(UINT id) {
     return text;
 }
 
+void StartAnew() {
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\ORVANE\HDD/CD recorder\Tesselia)");
+    scripted::Reset();
+}
+
 std::string PlaceOf(HWND control) {
     RECT rect = {};
     GetWindowRect(control, &rect);
@@ -68,6 +74,7 @@ std::string PlaceOf(HWND control) {
 }
 
 int RunProgram(std::vector<Step> steps, HINSTANCE previousInstance) {
+    StartAnew();
     Script running{std::move(steps), 0, false, GetTickCount()};
     script = &running;
     const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, RunStep);
@@ -94,6 +101,16 @@ HelpSpy::~HelpSpy() {
 }
 
 void MainWindowTest::SetUp() {
+    StartAnew();
+    Open();
+    Connect();
+}
+
+void MainWindowTest::TearDown() {
+    Close();
+}
+
+void MainWindowTest::Open() {
     HINSTANCE instance = GetModuleHandleA(nullptr);
     theApp = new AppWindow;
     ASSERT_EQ(AppWindow::RegisterMainClass(instance), 1);
@@ -104,11 +121,22 @@ void MainWindowTest::SetUp() {
     ASSERT_TRUE(PumpAll());
 }
 
-void MainWindowTest::TearDown() {
+void MainWindowTest::Close() {
+    if (main_ == nullptr) {
+        return;
+    }
     DestroyWindow(main_);
     PumpAll();
+    main_ = nullptr;
     delete theApp;
     UnregisterClassA(kMainClassName, GetModuleHandleA(nullptr));
+}
+
+void MainWindowTest::Connect() {
+    scripted::PostResult(Pane(), OP_CONNECT);
+    scripted::PostResult(Pane(), OP_GET_ALL);
+    ASSERT_TRUE(PumpAll());
+    scripted::Take();
 }
 
 HWND MainWindowTest::Bar() const {

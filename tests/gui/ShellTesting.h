@@ -15,6 +15,9 @@ std::string Text(UINT id);
 // A control's place in its parent, as "x,y widthxheight".
 std::string PlaceOf(HWND control);
 
+// What the program has kept from an earlier run is gone, and the scripted link is as new. Before each start.
+void StartAnew();
+
 // Runs WinMain in this thread, and the steps beside it in its message loop: each is called with the shown main window again
 // and again until it gives true. Behind the last step the main window is destroyed, unless it is gone already. Gives what
 // WinMain gives.
@@ -41,11 +44,17 @@ public:
     std::function<HWND(const HelpRequest&)> onRequest;
 };
 
-// The main window with all that is in it, shown, without the program around it.
+// The main window with all that is in it, shown, without the program around it. A main unit without titles was found.
 class MainWindowTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+
+    // With what is kept from an earlier run. What the link is asked meanwhile is left for the test.
+    void Open();
+    void Close();
+    // The link says that it has found the main unit, and that this was read to its end.
+    void Connect();
 
     HWND Pane() const { return FindWindowExA(main_, nullptr, "#32770", nullptr); }
     HWND Control(int id) const { return GetDlgItem(Pane(), id); }

@@ -1,6 +1,7 @@
 // The class "LISTBOX": what it holds and what it answers.
 #include "ListBox.h"
 
+#include <QWidget>
 #include <algorithm>
 #include <cstring>
 
@@ -157,6 +158,15 @@ LRESULT SetFont(HWND handle, HFONT font, bool redraw) {
     return 0;
 }
 
+// Unlike other windows a list stays visible meanwhile, for whoever looks for the next control, say.
+LRESULT SetRedraw(HWND handle, bool redraw) {
+    ScreenWindow& window = *Desktop::Get().Find(handle);
+    window.redraw = redraw;
+    window.widget->setUpdatesEnabled(redraw);
+    FillUp(handle);
+    return 0;
+}
+
 LRESULT GainFocus(HWND handle) {
     FindList(handle)->hasFocus = true;
     DrawFocus(handle, true);
@@ -288,10 +298,7 @@ LRESULT CALLBACK ListBoxProc(HWND handle, UINT message, WPARAM wParam, LPARAM lP
         case WM_KILLFOCUS: return LoseFocus(handle);
         case WM_ENABLE: InvalidateRect(handle, nullptr, TRUE); return 0;
         case WM_SIZE: FillUp(handle); return 0;
-        case WM_SETREDRAW:
-            DefWindowProcA(handle, message, wParam, lParam);
-            FillUp(handle);
-            return 0;
+        case WM_SETREDRAW: return SetRedraw(handle, wParam != 0);
         case WM_KEYDOWN: ListKey(handle, static_cast<int>(wParam)); return 0;
         case WM_CHAR: ListCharacter(handle, static_cast<char>(wParam)); return 0;
         case WM_LBUTTONDOWN: ListPress(handle, XOf(lParam), YOf(lParam)); return 0;

@@ -1,7 +1,9 @@
 // Where windows are: their frames, their client areas, and moving, sizing and showing them.
 #include "Placement.h"
 
+#include <QGuiApplication>
 #include <QMenuBar>
+#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -22,7 +24,8 @@ constexpr int kBorder = 1;
 // What a title bar leaves of a window that may be sized.
 constexpr int kLeastWidth = 120;
 constexpr int kLeastHeight = 30;
-constexpr int kMostSize = 32000;
+// A window may be as large as all screens together and its own frame.
+constexpr int kMostFrame = 24;
 
 // Beside those of the seam, in what WM_WINDOWPOSCHANGED tells.
 constexpr UINT kNoClientSize = 0x0800;
@@ -131,7 +134,8 @@ void AskMinMax(HWND window, MINMAXINFO& info) {
     info.ptMaxSize = {screen.right - screen.left, screen.bottom - screen.top};
     info.ptMaxPosition = {screen.left, screen.top};
     info.ptMinTrackSize = {kLeastWidth, kLeastHeight};
-    info.ptMaxTrackSize = {kMostSize, kMostSize};
+    const QSize screens = QGuiApplication::primaryScreen()->virtualSize();
+    info.ptMaxTrackSize = {screens.width() + kMostFrame, screens.height() + kMostFrame};
     SendMessageA(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
 }
 

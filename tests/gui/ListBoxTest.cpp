@@ -312,6 +312,14 @@ TEST_F(ListBoxTest, NothingIsDrawnWhileRedrawingIsOff) {
                                   "draw 2 entire state 0x0 at 40 to 60"}));
 }
 
+TEST_F(ListBoxTest, IsVisibleWhileRedrawingIsOff) {
+    FillAndShow(3);
+    Send(WM_SETREDRAW, FALSE);
+    EXPECT_TRUE(IsWindowVisible(list_));
+    Send(WM_SETREDRAW, TRUE);
+    EXPECT_TRUE(IsWindowVisible(list_));
+}
+
 TEST_F(ListBoxTest, ChangesAreDrawnLater) {
     FillAndShow(3);
     Send(LB_INSERTSTRING, 3, "row 3");

@@ -2,6 +2,7 @@
 #include "AppWindow.h"
 #include "Harness.h"
 #include "HtmlHelpCall.h"
+#include "ScriptedLink.h"
 #include "ShellTesting.h"
 #include "WindowPlacement.h"
 #include "resource.h"
@@ -70,11 +71,15 @@ TEST_F(MainWindowTest, GreysWhatCannotBeDoneWheneverAPopupOpens) {
     EnableMenuItem(menu, IDM_OPTION, MF_BYCOMMAND | MF_GRAYED);
     EXPECT_EQ(SelectMenu(main_, IDM_FONT, MF_HILITE, GetSubMenu(menu, 3)), 0);
     EXPECT_TRUE(IsGrayed(IDM_OPTION)) << "the highlight on a command changes nothing";
-    SelectMenu(main_, 1, MF_POPUP | MF_HILITE, menu);
-    for (const UINT command : kAllCommands) {
-        const bool needsTitles =
-            command == IDM_IMPORT || command == IDM_EXPORT || command == IDM_UNDO || command == IDM_CLEAR;
-        EXPECT_EQ(IsGrayed(command), needsTitles) << command;
+    for (const bool isTransferring : {false, true}) {
+        scripted::StayActive(isTransferring);
+        SendMessageA(main_, WM_COMMAND, IDM_GET_ALL, 0);
+        SelectMenu(main_, 1, MF_POPUP | MF_HILITE, menu);
+        for (const UINT command : kAllCommands) {
+            const bool needsTitles = command == IDM_UNDO || command == IDM_CLEAR;
+            const bool needsIdleLink = command == IDM_IMPORT || command == IDM_EXPORT;
+            EXPECT_EQ(IsGrayed(command), needsTitles || (needsIdleLink && isTransferring)) << command;
+        }
     }
     // A menu of the message's own, not just the window's.
     HMENU other = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));

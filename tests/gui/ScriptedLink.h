@@ -1,5 +1,5 @@
-// Stands in for the link below the pane: no line, no threads. It writes down what it is asked, and says what the test wants it
-// to say. Whatever is linked with it has this one in place of the link.
+// Stands in for the link below the pane: no line, no threads. It writes down what it is asked, and says what the test wants
+// it to say. Whatever is linked with it has this one in place of the link.
 #pragma once
 
 #include <windows.h>

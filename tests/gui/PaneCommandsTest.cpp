@@ -1,0 +1,290 @@
+// The pane's commands: transfers, editing, undo, ranges and font.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "AppWindow.h"
+#include "Harness.h"
+#include "PaneTesting.h"
+#include "ScriptedLink.h"
+#include "TitleStore.h"
+#include "resource.h"
+
+namespace {
+
+constexpr int kEditorId = 102;
+
+}  // namespace
+
+class PaneCommandsTest : public PaneTest {
+protected:
+    void SetUp() override {
+        PaneTest::SetUp();
+        AddDisc(1, 2);
+        AddDisc(2, 3);
+        AddAlbum(1, 2);
+        Refill(2);
+    }
+
+    HWND Editor(int list) const { return GetDlgItem(Control(list), kEditorId); }
+    // As the accelerator does it.
+    void Enter() { Command(IDM_ENTER); }
+    bool CanClear() {
+        SendMessageA(main_, WM_MENUSELECT, MAKEWPARAM(1, MF_POPUP | MF_HILITE), reinterpret_cast<LPARAM>(GetMenu(main_)));
+        return !IsGrayed(IDM_CLEAR);
+    }
+    bool CanUndo() {
+        SendMessageA(main_, WM_MENUSELECT, MAKEWPARAM(1, MF_POPUP | MF_HILITE), reinterpret_cast<LPARAM>(GetMenu(main_)));
+        return !IsGrayed(IDM_UNDO);
+    }
+};
+
+TEST_F(PaneCommandsTest, TransfersCutOffWhatRunsAndCommitWhatIsTyped) {
+    const struct {
+        WORD command;
+        const char* calls;
+    } transfers[] = {{IDM_SEND_GROUP, "StopOperation\nSendGroup 2\n"},
+                     {IDM_SEND_ALL, "StopOperation\nSendAllTitles\n"},
+                     {IDM_GET_GROUP, "StopOperation\nGetOneGroup 2\n"},
+                     {IDM_GET_ALL, "StopOperation\nGetAllTitles\n"}};
+    for (const auto& transfer : transfers) {
+        SelectTrack(1);
+        scripted::Take();
+        if (transfer.command == IDM_SEND_GROUP) {
+            Enter();
+            ASSERT_NE(Editor(IDC_TRACK_LIST), nullptr);
+            SetWindowTextA(Editor(IDC_TRACK_LIST), "Typed & sent");
+        }
+        Command(transfer.command);
+        EXPECT_EQ(scripted::Take(), transfer.calls);
+        EXPECT_EQ(Editor(IDC_TRACK_LIST), nullptr);
+        if (transfer.command == IDM_SEND_ALL) {
+            EXPECT_EQ(Title(2, 2), "Typed & sent");
+            EXPECT_EQ(scripted::Store()->IsEdited(2, 2), 1) << "until the main unit has it";
+        }
+    }
+    EXPECT_EQ(Rows(IDC_GROUP_LIST), "");
+    EXPECT_EQ(Rows(IDC_TRACK_LIST), "");
+    EXPECT_EQ(scripted::Store()->IsKnown(1, 0), 0) << "Get All Title empties the store";
+}
+
+TEST_F(PaneCommandsTest, GetOneGroupForgetsThatGroupAlone) {
+    scripted::Store()->EditTitle(2, 1, "Not sent");
+    Command(IDM_GET_GROUP);
+    EXPECT_EQ(scripted::Store()->IsKnown(2, 0), 0);
+    EXPECT_EQ(Title(1, 1), "Disc 1, Track 1");
+    EXPECT_FALSE(CanUndo());
+}
+
+TEST_F(PaneCommandsTest, ButtonsTakeTheSameRoad) {
+    SetFocus(Control(IDC_SYNC));
+    PressKeys({VK_SPACE});
+    EXPECT_TRUE(Asked("StopOperation\nSendGroup 2\n"));
+    SetFocus(Control(IDC_STOP));
+    PressKeys({VK_SPACE});
+    EXPECT_TRUE(Asked("StopOperation\n"));
+    Command(IDM_ENTER);
+    EXPECT_EQ(scripted::Take(), "") << "Enter presses no button";
+}
+
+TEST_F(PaneCommandsTest, StopShowsWhatHasCome) {
+    AddDisc(3, 1);
+    scripted::Store()->StoreReceived(2, 4, "Has come");
+    scripted::PostProgress(Pane(), OP_GET_TRACKS, 9, 2, 4);
+    EXPECT_NE(Line(), "");
+    Command(IDM_STOP);
+    ASSERT_TRUE(
+        PumpUntil([this] { return Rows(IDC_GROUP_LIST) == "Dsc|1|Disc 1\nDsc|2|Disc 2\nDsc|3|Disc 3\nAlb|1|Album 1\n"; }));
+    ASSERT_TRUE(PumpUntil([this] {
+        return Rows(IDC_TRACK_LIST) == "Tr|1|Disc 2, Track 1\nTr|2|Disc 2, Track 2\nTr|3|Disc 2, Track 3\nTr|4|Has come\n";
+    }));
+    EXPECT_EQ(Line(), "");
+    EXPECT_EQ(scripted::Take(), "StopOperation\n") << "nothing is fetched by itself";
+}
+
+TEST_F(PaneCommandsTest, EnterOpensAndClosesTheEditorOfTheListInFocus) {
+    SetFocus(Control(IDC_GROUP_LIST));
+    Enter();
+    ASSERT_NE(Editor(IDC_GROUP_LIST), nullptr);
+    SetWindowTextA(Editor(IDC_GROUP_LIST), "Second");
+    Enter();
+    EXPECT_EQ(Editor(IDC_GROUP_LIST), nullptr);
+    EXPECT_EQ(Title(2, 0), "Second");
+    EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST));
+    Enter();
+    ASSERT_NE(Editor(IDC_TRACK_LIST), nullptr);
+    SetWindowTextA(Editor(IDC_TRACK_LIST), "First track");
+    Enter();
+    EXPECT_EQ(Title(2, 1), "First track");
+    EXPECT_EQ(Selected(IDC_TRACK_LIST), 1);
+}
+
+TEST_F(PaneCommandsTest, UndoPutsTheLastTextBackAndThrowsAnOpenEditorAway) {
+    EXPECT_FALSE(CanUndo());
+    SelectTrack(2);
+    Enter();
+    SetWindowTextA(Editor(IDC_TRACK_LIST), "One");
+    Enter();
+    Select(0);
+    Refill(1);
+    Enter();
+    SetWindowTextA(Editor(IDC_GROUP_LIST), "Two & three");
+    Enter();
+    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Two && three\nDsc|2|Disc 2\nAlb|1|Album 1\n");
+
+    SetFocus(Control(IDC_GROUP_LIST));
+    Enter();
+    SetWindowTextA(Editor(IDC_GROUP_LIST), "Never meant");
+    EXPECT_TRUE(CanUndo());
+    Command(IDM_UNDO);
+    EXPECT_EQ(Editor(IDC_GROUP_LIST), nullptr);
+    EXPECT_EQ(Title(1, 0), "Disc 1");
+    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Disc 1\nDsc|2|Disc 2\nAlb|1|Album 1\n");
+    EXPECT_EQ(GetFocus(), Control(IDC_GROUP_LIST));
+
+    // The track's group comes back, and its tracks are on their way.
+    scripted::Take();
+    Command(IDM_UNDO);
+    EXPECT_EQ(Title(2, 3), "Disc 2, Track 3");
+    EXPECT_EQ(Selected(IDC_GROUP_LIST), 1);
+    EXPECT_EQ(GetFocus(), Control(IDC_GROUP_LIST));
+    EXPECT_TRUE(Asked("GetGroupTracks 2\n"));
+    EXPECT_FALSE(CanUndo());
+    Command(IDM_UNDO);
+    Enter();
+    EXPECT_NE(Editor(IDC_GROUP_LIST), nullptr) << "edits are committed again";
+}
+
+TEST_F(PaneCommandsTest, UndoOfAShownTrackGoesToItsRow) {
+    SelectTrack(2);
+    Enter();
+    SetWindowTextA(Editor(IDC_TRACK_LIST), "One");
+    SetFocus(Control(IDC_GROUP_LIST));
+    ASSERT_TRUE(PumpAll());
+    EXPECT_EQ(Title(2, 3), "One");
+    SelectTrack(0);
+    Command(IDM_UNDO);
+    EXPECT_EQ(Selected(IDC_TRACK_LIST), 2);
+    EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST));
+    EXPECT_EQ(Rows(IDC_TRACK_LIST), "Tr|1|Disc 2, Track 1\nTr|2|Disc 2, Track 2\nTr|3|Disc 2, Track 3\n");
+}
+
+TEST_F(PaneCommandsTest, ClearActsOnTheTitleInFocus) {
+    SetFocus(Control(IDC_SYNC));
+    EXPECT_FALSE(CanClear());
+    SetFocus(Control(IDC_GROUP_LIST));
+    EXPECT_TRUE(CanClear());
+    Command(IDM_CLEAR);
+    EXPECT_EQ(Title(2, 0), "");
+    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Disc 1\nDsc|2|\nAlb|1|Album 1\n");
+    EXPECT_FALSE(CanClear()) << "nothing is left to clear";
+    SelectTrack(1);
+    EXPECT_TRUE(CanClear());
+    scripted::Store()->StoreReceived(2, 2, "   ");
+    EXPECT_FALSE(CanClear()) << "blanks";
+    SelectTrack(0);
+    Command(IDM_CLEAR);
+    EXPECT_EQ(Title(2, 1), "");
+    Command(IDM_UNDO);
+    EXPECT_EQ(Title(2, 1), "Disc 2, Track 1");
+
+    Select(2);
+    Refill(AlbumGroup(1));
+    EXPECT_TRUE(CanClear());
+    SelectTrack(0);
+    EXPECT_FALSE(CanClear()) << "the tracks of Albums are read-only";
+    Command(IDM_CLEAR);
+    EXPECT_EQ(Title(AlbumGroup(1), 1), "Album 1, Track 1");
+}
+
+// --- Ranges
+
+class RangesTest : public PaneCommandsTest {
+protected:
+    struct Fields {
+        int from;
+        int to;
+    };
+
+    // Enters the numbers (-1: empties the field) and presses OK; then Cancel if the dialog is still there. Gives the field
+    // that has the focus then, 0 if the dialog went by OK.
+    int Enter(Fields discs, Fields albums, Fields tracks) {
+        int focus = 0;
+        bool isRefused = false;
+        BoxReader box(IDS_ERROR_CAPTION);
+        DialogAnswer answer(Text(IDS_RANGES_TITLE).c_str(), IDCANCEL, [&](HWND dialog) {
+            const struct {
+                int id;
+                int number;
+            } fields[] = {{IDC_DISC_FROM, discs.from}, {IDC_DISC_TO, discs.to},       {IDC_ALBUM_FROM, albums.from},
+                          {IDC_ALBUM_TO, albums.to},   {IDC_TRACK_FROM, tracks.from}, {IDC_TRACK_TO, tracks.to}};
+            for (const auto& field : fields) {
+                SetDlgItemTextA(dialog, field.id, field.number < 0 ? "" : std::to_string(field.number).c_str());
+            }
+            SendMessageA(dialog, WM_COMMAND, IDOK, 0);
+            isRefused = !box.Texts().empty();
+            focus = isRefused ? GetDlgCtrlID(GetFocus()) : 0;
+        });
+        Command(IDM_OPTION);
+        EXPECT_EQ(box.Texts(), isRefused ? Text(IDS_ERROR_RANGE) + "\n" : "");
+        return focus;
+    }
+};
+
+TEST_F(RangesTest, WrongNumbersAreRefusedPairByPair) {
+    const struct {
+        Fields discs;
+        Fields albums;
+        Fields tracks;
+        int focus;
+    } cases[] = {{{1, 999}, {5, 3}, {1, 99}, IDC_ALBUM_FROM},  {{0, 0}, {0, 0}, {1, 99}, IDC_DISC_FROM},
+                 {{0, 5}, {1, 999}, {1, 99}, IDC_DISC_FROM},   {{5, 0}, {1, 999}, {1, 99}, IDC_DISC_FROM},
+                 {{1, 999}, {0, 7}, {0, 0}, IDC_ALBUM_FROM},   {{1, 999}, {1, 999}, {0, 0}, IDC_TRACK_FROM},
+                 {{1, 999}, {1, 999}, {9, 2}, IDC_TRACK_FROM}, {{5, 4}, {9, 8}, {3, 2}, IDC_ALBUM_FROM},
+                 {{-1, 3}, {1, 2}, {1, 2}, IDC_DISC_FROM},     {{1, -1}, {1, 2}, {1, 2}, IDC_DISC_FROM},
+                 {{1, 2}, {1, 2}, {-1, -1}, IDC_TRACK_FROM}};
+    for (const auto& numbers : cases) {
+        EXPECT_EQ(Enter(numbers.discs, numbers.albums, numbers.tracks), numbers.focus)
+            << numbers.discs.from << "-" << numbers.discs.to << " " << numbers.albums.from << "-" << numbers.albums.to;
+    }
+    EXPECT_EQ(scripted::Take(), "") << "nothing has happened";
+    EXPECT_EQ(scripted::Ranges().DiscTo, 999);
+    EXPECT_EQ(scripted::Ranges().TrackTo, 99);
+    EXPECT_NE(Rows(IDC_GROUP_LIST), "");
+}
+
+TEST_F(RangesTest, TheNumbersReachTheLinkAndTheLists) {
+    const struct {
+        Fields discs;
+        Fields albums;
+        const char* rows;
+    } cases[] = {{{2, 2}, {0, 0}, "Dsc|2|Disc 2\n"}, {{0, 0}, {1, 999}, "Alb|1|Album 1\n"}};
+    for (const auto& numbers : cases) {
+        EXPECT_EQ(Enter(numbers.discs, numbers.albums, {2, 3}), 0);
+        EXPECT_EQ(scripted::Take(), "StopOperation\nGetAllTitles\n");
+        EXPECT_EQ(scripted::Ranges().DiscFrom, numbers.discs.from);
+        EXPECT_EQ(scripted::Ranges().AlbumTo, numbers.albums.to);
+        EXPECT_EQ(scripted::Ranges().TrackFrom, 2);
+        EXPECT_EQ(Rows(IDC_GROUP_LIST), "");
+        scripted::PostResult(Pane(), OP_GET_ALL);
+        ASSERT_TRUE(PumpUntil([&] { return Rows(IDC_GROUP_LIST) == numbers.rows; })) << Rows(IDC_GROUP_LIST);
+        ASSERT_TRUE(PumpAll());
+        scripted::Take();
+    }
+    EXPECT_EQ(Title(1, 1), "Disc 1, Track 1") << "what is not shown stays in the store";
+
+    // The box begins with what is in force, and takes no more digits than there can be.
+    DialogAnswer answer(Text(IDS_RANGES_TITLE).c_str(), IDCANCEL, [](HWND dialog) {
+        EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_DISC_FROM)), "0");
+        EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_ALBUM_TO)), "999");
+        EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_TRACK_TO)), "3");
+        EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_TRACK_TO_LABEL)), Text(IDS_RANGES_TO));
+        SendMessageA(GetDlgItem(dialog, IDC_TRACK_TO), EM_SETSEL, 0, -1);
+        for (const char key : {'x', '4', '5', '6'}) {
+            SendMessageA(GetDlgItem(dialog, IDC_TRACK_TO), WM_CHAR, static_cast<WPARAM>(key), 1);
+        }
+        EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_TRACK_TO)), "45");
+    });
+    Command(IDM_OPTION);
+    EXPECT_EQ(scripted::Ranges().TrackTo, 3);
+}

@@ -1,0 +1,165 @@
+#include "PaneTesting.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "Harness.h"
+#include "ScriptedLink.h"
+#include "TitleStore.h"
+#include "resource.h"
+
+namespace {
+
+BoxReader* innermostReader = nullptr;
+
+constexpr UINT kLookMs = 10;
+constexpr int kBoxText = 0xFFFF;
+
+}  // namespace
+
+BoxReader::BoxReader(UINT captionId, int atOnce) : caption_(Text(captionId)), atOnce_(atOnce), outer_(innermostReader) {
+    innermostReader = this;
+    timer_ = SetTimer(nullptr, 0, kLookMs, OnTimer);
+}
+
+BoxReader::~BoxReader() {
+    KillTimer(nullptr, timer_);
+    innermostReader = outer_;
+}
+
+void CALLBACK BoxReader::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
+    for (BoxReader* reader = innermostReader; reader != nullptr; reader = reader->outer_) {
+        if (reader->timer_ == id) {
+            reader->Look();
+            return;
+        }
+    }
+}
+
+void BoxReader::Look() {
+    HWND top = nullptr;
+    int boxes = 0;
+    HWND box = nullptr;
+    while ((box = FindWindowExA(nullptr, box, "#32770", caption_.c_str())) != nullptr) {
+        if (IsWindowVisible(box)) {
+            top = top == nullptr ? box : top;
+            ++boxes;
+        }
+    }
+    hasBegun_ = hasBegun_ || boxes >= atOnce_;
+    if (top == nullptr || !hasBegun_ || !IsWindowEnabled(top)) {
+        return;
+    }
+    texts_ += WindowText(GetDlgItem(top, kBoxText)) + "\n";
+    SendMessageA(top, WM_COMMAND, IDOK, 0);
+}
+
+void PaneTest::AddDisc(int disc, int tracks) {
+    char title[kTitleSize];
+    std::snprintf(title, sizeof title, "Disc %d", disc);
+    scripted::Store()->StoreReceived(disc, 0, title);
+    for (int track = 1; track <= tracks; ++track) {
+        std::snprintf(title, sizeof title, "Disc %d, Track %d", disc, track);
+        scripted::Store()->StoreReceived(disc, track, title);
+    }
+}
+
+void PaneTest::AddAlbum(int album, int tracks) {
+    char title[kTitleSize];
+    std::snprintf(title, sizeof title, "Album %d", album);
+    scripted::Store()->StoreReceived(AlbumGroup(album), 0, title);
+    for (int track = 1; track <= tracks; ++track) {
+        std::snprintf(title, sizeof title, "Album %d, Track %d", album, track);
+        scripted::Store()->StoreReceived(AlbumGroup(album), track, title);
+    }
+}
+
+std::string PaneTest::Title(GroupId group, TrackNo track) {
+    char title[kTitleSize] = "(none)";
+    scripted::Store()->GetTitle(group, track, title);
+    return title;
+}
+
+void PaneTest::Refill(GroupId group) {
+    int row = 0;
+    int rows = 0;
+    for (GroupId other = 1; other <= kGroups; ++other) {
+        if (scripted::Store()->GetState(other, 0) > 0) {
+            row = other == group ? rows : row;
+            ++rows;
+        }
+    }
+    Command(IDM_STOP);
+    ASSERT_TRUE(PumpUntil(
+        [&] { return SendMessageA(Control(IDC_GROUP_LIST), LB_GETCOUNT, 0, 0) == rows && Selected(IDC_GROUP_LIST) >= 0; }));
+    ASSERT_TRUE(PumpAll());
+    Select(row);
+    Command(IDM_STOP);
+    const int tracks = [group] {
+        int count = 0;
+        for (TrackNo track = 1; track <= kTracks; ++track) {
+            count += scripted::Store()->GetState(group, track) > 0 ? 1 : 0;
+        }
+        return count;
+    }();
+    ASSERT_TRUE(PumpUntil([&] { return SendMessageA(Control(IDC_TRACK_LIST), LB_GETCOUNT, 0, 0) == tracks; }));
+    ASSERT_TRUE(PumpAll());
+    ASSERT_EQ(Selected(IDC_GROUP_LIST), row);
+    scripted::Take();
+}
+
+void PaneTest::Select(int row) {
+    SetFocus(Control(IDC_GROUP_LIST));
+    SendMessageA(Control(IDC_GROUP_LIST), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    SendMessageA(Pane(), WM_COMMAND, MAKEWPARAM(IDC_GROUP_LIST, LBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(Control(IDC_GROUP_LIST)));
+    ASSERT_TRUE(PumpAll());
+}
+
+void PaneTest::SelectTrack(int row) {
+    SetFocus(Control(IDC_TRACK_LIST));
+    SendMessageA(Control(IDC_TRACK_LIST), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    SendMessageA(Pane(), WM_COMMAND, MAKEWPARAM(IDC_TRACK_LIST, LBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(Control(IDC_TRACK_LIST)));
+    ASSERT_TRUE(PumpAll());
+}
+
+void PaneTest::Command(WORD command) {
+    SendMessageA(main_, WM_COMMAND, command, 0);
+    ASSERT_TRUE(PumpAll());
+}
+
+std::string PaneTest::Rows(int list) const {
+    std::string rows;
+    HWND control = Control(list);
+    const LRESULT count = SendMessageA(control, LB_GETCOUNT, 0, 0);
+    for (LRESULT row = 0; row < count; ++row) {
+        char text[256] = "";
+        SendMessageA(control, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text));
+        rows += text;
+        rows += '\n';
+    }
+    std::replace(rows.begin(), rows.end(), '\t', '|');
+    return rows;
+}
+
+int PaneTest::Selected(int list) const {
+    return static_cast<int>(SendMessageA(Control(list), LB_GETCURSEL, 0, 0));
+}
+
+std::string PaneTest::Line() const {
+    EXPECT_TRUE(PumpAll());
+    // The line is drawn by a timer.
+    Sleep(2 * USER_TIMER_MINIMUM);
+    EXPECT_TRUE(PumpAll());
+    return WindowText(Control(IDC_MESSAGE_LINE));
+}
+
+bool PaneTest::Asked(const std::string& calls) {
+    std::string seen;
+    PumpUntil([&] { return (seen += scripted::Take()).size() >= calls.size(); });
+    PumpAll();
+    seen += scripted::Take();
+    EXPECT_EQ(seen, calls);
+    return seen == calls;
+}

@@ -1,0 +1,55 @@
+// What the tests of the pane need: titles in its store, its lists and its line, and the boxes that it shows.
+#pragma once
+
+#include <string>
+
+#include "PaneRequests.h"
+#include "ShellTesting.h"
+#include "TitleNumbers.h"
+
+// Reads every box with that caption (a string id) while it lives, and presses its OK. It waits for so many to stand at once
+// before it answers the first, which is the one on top.
+class BoxReader {
+public:
+    explicit BoxReader(UINT captionId, int atOnce = 1);
+    ~BoxReader();
+    BoxReader(const BoxReader&) = delete;
+    BoxReader& operator=(const BoxReader&) = delete;
+
+    // Of all boxes so far, a line each.
+    const std::string& Texts() const { return texts_; }
+
+private:
+    static void CALLBACK OnTimer(HWND window, UINT message, UINT_PTR id, DWORD time);
+    void Look();
+
+    std::string caption_;
+    int atOnce_;
+    bool hasBegun_ = false;
+    std::string texts_;
+    UINT_PTR timer_;
+    BoxReader* outer_;  // a reader of other boxes at the same time
+};
+
+class PaneTest : public MainWindowTest {
+protected:
+    // With titles "Disc 2" and "Disc 2, Track 1" and so on.
+    static void AddDisc(int disc, int tracks);
+    static void AddAlbum(int album, int tracks);
+    static std::string Title(GroupId group, TrackNo track);
+
+    // Puts the rows of the store into both lists, with that group selected, whose tracks count as fetched.
+    void Refill(GroupId group);
+    // As the user selects a row of the groups.
+    void Select(int row);
+    void SelectTrack(int row);
+    // By its menu, and what comes of it.
+    void Command(WORD command);
+
+    std::string Rows(int list) const;
+    int Selected(int list) const;
+    // What the message line says once everything is served.
+    std::string Line() const;
+    // Waits until the link was asked for exactly that since the last scripted::Take.
+    static bool Asked(const std::string& calls);
+};

@@ -1,10 +1,11 @@
 // What the user can do with the pane by menu, keys and buttons.
+#include "EditorPane.h"
+
 #include <commdlg.h>
 
 #include <cstring>
 
 #include "DisplayRangesDialog.h"
-#include "EditorPane.h"
 #include "MessageService.h"
 #include "resource.h"
 

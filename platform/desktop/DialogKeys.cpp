@@ -2,12 +2,13 @@
 #include <cctype>
 
 #include "Desktop.h"
+#include "Dialogs.h"
 #include "Text.h"
 
 using desktop::Desktop;
 using desktop::HasStyle;
 
-namespace {
+namespace desktop {
 
 void FocusControl(HWND control) {
     if (control == nullptr) {
@@ -18,6 +19,12 @@ void FocusControl(HWND control) {
         SendMessageA(control, EM_SETSEL, 0, -1);
     }
 }
+
+}  // namespace desktop
+
+using desktop::FocusControl;
+
+namespace {
 
 // The next control of the group that the control stands in: a group runs from a control with WS_GROUP to the next one.
 HWND NextInGroup(HWND control, bool previous) {

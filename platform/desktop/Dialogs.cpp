@@ -175,7 +175,7 @@ void FinishDialog(HWND dialog, LPARAM parameter, DWORD style) {
         if (DialogState* state = StateOf(dialog)) {
             state->focus = first;
         }
-        SetFocus(first);
+        FocusControl(first);
     }
     if (IsWindow(dialog) && (style & WS_VISIBLE) != 0) {
         ShowWindow(dialog, SW_SHOWNORMAL);

@@ -276,6 +276,8 @@ TEST_F(RangesTest, TheNumbersReachTheLinkAndTheLists) {
     // The box begins with what is in force, and takes no more digits than there can be.
     DialogAnswer answer(Text(IDS_RANGES_TITLE).c_str(), IDCANCEL, [](HWND dialog) {
         EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_DISC_FROM)), "0");
+        EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_DISC_FROM));
+        EXPECT_EQ(SendMessageA(GetFocus(), EM_GETSEL, 0, 0), MAKELPARAM(0, 1)) << "what is typed takes its place";
         EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_ALBUM_TO)), "999");
         EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_TRACK_TO)), "3");
         EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_TRACK_TO_LABEL)), Text(IDS_RANGES_TO));

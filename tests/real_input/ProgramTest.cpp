@@ -5,76 +5,53 @@
 #include <cstring>
 #include <string>
 
-#include "RealScreen.h"
+#include "LibraryFile.h"
+#include "ProgramTesting.h"
 
-namespace {
-
-constexpr char kTitle[] = "^ORVANE HDD/CD recorder - Tesselia$";
-
-bool IsOpen(const std::string& name) {
-    return !VisibleWindows(name).empty();
-}
-
-bool WaitForWindow(const std::string& name) {
-    return WaitUntil([&] { return IsOpen(name); });
-}
-
-bool WaitForNoWindow(const std::string& name) {
-    return WaitUntil([&] { return !IsOpen(name); });
-}
-
-bool WaitUntilActive(const std::string& name) {
-    return WaitUntil([&] { return Xdotool("getactivewindow getwindowname", true) == name + "\n"; });
-}
-
-class ProgramTest : public testing::Test {
+// A main unit that has nothing to tell.
+class FrontTest : public ProgramTest {
 protected:
-    ProgramTest() { setenv("LANG", "en_US.UTF-8", 1); }
-
-    std::string Outputs(const char* name) { return (theScreen->Folder() / name).string(); }
-
-    Process program_{TESSELIA_PROGRAM, {}, Outputs("first")};
+    void SetUp() override {
+        std::string error;
+        EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, {}, error)) << error;
+        StartTheUnit();
+        Start();
+    }
 };
 
-}  // namespace
-
-TEST_F(ProgramTest, AboutBoxAndClosingQuestion) {
-    ASSERT_TRUE(WaitForWindow(kTitle));
-    ASSERT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
+TEST_F(FrontTest, AboutBoxAndClosingQuestion) {
     Xdotool("key alt+h key Down key Return");
     ASSERT_TRUE(WaitUntilActive("Version information"));
     Xdotool("key Escape");
-    Xdotool("search --name '" + std::string(kTitle) + "' windowactivate");
+    Xdotool("search --name '^" + std::string(kTitle) + "$' windowactivate");
     EXPECT_TRUE(WaitUntilActive("Version information")) << "the window behind it is not for use, nor did Escape end it";
     Xdotool("key Return");
-    ASSERT_TRUE(WaitForNoWindow("^Version information$"));
-    ASSERT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
+    ASSERT_TRUE(WaitForNoWindow("Version information"));
+    ASSERT_TRUE(WaitUntilActive(kTitle));
 
     Xdotool("key alt+F4");
     ASSERT_TRUE(WaitUntilActive("Tesselia Message"));
     Xdotool("key n");
-    ASSERT_TRUE(WaitForNoWindow("^Tesselia Message$"));
-    ASSERT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
+    ASSERT_TRUE(WaitForNoWindow("Tesselia Message"));
+    ASSERT_TRUE(WaitUntilActive(kTitle));
     Xdotool("key alt+f key c");
     ASSERT_TRUE(WaitUntilActive("Tesselia Message"));
     Xdotool("key Return");
-    EXPECT_EQ(program_.End(), 0) << program_.Errors();
+    EXPECT_EQ(program_->End(), 0) << program_->Errors();
 }
 
-TEST_F(ProgramTest, ASecondCopyBringsTheFirstForward) {
-    ASSERT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
-    Process other("xmessage", {"-name", "elsewhere", "elsewhere"}, Outputs("other"));
-    ASSERT_TRUE(WaitForWindow("^elsewhere$|^xmessage$"));
+TEST_F(FrontTest, ASecondCopyBringsTheFirstForward) {
+    Process other("xmessage", {"-name", "elsewhere", "elsewhere"}, NextOutputs("other"));
+    ASSERT_TRUE(WaitForWindow("elsewhere$|^xmessage"));
     Xdotool("search --onlyvisible --name '^elsewhere$|^xmessage$' windowactivate");
     ASSERT_TRUE(
         WaitUntil([] { return Xdotool("getactivewindow getwindowname", true).find("ORVANE") == std::string::npos; }));
-    Process second(TESSELIA_PROGRAM, {}, Outputs("second"));
+    Process second(TESSELIA_PROGRAM, {}, NextOutputs("second"));
     EXPECT_EQ(second.End(), 0) << second.Errors();
-    EXPECT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
+    EXPECT_TRUE(WaitUntilActive(kTitle));
 }
 
-TEST_F(ProgramTest, CannotBeDraggedSmallerThanItsLeast) {
-    ASSERT_TRUE(WaitUntilActive("ORVANE HDD/CD recorder - Tesselia"));
+TEST_F(FrontTest, CannotBeDraggedSmallerThanItsLeast) {
     const auto size = [] { return Xdotool("getactivewindow getwindowgeometry --shell", true); };
     const std::string before = size();
     // Alt and the right button drag the nearest corner.

@@ -1,0 +1,234 @@
+// The program in front of a real screen and at the line of a main unit: what a user does with keys and mouse reaches the
+// unit, and what goes wrong is told.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <thread>
+
+#include "ProgramTesting.h"
+
+namespace {
+
+using mainunit::GroupKind;
+
+// A window 600 pixels wide, title bar left out: the menu bar, the buttons, the first rows of the lists.
+constexpr int kGroupsX = 80;
+constexpr int kFirstRowY = 90;
+constexpr int kRowHeight = 19;
+constexpr int kSyncX = 35;
+constexpr int kStopX = 88;
+constexpr int kButtonsY = 42;
+
+constexpr char kError[] = "Tesselia Error";
+constexpr char kMessage[] = "Tesselia Message";
+
+class SessionTest : public ProgramTest {
+protected:
+    // A unit that answers, and the program in front with the first titles on the screen.
+    void StartWithTitles() {
+        StartTheUnit();
+        Start();
+        WaitUntilQuiet();
+    }
+
+    // Until nothing has gone over the line for longer than any pause between two requests.
+    void WaitUntilQuiet() {
+        constexpr auto kQuiet = std::chrono::milliseconds(600);
+        std::string before = unit_->Dialogue();
+        auto since = std::chrono::steady_clock::now();
+        EXPECT_TRUE(WaitUntil(
+            [&] {
+                const std::string now = unit_->Dialogue();
+                const auto time = std::chrono::steady_clock::now();
+                if (now != before || now.find("TitleRead") == std::string::npos) {
+                    before = now;
+                    since = time;
+                }
+                return time - since > kQuiet;
+            },
+            std::chrono::seconds(30)));
+    }
+
+    static void Click(int x, int y) {
+        Xdotool("mousemove --window $(xdotool getactivewindow) " + std::to_string(x) + " " + std::to_string(y) + " click 1");
+    }
+    // Into the open editor, in place of its text.
+    static void TypeOver(const std::string& text) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        Xdotool("type --delay 20 '" + text + "'");
+        Xdotool("key Return");
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
+    // In place of the title that the focus is on.
+    static void TypeTitle(const std::string& text) {
+        Xdotool("key Return");
+        TypeOver(text);
+    }
+    // A click on the selected row opens its editor at once if the list has just got the focus.
+    static void EditFirstGroup(const std::string& text) {
+        Click(kStopX, kButtonsY);
+        Click(kGroupsX, kFirstRowY);
+        TypeOver(text);
+    }
+    bool WaitForTitle(GroupKind kind, int group, int track, const std::string& text) {
+        return WaitUntil([&] { return TitleOf(kind, group, track) == text; });
+    }
+    std::string TitleOf(GroupKind kind, int group, int track) {
+        const mainunit::UnitLibrary library = Saved();
+        const std::string* title = library.Title({kind, group, track});
+        return title == nullptr ? "(none)" : *title;
+    }
+};
+
+}  // namespace
+
+TEST_F(SessionTest, TypedTitlesReachTheUnit) {
+    StartWithTitles();
+    EditFirstGroup("Harbour, typed");
+    // Enter has led to the first track, and leads on to the next.
+    TypeTitle("First & typed");
+    TypeTitle("Second typed");
+    Click(kSyncX, kButtonsY);
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Harbour, typed"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 1, "First & typed"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 2, "Second typed"));
+    WaitUntilQuiet();
+
+    // Undone before it was sent, an edit is nothing.
+    EditFirstGroup("Not meant");
+    Xdotool("key ctrl+u");
+    Xdotool("key alt+v key a");
+    WaitUntilQuiet();
+    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 0), "Harbour, typed");
+
+    // In two groups at once, one of them cleared.
+    EditFirstGroup("Once more");
+    Click(kGroupsX, kFirstRowY + kRowHeight);
+    WaitUntilQuiet();
+    Xdotool("key Delete");
+    Xdotool("key alt+v key a");
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Once more"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 2, 0, ""));
+    EXPECT_EQ(unit_->Complaints(), "");
+    End();
+}
+
+TEST_F(SessionTest, TransfersByMenu) {
+    AddDiscs(20, 70);
+    StartWithTitles();
+    const int all = unit_->CountRequests("TitleRead");
+    EXPECT_GT(all, 50);
+    Xdotool("key alt+v key 1");
+    ASSERT_TRUE(WaitUntil([&] { return unit_->CountRequests("TitleRead") >= all + 3; }));
+    WaitUntilQuiet();
+    const int group = unit_->CountRequests("TitleRead");
+    EXPECT_LT(group, all + 15) << "one group alone";
+    Xdotool("key alt+v key g");
+    ASSERT_TRUE(WaitUntil([&] { return unit_->CountRequests("TitleRead") >= group + 5; }));
+    Xdotool("key alt+v key q");
+    WaitUntilQuiet();
+    const int stopped = unit_->CountRequests("TitleRead");
+    EXPECT_LT(stopped, group + 40) << "stopped in the middle";
+    // Narrower ranges: Disc 20 alone.
+    Xdotool("key alt+t key o");
+    ASSERT_TRUE(WaitUntilActive("Display ranges"));
+    Xdotool("type --delay 20 '20\t20\t0\t0\t1\t9'");
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    WaitUntilQuiet();
+    EXPECT_LT(unit_->CountRequests("TitleRead"), stopped + 5);
+    End();
+    EXPECT_NE(Settings().find("20"), std::string::npos) << Settings();
+}
+
+TEST_F(SessionTest, FindsTheUnitOnAnyPort) {
+    Terminal silent;
+    LinkPort("COM1", silent.Path());
+    StartTheUnit({}, "COM3");
+    Start();
+    WaitUntilQuiet();
+    EXPECT_GT(unit_->CountRequests("TitleRead"), 3);
+    End();
+}
+
+TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
+    StartTheUnit({"--menu"});
+    Start(kError);
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    EXPECT_EQ(unit_->CountRequests("TitleRead"), 0);
+    End();
+}
+
+TEST_F(SessionTest, NoUnitAtAllIsTold) {
+    Start(kError);
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    End();
+}
+
+TEST_F(SessionTest, AnEditOutlivesTheUnit) {
+    StartWithTitles();
+    EditFirstGroup("Kept");
+    unit_->Signal(SIGKILL);
+    unit_->End();
+    Click(kSyncX, kButtonsY);
+    ASSERT_TRUE(WaitUntilActive(kError)) << "nothing is said to be written";
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    StartTheUnit();
+    Xdotool("key alt+t key c");
+    ASSERT_TRUE(WaitUntilActive(kMessage));
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Click(kSyncX, kButtonsY);
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Kept"));
+    End();
+}
+
+TEST_F(SessionTest, TheNextRunBeginsWhereThisOneEnded) {
+    StartWithTitles();
+    Click(kGroupsX, kFirstRowY + kRowHeight);
+    WaitUntilQuiet();
+    Xdotool("getactivewindow windowsize --sync 500 333 windowmove --sync 111 99");
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    End();
+    const std::string settings = Settings();
+    EXPECT_NE(settings.find("GroupNo=2"), std::string::npos) << settings;
+    for (int run = 0; run < 5; ++run) {
+        StartTheUnit();
+        Start();
+        WaitUntilQuiet();
+        End();
+        EXPECT_EQ(Settings(), settings) << run;
+    }
+}
+
+TEST_F(SessionTest, ClosesInEveryState) {
+    // Searching: COM1 is there and says nothing.
+    Terminal silent;
+    LinkPort("COM1", silent.Path());
+    Start();
+    End();
+    // Transferring.
+    AddDiscs(20, 99);
+    StartTheUnit();
+    Start();
+    ASSERT_TRUE(WaitUntil([&] { return unit_->CountRequests("TitleRead") > 5; }));
+    End();
+    // With an open editor, whose text is not sent.
+    StartTheUnit();
+    Start();
+    WaitUntilQuiet();
+    Click(kStopX, kButtonsY);
+    Click(kGroupsX, kFirstRowY);
+    Xdotool("type --delay 20 'half a ti'");
+    End();
+    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 0), "Harbour in March");
+    // With a box that nobody answers.
+    StartTheUnit({"--menu"});
+    Start(kError);
+    Terminate();
+}

@@ -90,19 +90,22 @@ int AppWindow::OnCreate(HWND window) {
     hWnd = window;
     messageService.reset(new (std::nothrow) MessageService);
     statusBar.reset(new (std::nothrow) StatusBar);
-    editorPane.reset(new (std::nothrow) EditorPane);
-    if (!messageService || !statusBar || !editorPane) {
+    if (!messageService || !statusBar) {
         return 0;
     }
     messageService->Attach(window);
     messageService->SetInfoCaption(IDS_INFO_CAPTION);
     messageService->SetErrorCaption(IDS_ERROR_CAPTION);
     statusBar->Create(window);
-    editorPane->SetMessageService(messageService.get());
-    if (editorPane->Create(window) == 0) {
+    editorPane.reset(new (std::nothrow) EditorPane);
+    if (editorPane) {
+        editorPane->SetMessageService(messageService.get());
+    }
+    if (!editorPane || editorPane->Create(window) == 0) {
         messageService->ShowError(IDS_ERROR_START);
         return 0;
     }
+    hasStarted = true;
     if (LoadSettings(window) == 0) {
         PlaceWindow(window, kDefaultWidth, kDefaultHeight, kDefaultX, kDefaultY);
     }
@@ -123,7 +126,10 @@ void AppWindow::OnDestroy() {
 }
 
 void AppWindow::Shutdown() {
-    SaveSettings();
+    // A start that failed has no settings of its own, and those of the run before stay.
+    if (hasStarted) {
+        SaveSettings();
+    }
     // The pane's controls hand the focus back to the main window while they go, which must find no pane then.
     if (const std::unique_ptr<EditorPane> pane = std::move(editorPane)) {
         pane->Destroy();
@@ -134,6 +140,10 @@ void AppWindow::Shutdown() {
 }
 
 void AppWindow::OnClose() {
+    // While a box stands, whoever has opened it goes on behind it and needs all that is here.
+    if (!IsWindowEnabled(hWnd)) {
+        return;
+    }
     if (messageService && messageService->ShowInfo(IDS_ASK_CLOSE, MB_YESNO | MB_ICONQUESTION) == IDYES) {
         DestroyWindow(hWnd);
     }

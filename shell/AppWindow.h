@@ -56,6 +56,7 @@ private:
     void ToggleStatusBar();
     void ShowAbout();
 
+    bool hasStarted = false;  // OnCreate came as far as the settings
     HWND hWnd = nullptr;      // the main window, from WM_CREATE to Shutdown
     HANDLE hMutex = nullptr;  // keeps other copies out, from CheckSingleInstance to the end
     std::unique_ptr<StatusBar> statusBar;

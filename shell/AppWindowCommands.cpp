@@ -106,6 +106,10 @@ void AppWindow::OnMenuSelect(UINT item, UINT flags, HMENU menu) {
     if (stringId == StatusBar::kNoString) {
         UpdateMenu(menu);
     }
+    // While no menu is open nothing is greyed: the key of a greyed command would do nothing, whatever can be undone since.
+    if (menu == nullptr) {
+        Enable(GetMenu(hWnd), IDM_UNDO, true);
+    }
     statusBar->SetText(0, stringId);
 }
 

@@ -19,7 +19,14 @@ public:
         LoadStringA(instance, IDS_ERROR_CAPTION, caption, kCaptionSize);
         LoadStringA(instance, IDS_ERROR_START, text, kTextSize);
     }
-    void Show() const { MessageBoxA(nullptr, text, caption, MB_OK); }
+    // The end of a main window that came to nothing has asked for the end of the program, which would take the box away.
+    void Show() const {
+        MSG message;
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) && message.message != WM_QUIT) {
+            DispatchMessageA(&message);
+        }
+        MessageBoxA(nullptr, text, caption, MB_OK);
+    }
 
 private:
     char caption[kCaptionSize] = "";

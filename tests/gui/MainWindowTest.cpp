@@ -81,6 +81,9 @@ TEST_F(MainWindowTest, GreysWhatCannotBeDoneWheneverAPopupOpens) {
             EXPECT_EQ(IsGrayed(command), needsTitles || (needsIdleLink && isTransferring)) << command;
         }
     }
+    // Its key works again once the menu is closed: something may be typed before the next one opens.
+    SelectMenu(main_, 0, 0xFFFF, nullptr);
+    EXPECT_FALSE(IsGrayed(IDM_UNDO));
     // A menu of the message's own, not just the window's.
     HMENU other = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
     SelectMenu(main_, 0, MF_SEPARATOR, other);

@@ -27,7 +27,11 @@ bool IsClassFree() {
     return isFree;
 }
 
+// As the program's own window does when something in it cannot be made.
 LRESULT CALLBACK RefuseCreation(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_DESTROY) {
+        PostQuitMessage(0);
+    }
     return message == WM_CREATE ? -1 : DefWindowProcA(window, message, wParam, lParam);
 }
 
@@ -186,6 +190,13 @@ TEST(ShellStartTest, TheClosingQuestion) {
                                        answer(main, IDNO, WM_COMMAND, IDM_CLOSE);
                                        EXPECT_TRUE(IsWindowVisible(main));
                                        EXPECT_TRUE(IsWindowEnabled(main));
+                                       return true;
+                                   },
+                                   [&](HWND main) {
+                                       // A close from outside while a box stands: whoever opened it still needs the window.
+                                       DialogAnswer given("Box", IDOK, [&](HWND) { SendMessageA(main, WM_CLOSE, 0, 0); });
+                                       MessageBoxA(main, "Stands", "Box", MB_OK);
+                                       EXPECT_TRUE(IsWindow(main));
                                        return true;
                                    },
                                    [&](HWND main) {

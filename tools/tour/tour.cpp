@@ -2,10 +2,11 @@
 //
 //   tour FOLDER      the language is taken from LANG, as everywhere
 //
-// Keys do what keys can do, so the pictures show what a user would come to. Exit code 0 if every stage was reached and the
-// program ended by itself.
+// A main unit has to be on COM1. Keys do what keys can do, so the pictures show what a user would come to. Exit code 0 if
+// every stage was reached and the program ended by itself.
 #include <windows.h>
 
+#include <cctype>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -19,7 +20,10 @@
 namespace {
 
 constexpr UINT kLookMs = 50;
-constexpr DWORD kLimitMs = 10000;
+constexpr DWORD kLimitMs = 60000;
+// Longer than the line to the main unit is ever silent in the middle of something.
+constexpr DWORD kLongStillMs = 700;
+constexpr DWORD kShortStillMs = 200;
 constexpr int kExitFailed = 1;
 
 void Press(std::vector<BYTE> keys) {
@@ -31,6 +35,18 @@ void Press(std::vector<BYTE> keys) {
     }
 }
 
+// Letters and blanks.
+void Type(const char* text) {
+    for (const char* letter = text; *letter != '\0'; ++letter) {
+        const auto key = static_cast<BYTE>(std::toupper(*letter));
+        if (std::isupper(static_cast<unsigned char>(*letter)) != 0) {
+            Press({VK_SHIFT, key});
+        } else {
+            Press({key});
+        }
+    }
+}
+
 // Closes the menu that is open, and opens another one.
 void OpenMenu(BYTE letter) {
     Press({VK_ESCAPE});
@@ -38,49 +54,99 @@ void OpenMenu(BYTE letter) {
     Press({VK_MENU, letter});
 }
 
+HWND Control(HWND main, int id) {
+    return GetDlgItem(FindWindowExA(main, nullptr, "#32770", nullptr), id);
+}
+
 struct Stage {
     const char* name;
+    DWORD stillMs;
     void (*begin)(HWND main);
 };
 
 constexpr Stage kStages[] = {
-    {"main", [](HWND) {}},
-    {"menu-file", [](HWND) { OpenMenu('F'); }},
-    {"menu-edit", [](HWND) { OpenMenu('E'); }},
-    {"menu-view", [](HWND) { OpenMenu('V'); }},
-    {"menu-tool", [](HWND) { OpenMenu('T'); }},
-    {"menu-help", [](HWND) { OpenMenu('H'); }},
-    {"about",
+    {"titles", kLongStillMs, [](HWND) {}},
+    {"editor", kShortStillMs,
+     [](HWND main) {
+         SetFocus(Control(main, IDC_GROUP_LIST));
+         Press({VK_RETURN});
+     }},
+    {"edited", kShortStillMs,
+     [](HWND) {
+         Type("Typed on a real keyboard");
+         Press({VK_RETURN});
+         Press({VK_RETURN});
+         Type("First track");
+         Press({VK_RETURN});
+         Press({VK_RETURN});
+         Type("Not meant");
+         Press({VK_RETURN});
+     }},
+    {"undone", kShortStillMs,
+     [](HWND) {
+         Press({VK_CONTROL, 'U'});
+     }},
+    {"synced", kLongStillMs,
+     [](HWND) {
+         OpenMenu('V');
+         Press({'S'});
+     }},
+    {"menu-file", kShortStillMs, [](HWND) { OpenMenu('F'); }},
+    {"menu-edit", kShortStillMs, [](HWND) { OpenMenu('E'); }},
+    {"menu-view", kShortStillMs, [](HWND) { OpenMenu('V'); }},
+    {"menu-tool", kShortStillMs, [](HWND) { OpenMenu('T'); }},
+    {"ranges", kShortStillMs, [](HWND) { Press({'O'}); }},
+    {"refused", kShortStillMs,
+     [](HWND) {
+         Press({'9'});
+         Press({VK_TAB});
+         Press({'3'});
+         Press({VK_RETURN});
+     }},
+    {"narrowed", kLongStillMs,
+     [](HWND) {
+         Press({VK_RETURN});
+         Press({'2'});
+         Press({VK_TAB});
+         Press({'6'});
+         Press({VK_RETURN});
+     }},
+    {"menu-help", kShortStillMs, [](HWND) { OpenMenu('H'); }},
+    {"about", kShortStillMs,
      [](HWND) {
          Press({VK_DOWN});
          Press({VK_RETURN});
      }},
-    {"closing",
+    {"closing", kShortStillMs,
      [](HWND) {
          Press({VK_RETURN});
          Press({VK_MENU, VK_F4});
      }},
 };
 
-// A stage is over when its picture differs from the one before and stands still.
+// A stage is over when its picture has stood still for some time.
 class Tour {
 public:
     explicit Tour(std::string folder) : folder_(std::move(folder)) {}
 
     void Look(HWND main) {
+        const DWORD now = GetTickCount();
         if (!hasBegun_) {
             Current().begin(main);
             hasBegun_ = true;
-            since_ = GetTickCount();
+            since_ = now;
+            stillSince_ = now;
             return;
         }
-        std::string now = desktop::PictureOfWindows();
-        const bool isDone = !now.empty() && now != saved_ && now == last_;
-        last_ = std::move(now);
-        if (isDone) {
+        std::string picture = desktop::PictureOfWindows();
+        if (picture.empty() || picture != last_) {
+            stillSince_ = now;
+            last_ = std::move(picture);
+        } else if (now - stillSince_ >= Current().stillMs) {
             Save();
-        } else if (GetTickCount() - since_ > kLimitMs) {
-            std::fprintf(stderr, "The stage %s is not reached\n", Current().name);
+        }
+        if (now - since_ > kLimitMs) {
+            std::fprintf(stderr, "The stage %s does not come to its end\n", Current().name);
             std::exit(kExitFailed);
         }
     }
@@ -91,7 +157,14 @@ private:
     const Stage& Current() const { return kStages[stage_]; }
 
     void Save() {
-        const std::string path = folder_ + "/" + std::to_string(stage_ + 1) + "-" + Current().name + ".png";
+        char number[8];
+        std::snprintf(number, sizeof number, "%02zu-", stage_ + 1);
+        const std::string path = folder_ + "/" + number + Current().name + ".png";
+        // What was sent looks as it did before.
+        if (last_ == saved_ && Current().stillMs == kShortStillMs) {
+            std::fprintf(stderr, "%s looks like the stage before\n", path.c_str());
+            std::exit(kExitFailed);
+        }
         std::ofstream file(path, std::ios::binary);
         file << last_;
         file.close();
@@ -111,7 +184,8 @@ private:
     std::string folder_;
     std::size_t stage_ = 0;
     bool hasBegun_ = false;
-    DWORD since_ = 0;
+    DWORD since_ = 0;       // the stage began
+    DWORD stillSince_ = 0;  // the picture is as it is now
     std::string last_;
     std::string saved_;
 };

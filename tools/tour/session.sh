@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# A whole session of the program with a simulated main unit on COM1, all by itself on a screen of its own, a picture of each stage:
+#
+#   tools/tour/session.sh BIN FOLDER      BIN holds the programs; the language is taken from LANG
+#
+# The pictures go to FOLDER, and what the unit holds before and after to before.json and after.json there. Settings, ports and
+# titles of the user's stay untouched.
+set -euo pipefail
+[ $# -eq 2 ] || { sed -n '2,7p' "$0" >&2; exit 2; }
+bin=$1
+mkdir -p "$2"
+folder=$(cd "$2" && pwd)
+
+work=$(mktemp -d)
+unit=
+finish() {
+    [ -z "$unit" ] || { kill "$unit" 2>/dev/null && wait "$unit" 2>/dev/null; } || true
+    rm -rf "$work"
+}
+trap finish EXIT
+export QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME=$work XDG_RUNTIME_DIR=$work
+
+cp "$bin/sample-library.json" "$work/library.json"
+cp "$work/library.json" "$folder/before.json"
+"$bin/mainunit" --library "$work/library.json" --pace 0 --link COM1 --log "$work/dialogue.log" >"$work/ready" &
+unit=$!
+for _ in $(seq 100); do
+    grep -q '^ready' "$work/ready" && break
+    kill -0 "$unit" 2>/dev/null || { printf 'The simulated main unit did not start\n' >&2; exit 1; }
+    sleep 0.1
+done
+"$bin/tour" "$folder" 2>"$work/errors" || { cat "$work/errors" >&2; exit 1; }
+cp "$work/library.json" "$folder/after.json"
+! cmp -s "$folder/before.json" "$folder/after.json" || { printf 'The main unit has got none of the titles\n' >&2; exit 1; }

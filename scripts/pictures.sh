@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Takes pictures of the program on Linux and of the Windows build under wine64, in English and in Japanese, each state side by side:
-# the main window, each menu, the About box and the closing question. Everything is done by real keys on a screen of its own, so
-# the pictures also show that input arrives.
+# the box that no main unit was found, the main window, each menu, the ranges, the About box and the closing question. Everything is
+# done by real keys on a screen of its own, so the pictures also show that input arrives.
 #
 #   scripts/pictures.sh FOLDER       needs the builds release and windows-x64
 set -euo pipefail
@@ -55,15 +55,21 @@ keys() {
     xdotool key --delay 60 "$@"
 }
 
-# tour PREFIX: the program's window is there and has the keys.
+# tour PREFIX: the first box is there and has the keys.
 tour() {
     local prefix=$1 menu
+    picture "$prefix-no-unit"
+    keys Return
+    sleep 1
     picture "$prefix-main"
     for menu in f e v t h; do
         keys "alt+$menu"
         picture "$prefix-menu-$menu"
         keys Escape Escape
     done
+    keys alt+t o
+    picture "$prefix-ranges"
+    keys Escape
     keys alt+h Down Return
     picture "$prefix-about"
     keys Return
@@ -83,11 +89,15 @@ screen() {
 on_linux() {
     export XDG_CONFIG_HOME=$work/config-$1 XDG_RUNTIME_DIR=$work/run-$1
     mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+    # Nobody knows what is connected to the machine's own ports.
+    mkdir -p "$XDG_CONFIG_HOME/tesselia/ports"
+    for number in $(seq 8); do
+        ln -s /dev/pts/none "$XDG_CONFIG_HOME/tesselia/ports/com$number"
+    done
     LANG=$2 "$root/build/release/bin/tesselia" >"$work/tesselia.log" 2>&1 &
     local program=$!
     started+=($program)
-    wait_for 20 xdotool search --onlyvisible --name "$title"
-    xdotool search --onlyvisible --name "$title" windowactivate --sync
+    wait_for 20 xdotool search --onlyvisible --name "^Tesselia Error$"
     tour "linux-$1"
     wait_for 10 eval "! kill -0 $program"
 }
@@ -116,7 +126,7 @@ screen
 on_windows en en_US.UTF-8
 on_windows ja ja_JP.UTF-8
 
-for state in main menu-f menu-e menu-v menu-t menu-h about closing; do
+for state in no-unit main menu-f menu-e menu-v menu-t menu-h ranges about closing; do
     for language in en ja; do
         montage "$folder/linux-$language-$state.png" "$folder/windows-$language-$state.png" -tile 2x1 -gravity north \
             -background '#246e96' -geometry +12+12 \

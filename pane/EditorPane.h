@@ -17,6 +17,7 @@
 #include "WorkerThread.h"
 
 class MessageService;
+class TitleFile;
 
 // Joins the pieces: the titles, the link to the main unit, the two lists, the buttons and the message line. There is one at
 // a time: thePane. On the thread of the windows, but for the group watcher's step.
@@ -64,8 +65,9 @@ public:
     // Gives the lists the font of the description; one that cannot be made changes nothing.
     void ApplyFont();
 
-    // --- The menu, by command id: IDM_UNDO, IDM_CLEAR and IDM_ENTER; those of the View menu but for the font; IDM_OPTION
-    // and IDM_CONNECTION
+    // --- The menu, by command id: IDM_IMPORT and IDM_EXPORT, which give 1 if titles went through; IDM_UNDO, IDM_CLEAR and
+    // IDM_ENTER; those of the View menu but for the font; IDM_OPTION and IDM_CONNECTION
+    int OnFileCommand(WORD command);
     void OnEditCommand(WORD command);
     void OnTransferCommand(WORD command);
     void OnToolCommand(WORD command);
@@ -121,6 +123,11 @@ private:
     void Reconnect();
     void InitFont();
 
+    // --- Files (EditorPaneFiles.cpp)
+    int ImportTitles(GroupId group);
+    void OverwriteTitles(GroupId group, const TitleFile& file) const;
+    int ExportTitles(GroupId group);
+
     HWND hMainWnd = nullptr;
     HWND hDlg = nullptr;
     HWND focusControl = nullptr;  // gets the focus back
@@ -133,11 +140,13 @@ private:
     std::unique_ptr<DeviceLink> deviceLink;
     MessageLine line;
     DisplayRanges ranges;
-    bool dialogReady = false;   // OnInitDialog came to its end
-    bool scanning = false;      // the port scan has begun
-    bool firstConnect = false;  // after the connect, fetch all titles
-    int scanPortNumber = 0;     // of the COM port tried last
-    LOGFONTA logFont = {};      // of the lists
+    bool dialogReady = false;        // OnInitDialog came to its end
+    bool scanning = false;           // the port scan has begun
+    bool firstConnect = false;       // after the connect, fetch all titles
+    int scanPortNumber = 0;          // of the COM port tried last
+    LOGFONTA logFont = {};           // of the lists
+    char importPath[MAX_PATH] = "";  // chosen last
+    char exportPath[MAX_PATH] = "";
 
     // The watcher looks at all three, and writes fetchedGroup. The lock is around its decision and the start that follows
     // from it, so that whoever has disarmed it and holds the lock knows that it starts nothing more.

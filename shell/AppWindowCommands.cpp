@@ -62,6 +62,8 @@ void AppWindow::OnCommand(WORD command) {
 
 void AppWindow::OnPaneCommand(WORD command) {
     switch (command) {
+        case IDM_IMPORT:
+        case IDM_EXPORT: editorPane->OnFileCommand(command); break;
         case IDM_UNDO:
         case IDM_CLEAR:
         case IDM_ENTER: editorPane->OnEditCommand(command); break;

@@ -165,7 +165,7 @@ private:
         }
         dialog.setFileMode(QFileDialog::AnyFile);
         dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-        if (chooser.lpstrTitle != nullptr) {
+        if (chooser.lpstrTitle != nullptr && *chooser.lpstrTitle != '\0') {
             dialog.setWindowTitle(ToQString(chooser.lpstrTitle));
         }
         SetUpFilters();

@@ -30,9 +30,9 @@ struct InputEvent {
     int virtualKey = 0;
     bool repeated = false;
     bool elsewhere = false;  // another program hears of this key
-    std::string text;      // bytes of the code page that the key means, or that an input method has made
-    POINT screen{0, 0};    // where the pointer is
-    WPARAM mouseKeys = 0;  // MK_ flags
+    std::string text;        // bytes of the code page that the key means, or that an input method has made
+    POINT screen{0, 0};      // where the pointer is
+    WPARAM mouseKeys = 0;    // MK_ flags
     int wheel = 0;
     DWORD timeMs = 0;
 };

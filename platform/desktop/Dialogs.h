@@ -18,7 +18,8 @@ inline constexpr int kDialogExtraBytes = 3 * static_cast<int>(sizeof(LONG_PTR));
 HWND MakeEmptyDialog(DWORD style, const char* title, POINT place, QSize client, HWND parent, HFONT font, DLGPROC procedure);
 // A control of the dialog, in pixels, with the dialog's font.
 HWND AddControl(HWND dialog, const char* className, const char* text, int id, DWORD style, const RECT& place);
-// Gives a control the focus, and selects the text of one that has such a thing, so that typing replaces it. Null does nothing.
+// Gives a control the focus, and selects the text of one that has such a thing, so that typing replaces it. Null does
+// nothing.
 void FocusControl(HWND control);
 // Sends WM_INITDIALOG, sets the focus as its result says, and shows a dialog with WS_VISIBLE in `style`.
 void FinishDialog(HWND dialog, LPARAM parameter, DWORD style);

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -141,6 +142,46 @@ TEST_F(SessionTest, TransfersByMenu) {
     EXPECT_LT(unit_->CountRequests("TitleRead"), stopped + 5);
     End();
     EXPECT_NE(Settings().find("20"), std::string::npos) << Settings();
+}
+
+TEST_F(SessionTest, TitlesComeFromFilesAndGoToFiles) {
+    StartWithTitles();
+    Click(kStopX, kButtonsY);
+    Click(kGroupsX, kFirstRowY + kRowHeight);
+    Click(kGroupsX, kFirstRowY);
+    WaitUntilQuiet();
+    std::ofstream(folder_ / "in.csv") << " 0,\"From \"\"a\"\" file\"\r\n 2,\"Second, too\"\r\n50,\"No such track\"\r\n";
+    Xdotool("key alt+f key i");
+    ASSERT_TRUE(WaitUntil([] { return Xdotool("getactivewindow getwindowname", true) != std::string(kTitle) + "\n"; }));
+    Xdotool("type --delay 20 '" + (folder_ / "in.csv").string() + "'");
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Click(kSyncX, kButtonsY);
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "From \"a\" file"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 2, "Second, too"));
+    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 1), "Low Water");
+    WaitUntilQuiet();
+
+    Xdotool("key alt+f key e");
+    ASSERT_TRUE(WaitUntil([] { return Xdotool("getactivewindow getwindowname", true) != std::string(kTitle) + "\n"; }));
+    // Without an extension it gets the one of its type.
+    Xdotool("type --delay 20 '" + (folder_ / "out").string() + "'");
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    const std::string written = " 0,\"From \"\"a\"\" file\"\r\n 1,\"Low Water\"\r\n 2,\"Second, too\"\r\n";
+    EXPECT_TRUE(WaitUntil([&] { return ReadFile(folder_ / "out.csv") == written; })) << ReadFile(folder_ / "out.csv");
+
+    // What is no play list changes nothing.
+    std::ofstream(folder_ / "bad.asx") << "no play list";
+    Xdotool("key alt+f key i");
+    ASSERT_TRUE(WaitUntil([] { return Xdotool("getactivewindow getwindowname", true) != std::string(kTitle) + "\n"; }));
+    Xdotool("type --delay 20 '" + (folder_ / "bad.asx").string() + "'");
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kError));
+    Xdotool("key Return");
+    ASSERT_TRUE(WaitUntilActive(kTitle));
+    End();
+    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 0), "From \"a\" file");
 }
 
 TEST_F(SessionTest, FindsTheUnitOnAnyPort) {

@@ -98,6 +98,8 @@ inline constexpr DWORD WAIT_OBJECT_0 = 0;
 inline constexpr DWORD WAIT_TIMEOUT = 258;
 inline constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 inline constexpr DWORD MAXIMUM_WAIT_OBJECTS = 64;
+// A path with its terminator.
+inline constexpr int MAX_PATH = 260;
 // Threads and events can be waited for.
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 // Waits for any one of the handles; waiting for all of them is not supported.

@@ -1,0 +1,95 @@
+// Play lists: which titles they give, and what is none.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "TitleFile.h"
+
+namespace {
+
+// The titles as in "0=Mix|2=b|", or "refused".
+std::string Asx(const std::string& text) {
+    TitleFile file;
+    if (file.ReadAsx(text) == 0) {
+        return "refused";
+    }
+    std::string all;
+    for (int number = 0; number < TitleFile::kTitles; ++number) {
+        char title[kTitleSize];
+        if (file.GetImportTitle(number, title) != 0) {
+            all += std::to_string(number) + "=" + title + "|";
+        }
+    }
+    return all;
+}
+
+// In a play list, and in its first entry.
+std::string InAsx(const std::string& text) {
+    return Asx("<ASX>" + text + "</ASX>");
+}
+std::string InEntry(const std::string& text) {
+    return InAsx("<ENTRY>" + text + "</ENTRY>");
+}
+
+constexpr char kRefused[] = "refused";
+
+}  // namespace
+
+TEST(Asx, GivesTheTitlesOfTheListAndItsEntries) {
+    EXPECT_EQ(Asx("\r\n <asx version = \"3.0\">\n<title>Mix</title>\n"
+                  "<Entry><Title>One</Title><REF HREF=\"a.mp3\" /></Entry>\n"
+                  "<ENTRY><REF HREF=\"b\"/><TITLE> \n Two\n</TITLE></ENTRY ></ASX > junk <"),
+              "0=Mix|1=One|2=Two |");
+    EXPECT_EQ(InAsx("<ENTRY></ENTRY><ENTRYREF HREF=\"x\"/><ENTRY><TITLE>b</TITLE></ENTRY>"), "2=b|");
+    EXPECT_EQ(InAsx("<ENTRY><TITLE>a</TITLE></ENTRY><TITLE>Late</TITLE>"), "0=Late|1=a|");
+    EXPECT_EQ(InAsx("<REPEAT COUNT=\"2\"><ENTRY><TITLE>a</TITLE></ENTRY></REPEAT><EVENT><ENTRY><TITLE>b</TITLE></ENTRY>"
+                    "</EVENT><ENTRY><TITLE>c</TITLE></ENTRY>"),
+              "1=c|");
+    EXPECT_EQ(InEntry("<TITLE>a</TITLE><TITLE>b</TITLE><PARAM NAME=\"NAME\" VALUE=\"c\" />"), "1=a|");
+    EXPECT_EQ(InEntry("<TITLE></TITLE><TITLE> \t</TITLE><ABSTRACT>x</ABSTRACT><AUTHOR>y</AUTHOR>"), "");
+    EXPECT_EQ(InEntry("<TITLE>" + std::string(200, 'x') + "</TITLE>"), "1=" + std::string(32, 'x') + "|");
+    std::string entries;
+    for (int number = 1; number <= 120; ++number) {
+        entries += "<ENTRY><TITLE>t</TITLE></ENTRY>";
+    }
+    EXPECT_EQ(InAsx(entries).substr(0, 10), "1=t|2=t|3=");
+    EXPECT_NE(InAsx(entries).find("99=t|"), std::string::npos);
+}
+
+TEST(Asx, ParametersMayNameThings) {
+    EXPECT_EQ(InAsx("<PARAM name=\"Name\" value=\"List a\"/><ENTRY><PARAM NAME = \"NAME\" VALUE = \"b\" /></ENTRY>"),
+              "0=List a|1=b|");
+    EXPECT_EQ(InEntry("<PARAM VALUE=\"x\" NAME=\"NAME\" />"), "") << "the name has to come first";
+    EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"\" />"), "");
+    EXPECT_EQ(InEntry("<PARAM NAME=\"OTHER\" VALUE=\"x\" />"), "");
+    EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"x\" VALUE=\"y\" />"), "1=x|");
+    EXPECT_EQ(InEntry("<PARAM NAME=NAME VALUE=\"x\" />"), "") << "without quotes a value is none";
+    EXPECT_EQ(InEntry("<PARAM NA ME=\"NAME\" V A L U E=\"x\"/>"), "1=x|");
+    EXPECT_EQ(InEntry("<REF HREF=\"a\"><DURATION VALUE=\"1\"/><PREVIEWDURATION X=\"1\"/></REF><BANNER X=\"y\" >"
+                      "<ABSTRACT>z</ABSTRACT><MOREINFO A=\"b\"/></BANNER>"),
+              "");
+    EXPECT_EQ(InEntry("<BASE " + std::string(99, 'n') + "=\"x\" />"), "");
+    EXPECT_EQ(InEntry("<BASE " + std::string(100, 'n') + "=\"x\" />"), kRefused);
+    EXPECT_EQ(InEntry("<BASE A=\"" + std::string(500, '>') + "\" />"), "");
+}
+
+TEST(Asx, RefusesWhatIsNoPlayList) {
+    for (const char* text :
+         {"", " ", "x", "<", "<ASX", "<ASX>", "<ASX></ASX", "<TITLE>x</TITLE>", "\xEF\xBB\xBF<ASX></ASX>",
+          "<?xml version=\"1.0\"?><ASX></ASX>", "< ASX></ASX>", "<ASX/>", "<ASX />", "<ASX><ASX></ASX></ASX>"}) {
+        EXPECT_EQ(Asx(text), kRefused) << text;
+    }
+    for (const char* text : {"text", "<!-- comment -->", "<SKIN X=\"1\"/>", "<OTHER></OTHER>", "</ENTRY>", "</OTHER>",
+                             "<BASE X=\"1\">", "<TITLE />", "<ENTRY />", "<EVENT />", "<REF/>", "<DURATION X=\"1\"/>"}) {
+        EXPECT_EQ(InAsx(text), kRefused) << text;
+    }
+    for (const char* text :
+         {"<REF/>", "<REF><TITLE>x</TITLE></REF>", "<BANNER><TITLE>x</TITLE></BANNER>", "<ENTRY></ENTRY>",
+          "<TITLE>x<REF ></TITLE>", "<TITLE>x</AUTHOR></TITLE>", "<TITLE>x", "<TITLE>x</TITLE", "<TITLE <", "<BASE A",
+          "<BASE A=", "<BASE A=\"", "<BASE \"x", "<BASE A=\"x\"", "<BASE A=\"x\" /"}) {
+        EXPECT_EQ(InEntry(text), kRefused) << text;
+        EXPECT_EQ(Asx("<ASX><ENTRY>" + std::string(text)), kRefused) << text << " at the end";
+    }
+    EXPECT_EQ(InEntry("<" + std::string(101, 'A') + ">"), kRefused);
+    EXPECT_EQ(InEntry("<REF /><TITLE>a</TITLE>"), "1=a|") << "with a blank";
+}

@@ -65,12 +65,16 @@ int TitleFileDialog::AddFilter(const char* extension, const char* description) {
 // Pairs of a description and a pattern, each with a zero byte behind it, and one more at the end.
 void TitleFileDialog::BuildFilterText(char (&text)[kFilterTextSize]) const {
     std::string all;
+    const auto add = [&all](const std::string& description, const std::string& pattern) {
+        all.append(description).push_back('\0');
+        all.append(pattern).push_back('\0');
+    };
     for (int row = 0; row < kFilters && extensions[row][0] != '\0'; ++row) {
         const std::string pattern = std::string("*.") + extensions[row];
-        all += std::string(descriptions[row]) + " (" + pattern + ")" + '\0' + pattern + '\0';
+        add(std::string(descriptions[row]).append(" (").append(pattern).append(")"), pattern);
     }
     if (allFilesEntry) {
-        all += std::string("All Files (*.*)") + '\0' + "*.*" + '\0';
+        add("All Files (*.*)", "*.*");
     }
     all.resize(kFilterTextSize - 2, '\0');
     std::memcpy(text, all.data(), all.size());

@@ -14,7 +14,7 @@ git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
 
 # Standard error holds little but the number of warnings in system headers; it is shown if something went wrong.
 log=$root/build/clang-tidy.log
-files=(store link lists pane shell tools mainunit platform/kernel platform/messages platform/sim)
+files=(store link files lists pane shell tools mainunit platform/kernel platform/messages platform/sim)
 [ "${1:-}" != --all ] || files+=(platform/desktop)
 git ls-files "${files[@]}" | grep '\.cpp$' |
     xargs -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet 2>"$log" || { cat "$log" >&2; say "clang-tidy failed"; exit 1; }

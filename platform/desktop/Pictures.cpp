@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QBuffer>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QPainter>
 #include <QWidget>
 #include <algorithm>
@@ -78,6 +80,23 @@ std::string PictureOfWindows() {
     file.open(QIODevice::WriteOnly);
     image.save(&file, "PNG");
     return file.data().toStdString();
+}
+
+bool ChooseFile(const std::string& name) {
+    auto* chooser = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (chooser == nullptr && widget->isVisible()) {
+            chooser = qobject_cast<QFileDialog*>(widget);
+        }
+    }
+    auto* edit = chooser != nullptr ? chooser->findChild<QLineEdit*>("fileNameEdit") : nullptr;
+    if (edit == nullptr) {
+        return false;
+    }
+    edit->setText(QString::fromStdString(name));
+    // Not from inside: pressing the button ends the chooser.
+    QMetaObject::invokeMethod(chooser, "accept", Qt::QueuedConnection);
+    return true;
 }
 
 }  // namespace desktop

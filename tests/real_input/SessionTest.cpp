@@ -7,7 +7,9 @@
 #include <fstream>
 #include <string>
 #include <thread>
+#include <vector>
 
+#include "LibraryFile.h"
 #include "ProgramTesting.h"
 
 namespace {
@@ -195,11 +197,44 @@ TEST_F(SessionTest, FindsTheUnitOnAnyPort) {
 }
 
 TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
-    StartTheUnit({"--menu"});
-    Start(kError);
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
-    EXPECT_EQ(unit_->CountRequests("TitleRead"), 0);
+    // In MENU mode, with its tray open, and not stopped.
+    const std::vector<std::vector<std::string>> states = {{"--menu"}, {"--status", "00"}, {"--status", "41"}};
+    for (const std::vector<std::string>& state : states) {
+        StartTheUnit(state);
+        Start(kError);
+        Xdotool("key Return");
+        ASSERT_TRUE(WaitUntilActive(kTitle));
+        EXPECT_EQ(unit_->CountRequests("TitleRead"), 0);
+        End();
+    }
+    // Busy for a while is no failure.
+    StartTheUnit({"--status", "FE,FF,01,04,FD,40"});
+    Start();
+    WaitUntilQuiet();
+    EXPECT_GT(unit_->CountRequests("TitleRead"), 3);
+    End();
+}
+
+TEST_F(SessionTest, TypingGoesOnDuringAFetch) {
+    mainunit::UnitLibrary library = Saved();
+    for (int track = 3; track <= 60; ++track) {
+        library.SetTitle({GroupKind::Disc, 1, track}, "Track " + std::to_string(track));
+    }
+    std::string error;
+    ASSERT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+    StartTheUnit();
+    Start();
+    // The titles of the groups are there, and the tracks of the first are on their way.
+    ASSERT_TRUE(WaitUntil([this] { return unit_->CountRequests("TitleRead") >= 10; }));
+    Click(kGroupsX, kFirstRowY);
+    TypeOver("Typed while tracks arrive");
+    EXPECT_LT(unit_->CountRequests("TitleRead"), 55) << "the fetch has not ended before";
+    WaitUntilQuiet();
+    EXPECT_GT(unit_->CountRequests("TitleRead"), 60) << "and was not cut off";
+    TypeTitle("A track as well");
+    Click(kSyncX, kButtonsY);
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Typed while tracks arrive"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 1, "A track as well"));
     End();
 }
 

@@ -3,11 +3,11 @@
 #
 #   tools/tour/session.sh BIN FOLDER      BIN holds the programs; the language is taken from LANG
 #
-# The pictures go to FOLDER, and what the unit holds before and after to before.json and after.json there. Settings, ports and
-# titles of the user's stay untouched.
+# The pictures go to FOLDER, and what the unit holds before and after to before.json and after.json there; titles.csv is imported
+# from it and saved.csv exported to it. Settings, ports and titles of the user's stay untouched.
 set -euo pipefail
 [ $# -eq 2 ] || { sed -n '2,7p' "$0" >&2; exit 2; }
-bin=$1
+bin=$(cd "$1" && pwd)
 mkdir -p "$2"
 folder=$(cd "$2" && pwd)
 
@@ -29,6 +29,9 @@ for _ in $(seq 100); do
     kill -0 "$unit" 2>/dev/null || { printf 'The simulated main unit did not start\n' >&2; exit 1; }
     sleep 0.1
 done
-"$bin/tour" "$folder" 2>"$work/errors" || { cat "$work/errors" >&2; exit 1; }
+printf ' 2,"Read from a file"\r\n 3,"And ""quoted"", too"\r\n' >"$folder/titles.csv"
+rm -f "$folder/saved.csv"
+(cd "$folder" && "$bin/tour" "$folder") 2>"$work/errors" || { cat "$work/errors" >&2; exit 1; }
 cp "$work/library.json" "$folder/after.json"
+[ -s "$folder/saved.csv" ] || { printf 'Nothing was exported\n' >&2; exit 1; }
 ! cmp -s "$folder/before.json" "$folder/after.json" || { printf 'The main unit has got none of the titles\n' >&2; exit 1; }

@@ -86,12 +86,20 @@ constexpr Stage kStages[] = {
      [](HWND) {
          Press({VK_CONTROL, 'U'});
      }},
+    {"menu-file", kShortStillMs, [](HWND) { OpenMenu('F'); }},
+    {"import", kShortStillMs, [](HWND) { Press({'I'}); }},
+    {"imported", kLongStillMs, [](HWND) { desktop::ChooseFile("titles.csv"); }},
+    {"export", kShortStillMs,
+     [](HWND) {
+         OpenMenu('F');
+         Press({'E'});
+     }},
+    {"exported", kLongStillMs, [](HWND) { desktop::ChooseFile("saved.csv"); }},
     {"synced", kLongStillMs,
      [](HWND) {
          OpenMenu('V');
          Press({'S'});
      }},
-    {"menu-file", kShortStillMs, [](HWND) { OpenMenu('F'); }},
     {"menu-edit", kShortStillMs, [](HWND) { OpenMenu('E'); }},
     {"menu-view", kShortStillMs, [](HWND) { OpenMenu('V'); }},
     {"menu-tool", kShortStillMs, [](HWND) { OpenMenu('T'); }},

@@ -43,7 +43,7 @@ install_packages() {
 
 need_build_tools() {
     need g++ cmake ninja-build libgtest-dev libbenchmark-dev nlohmann-json3-dev libboost-context-dev binutils-mingw-w64-x86-64 \
-        qt6-base-dev fonts-dejavu-core fonts-ipafont-gothic xvfb openbox xdotool x11-utils
+        qt6-base-dev qt6-translations-l10n fonts-dejavu-core fonts-ipafont-gothic xvfb openbox xdotool x11-utils
 }
 
 # For the presets windows-x64 and windows-x86; what runs their programs is scripts/wine.sh's affair.

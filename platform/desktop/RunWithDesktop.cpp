@@ -2,10 +2,13 @@
 #include "RunWithDesktop.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <cstdio>
 
 #include "Desktop.h"
 #include "HelpViewer.h"
+#include "Resources.h"
 #include "SingleInstance.h"
 
 namespace {
@@ -25,6 +28,12 @@ int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setApplicationName("tesselia");
+    // What Qt's own choosers say; without its translations they speak English.
+    QTranslator translator;
+    if (kernel::ResourceLanguage() == kernel::kJapanese &&
+        translator.load("qtbase_ja", QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&translator);
+    }
     desktop::Desktop desktop;
     desktop::AnswerOtherCopies();
     desktop::OfferHelp();

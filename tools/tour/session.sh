@@ -30,7 +30,7 @@ for _ in $(seq 100); do
     sleep 0.1
 done
 printf ' 2,"Read from a file"\r\n 3,"And ""quoted"", too"\r\n' >"$folder/titles.csv"
-rm -f "$folder/saved.csv"
+rm -f "$folder/saved.csv" "$folder"/[0-9][0-9]-*.png
 (cd "$folder" && "$bin/tour" "$folder") 2>"$work/errors" || { cat "$work/errors" >&2; exit 1; }
 cp "$work/library.json" "$folder/after.json"
 [ -s "$folder/saved.csv" ] || { printf 'Nothing was exported\n' >&2; exit 1; }

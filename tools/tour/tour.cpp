@@ -132,7 +132,7 @@ constexpr Stage kStages[] = {
      }},
 };
 
-// A stage is over when its picture has stood still for some time.
+// A stage is over when its picture has come about and stood still for some time.
 class Tour {
 public:
     explicit Tour(std::string folder) : folder_(std::move(folder)) {}
@@ -150,7 +150,7 @@ public:
         if (picture.empty() || picture != last_) {
             stillSince_ = now;
             last_ = std::move(picture);
-        } else if (now - stillSince_ >= Current().stillMs) {
+        } else if (now - stillSince_ >= Current().stillMs && IsThrough(main)) {
             Save();
         }
         if (now - since_ > kLimitMs) {
@@ -164,15 +164,20 @@ public:
 private:
     const Stage& Current() const { return kStages[stage_]; }
 
+    // A transfer ends with both lists filled and nothing to tell; what was sent looks as it did before. All else shows.
+    bool IsThrough(HWND main) const {
+        if (Current().stillMs == kShortStillMs) {
+            return last_ != saved_;
+        }
+        return SendMessageA(Control(main, IDC_MESSAGE_LINE), WM_GETTEXTLENGTH, 0, 0) == 0 &&
+               SendMessageA(Control(main, IDC_GROUP_LIST), LB_GETCOUNT, 0, 0) > 0 &&
+               SendMessageA(Control(main, IDC_TRACK_LIST), LB_GETCOUNT, 0, 0) > 0;
+    }
+
     void Save() {
         char number[8];
         std::snprintf(number, sizeof number, "%02zu-", stage_ + 1);
         const std::string path = folder_ + "/" + number + Current().name + ".png";
-        // What was sent looks as it did before.
-        if (last_ == saved_ && Current().stillMs == kShortStillMs) {
-            std::fprintf(stderr, "%s looks like the stage before\n", path.c_str());
-            std::exit(kExitFailed);
-        }
         std::ofstream file(path, std::ios::binary);
         file << last_;
         file.close();

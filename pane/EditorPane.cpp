@@ -48,7 +48,6 @@ void EditorPane::SetMessageService(MessageService* service) {
 }
 
 int EditorPane::Create(HWND parent) {
-    hMainWnd = parent;
     thePane = this;
     auto* instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(parent, GWLP_HINSTANCE));
     hDlg = CreateDialogParamA(instance, MAKEINTRESOURCEA(IDD_PANE), parent, PaneDlgProc, 0);
@@ -190,11 +189,13 @@ void EditorPane::EndInlineEdits() const {
     }
 }
 
-// Stop is never disabled.
+// Stop is never disabled. A search that goes on from port to port disables what is disabled already, and nobody has the
+// focus then.
 void EditorPane::SetControlsEnabled(BOOL enabled) {
     EndInlineEdits();
-    if (!enabled) {
-        focusControl = GetFocus();
+    HWND focus = GetFocus();
+    if (!enabled && focus != nullptr) {
+        focusControl = focus;
     }
     for (const int id : {IDC_SYNC, IDC_GROUP_LIST, IDC_TRACK_LIST}) {
         EnableWindow(Control(id), enabled);

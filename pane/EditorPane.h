@@ -128,7 +128,6 @@ private:
     void OverwriteTitles(GroupId group, const TitleFile& file) const;
     int ExportTitles(GroupId group);
 
-    HWND hMainWnd = nullptr;
     HWND hDlg = nullptr;
     HWND focusControl = nullptr;  // gets the focus back
     std::unique_ptr<CListLeft> groupList;

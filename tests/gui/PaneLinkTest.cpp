@@ -58,6 +58,15 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     EXPECT_EQ(Line(), "");
     EXPECT_TRUE(AreControlsEnabled());
     EXPECT_EQ(scripted::Take(), "GetAllTitles\n");
+
+    SetFocus(Control(IDC_TRACK_LIST));
+    Command(IDM_CONNECTION);
+    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
+    ASSERT_TRUE(PumpAll());
+    BoxReader box(IDS_INFO_CAPTION);
+    scripted::PostResult(Pane(), OP_CONNECT);
+    ASSERT_TRUE(PumpAll());
+    EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST)) << "behind several ports it is where it was";
 }
 
 TEST_F(SearchTest, WithoutAnyPortTheUserIsToldOnceAndMayGoOn) {

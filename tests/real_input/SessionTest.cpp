@@ -38,7 +38,7 @@ protected:
 
     // Until nothing has gone over the line for longer than any pause between two requests.
     void WaitUntilQuiet() {
-        constexpr auto kQuiet = std::chrono::milliseconds(600);
+        constexpr auto kQuiet = std::chrono::milliseconds(1200);
         std::string before = unit_->Dialogue();
         auto since = std::chrono::steady_clock::now();
         EXPECT_TRUE(WaitUntil(

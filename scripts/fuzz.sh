@@ -40,10 +40,11 @@ value_profile() {
     esac
 }
 
-failed=0
-for target in "${targets[@]}"; do
+# fuzz TARGET
+fuzz() {
+    local target=$1 program found log
     program=$folder/bin/fuzz_$target
-    [ -x "$program" ] || { say "There is no fuzz target $target"; exit 2; }
+    [ -x "$program" ] || { say "There is no fuzz target $target"; return 2; }
     found=$root/fuzz/regressions/$target
     log=$folder/$target.log
     mkdir -p "$folder/corpus/$target" "$found"
@@ -51,18 +52,26 @@ for target in "${targets[@]}"; do
     if compgen -G "$found/*" >/dev/null && ! "$program" "$found"/* >"$log" 2>&1; then
         tail -n 40 "$log" >&2
         say "$target: an old finding is back, see $log"
-        failed=1
-        continue
+        return 1
     fi
-    say "Fuzzing $target for $seconds s"
     if ! "$program" -max_total_time="$seconds" -max_len="$(longest "$target")" -use_value_profile="$(value_profile "$target")" -timeout=20 \
         -artifact_prefix="$found/" "$folder/corpus/$target" "$root/fuzz/corpus/$target" >"$log" 2>&1; then
         grep -n -m 1 -A 25 -E 'does not hold|ERROR: |runtime error' "$log" >&2 || tail -n 40 "$log" >&2
         say "$target: a finding, kept in fuzz/regressions/$target; the whole report is $log"
-        failed=1
-        continue
+        return 1
     fi
-    grep -E ' cov: ' "$log" | tail -n 1 | sed "s/^.*cov:/$target: cov:/" >&2
-    tail -n 1 "$log" >&2
+    { grep -E ' cov: ' "$log" | tail -n 1 | sed "s/^.*cov:/$target: cov:/"; tail -n 1 "$log" | sed "s/^/$target: /"; } >&2
+}
+
+# Side by side: each has one thread.
+say "Fuzzing ${targets[*]} for $seconds s"
+runs=()
+for target in "${targets[@]}"; do
+    fuzz "$target" &
+    runs+=($!)
+done
+failed=0
+for run in "${runs[@]}"; do
+    wait "$run" || failed=1
 done
 exit $failed

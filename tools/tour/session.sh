@@ -7,6 +7,8 @@
 # from it and saved.csv exported to it. Settings, ports and titles of the user's stay untouched.
 set -euo pipefail
 [ $# -eq 2 ] || { sed -n '2,7p' "$0" >&2; exit 2; }
+source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/setup.sh"
+cd "$OLDPWD"
 bin=$(cd "$1" && pwd)
 mkdir -p "$2"
 folder=$(cd "$2" && pwd)
@@ -25,14 +27,10 @@ cp "$bin/sample-library.json" "$work/library.json"
 cp "$work/library.json" "$folder/before.json"
 "$bin/mainunit" --library "$work/library.json" --pace 0 --link COM1 --log "$work/dialogue.log" >"$work/ready" &
 unit=$!
-for _ in $(seq 100); do
-    grep -q '^ready' "$work/ready" && break
-    kill -0 "$unit" 2>/dev/null || { printf 'The simulated main unit did not start\n' >&2; exit 1; }
-    sleep 0.1
-done
+wait_for_unit "$unit" "$work/ready"
 printf ' 2,"Read from a file"\r\n 3,"And ""quoted"", too"\r\n' >"$folder/titles.csv"
 rm -f "$folder/saved.csv" "$folder"/[0-9][0-9]-*.png
 (cd "$folder" && "$bin/tour" "$folder") 2>"$work/errors" || { cat "$work/errors" >&2; exit 1; }
 cp "$work/library.json" "$folder/after.json"
-[ -s "$folder/saved.csv" ] || { printf 'Nothing was exported\n' >&2; exit 1; }
-! cmp -s "$folder/before.json" "$folder/after.json" || { printf 'The main unit has got none of the titles\n' >&2; exit 1; }
+[ -s "$folder/saved.csv" ] || { say "Nothing was exported"; exit 1; }
+! cmp -s "$folder/before.json" "$folder/after.json" || { say "The main unit has got none of the titles"; exit 1; }

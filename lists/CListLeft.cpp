@@ -111,15 +111,6 @@ void CListLeft::NotifySelectedRow(int prevRow) {
 
 // --- Editing
 
-int CListLeft::BeginEdit() {
-    const TitleStore* titles = store;
-    GroupId group = -1;
-    if (titles == nullptr || GetSelectedIds(&group, nullptr) == 0 || titles->GetState(group, 0) < TS_RECEIVED) {
-        return 0;
-    }
-    return CTitleList::BeginEdit() != 0 ? 1 : 0;
-}
-
 // Enter carries the user on to the first track.
 int CListLeft::EndEdit() {
     if (CTitleList::EndEdit() == 0) {

@@ -19,7 +19,6 @@ public:
     // The row of a group, -1 if it has none.
     int FindGroupRow(GroupId group) const { return FindRow(group, 0); }
 
-    int BeginEdit() override;
     int EndEdit() override;
     void OnDrawItem(DRAWITEMSTRUCT* item) override;
     void OnNcPaint(HRGN region) override;
@@ -28,7 +27,6 @@ public:
 protected:
     void Populate(const Refill& refill) override;
     void OnRefilled() override;
-    bool IsEditable(GroupId, TrackNo) const override { return true; }
 
 private:
     void NotifySelectedRow(int prevRow);

@@ -95,17 +95,6 @@ bool CListRight::IsEditable(GroupId wantedGroup, TrackNo track) const {
     return titles != nullptr && titles->IsDisc(wantedGroup, track) > 0;
 }
 
-int CListRight::BeginEdit() {
-    const TitleStore* titles = store;
-    GroupId selectedGroup = -1;
-    TrackNo track = 0;
-    if (titles == nullptr || GetSelectedIds(&selectedGroup, &track) == 0 ||
-        titles->GetState(selectedGroup, track) < TS_RECEIVED || !IsEditable(selectedGroup, track)) {
-        return 0;
-    }
-    return CTitleList::BeginEdit() != 0 ? 1 : 0;
-}
-
 int CListRight::EndEdit() {
     if (CTitleList::EndEdit() == 0) {
         return 0;

@@ -18,7 +18,6 @@ public:
     // The row of a track, -1 if it has none.
     int FindTrackRow(GroupId wantedGroup, TrackNo wantedTrack) const { return FindRow(wantedGroup, wantedTrack); }
 
-    int BeginEdit() override;
     int EndEdit() override;
     void OnDrawItem(DRAWITEMSTRUCT* item) override;
     void OnNcPaint(HRGN region) override;

@@ -56,7 +56,7 @@ public:
     int ReplaceRowText(int rowIndex, const char* text);
 
     // Opens the editor on the selected row.
-    virtual int BeginEdit();
+    int BeginEdit();
     // Closes the editor. 1 if its text was committed.
     virtual int EndEdit();
     // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited.
@@ -91,8 +91,8 @@ protected:
     virtual void Populate(const Refill& refill) = 0;
     // The latest refill is through: select, and tell.
     virtual void OnRefilled() = 0;
-    // Whether the user may change this title, which is there.
-    virtual bool IsEditable(GroupId group, TrackNo track) const = 0;
+    // Whether the user may change this title, if it is there.
+    virtual bool IsEditable(GroupId, TrackNo) const { return true; }
     // The row of a title, -1 if it has none.
     int FindRow(GroupId group, TrackNo track) const;
     // The editor stays over the row of its title, wherever that is now, and the selection with it.
@@ -155,6 +155,7 @@ private:
     void CloseEditor();
     bool EditorRect(RECT& rect) const;
     int StoreTitle(GroupId group, TrackNo track, const char* text);
+    bool CanEditSelection() const;
     int SetTitle(GroupId group, TrackNo track, int rowIndex, const char* text);
     bool IsClickOnSelection(int x, int y) const;
     bool IsInClient(int x, int y) const;

@@ -5,6 +5,7 @@
 
 #include "CTitleList.h"
 #include "RowText.h"
+#include "TitleStore.h"
 
 namespace {
 
@@ -33,11 +34,19 @@ int CTitleList::BeginEdit() {
         return 0;
     }
     const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
-    if (count <= 0 || count <= curSel) {
+    if (count <= 0 || count <= curSel || !CanEditSelection()) {
         return 0;
     }
     const Busy busy(editBusy);
     return OpenEditor() ? 1 : 0;
+}
+
+bool CTitleList::CanEditSelection() const {
+    const TitleStore* titles = store;
+    GroupId group = -1;
+    TrackNo track = 0;
+    return titles != nullptr && GetSelectedIds(&group, &track) != 0 && titles->GetState(group, track) >= TS_RECEIVED &&
+           IsEditable(group, track);
 }
 
 // The editor covers the gap behind the number and the title, in the row's full height.

@@ -70,7 +70,7 @@ INT_PTR CALLBACK EditorPane::PaneDlgProc(HWND dialog, UINT message, WPARAM wPara
         case WM_COMMAND: return thePane->OnCommand(wParam);
         case WM_TIMER: return thePane->OnTimer(wParam);
         case WM_USER: thePane->OnPaneRequest(wParam, lParam); return TRUE;
-        case LM_RESULT: thePane->OnLinkResult(wParam, lParam); return TRUE;
+        case LM_RESULT: thePane->OnLinkResult(wParam); return TRUE;
         case LM_PROGRESS: thePane->OnLinkProgress(wParam, lParam); return TRUE;
         default: return FALSE;
     }

@@ -102,12 +102,12 @@ private:
     void FetchSelectedTracks();
     void Disarm();
     void CutOffLink();
-    void ScanNextPort(DWORD data, BYTE status);
+    void ScanNextPort(BYTE status);
     void RequestAllGroups();
     void ShowLinkError(BYTE status, UINT defaultId);
     void OnLinkProgress(WPARAM wParam, LPARAM lParam);
-    void OnLinkResult(WPARAM wParam, LPARAM lParam);
-    void OnConnectResult(BYTE code, BYTE status, DWORD data);
+    void OnLinkResult(WPARAM wParam);
+    void OnConnectResult(BYTE code, BYTE status);
     void OnGetAllResult(BYTE code, BYTE status);
     void OnGroupResult(WORD operation, BYTE code, BYTE status);
     void Connected();

@@ -204,7 +204,7 @@ void EditorPane::Reconnect() {
     CutOffLink();
     scanning = false;
     firstConnect = false;
-    ScanNextPort(0, ST_OK);
+    ScanNextPort(ST_OK);
 }
 
 // --- Font

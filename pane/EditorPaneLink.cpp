@@ -66,11 +66,11 @@ int EditorPane::StartLink() {
     PushRanges();
     scanning = false;
     firstConnect = true;
-    ScanNextPort(0, ST_OK);
+    ScanNextPort(ST_OK);
     return 1;
 }
 
-void EditorPane::ScanNextPort(DWORD /*data*/, BYTE status) {
+void EditorPane::ScanNextPort(BYTE status) {
     Disarm();
     if (scanning && status == ST_OK) {
         // Whatever answers as a main unit is one. The link goes on by itself.
@@ -181,12 +181,12 @@ void EditorPane::OnLinkProgress(WPARAM wParam, LPARAM lParam) {
     }
 }
 
-void EditorPane::OnLinkResult(WPARAM wParam, LPARAM lParam) {
+void EditorPane::OnLinkResult(WPARAM wParam) {
     const WORD operation = LOWORD(wParam);
     const BYTE code = ByteOf(wParam, 16);
     const BYTE status = ByteOf(wParam, 24);
     switch (operation) {
-        case OP_CONNECT: OnConnectResult(code, status, static_cast<DWORD>(lParam)); break;
+        case OP_CONNECT: OnConnectResult(code, status); break;
         case OP_GET_ALL: OnGetAllResult(code, status); break;
         case OP_GET_GROUP:
         case OP_GET_TRACKS:
@@ -196,11 +196,11 @@ void EditorPane::OnLinkResult(WPARAM wParam, LPARAM lParam) {
     }
 }
 
-void EditorPane::OnConnectResult(BYTE code, BYTE status, DWORD data) {
+void EditorPane::OnConnectResult(BYTE code, BYTE status) {
     if (code == 0) {
         Connected();
     } else if (code == RC_MODEL) {
-        ScanNextPort(data, status);
+        ScanNextPort(status);
     } else if (IsStatusCode(code) && status != ST_OK) {
         ShowLinkError(status, IDS_ERROR_NO_STATUS);
         ClearLine();

@@ -53,11 +53,7 @@ protected:
         ASSERT_TRUE(PumpAll());
     }
 
-    std::string Title(GroupId group, TrackNo track) {
-        char title[kTitleSize] = "(none)";
-        host_.store.GetTitle(group, track, title);
-        return title;
-    }
+    std::string Title(GroupId group, TrackNo track) { return TitleOf(host_.store, group, track); }
 
     ListsHost host_;
 };

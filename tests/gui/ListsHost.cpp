@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-
 #include "Harness.h"
 #include "MessageLog.h"
 #include "PaneRequests.h"
@@ -61,26 +58,6 @@ ListsHost::~ListsHost() {
     host = nullptr;
 }
 
-void ListsHost::AddDisc(int disc, int tracks) {
-    char title[kTitleSize];
-    std::snprintf(title, sizeof title, "Disc %d", disc);
-    store.StoreReceived(disc, 0, title);
-    for (int track = 1; track <= tracks; ++track) {
-        std::snprintf(title, sizeof title, "Disc %d, Track %d", disc, track);
-        store.StoreReceived(disc, track, title);
-    }
-}
-
-void ListsHost::AddAlbum(int album, int tracks) {
-    char title[kTitleSize];
-    std::snprintf(title, sizeof title, "Album %d", album);
-    store.StoreReceived(AlbumGroup(album), 0, title);
-    for (int track = 1; track <= tracks; ++track) {
-        std::snprintf(title, sizeof title, "Album %d, Track %d", album, track);
-        store.StoreReceived(AlbumGroup(album), track, title);
-    }
-}
-
 bool ListsHost::Refill(GroupId group) {
     groupList.RequestRefill(group);
     trackList.RequestRefill(group);
@@ -96,23 +73,6 @@ bool ListsHost::Settle() {
         }
     } while (!isStill());
     return true;
-}
-
-std::string ListsHost::Rows(HWND list) {
-    std::string rows;
-    const LRESULT count = SendMessageA(list, LB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; row < count; ++row) {
-        char text[256] = "";
-        SendMessageA(list, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text));
-        rows += text;
-        rows += '\n';
-    }
-    std::replace(rows.begin(), rows.end(), '\t', '|');
-    return rows;
-}
-
-int ListsHost::Selected(HWND list) {
-    return static_cast<int>(SendMessageA(list, LB_GETCURSEL, 0, 0));
 }
 
 INT_PTR CALLBACK ListsHost::PaneProc(HWND, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -11,6 +11,7 @@
 #include "CListLeft.h"
 #include "CListRight.h"
 #include "TitleStore.h"
+#include "Titles.h"
 
 // A window of 600 by 400 pixels, in front, with the pane's dialog in it and the lists where the pane has them. On the test's
 // own thread.
@@ -21,17 +22,15 @@ public:
     ListsHost(const ListsHost&) = delete;
     ListsHost& operator=(const ListsHost&) = delete;
 
-    // With "Disc 2" and "Disc 2, Track 1" and so on as titles.
-    void AddDisc(int disc, int tracks);
-    void AddAlbum(int album, int tracks);
+    void AddDisc(int disc, int tracks) { ::AddDisc(store, disc, tracks); }
+    void AddAlbum(int album, int tracks) { ::AddAlbum(store, album, tracks); }
     // Has both lists filled anew, with that group selected, and waits until the rows stand and are painted.
     bool Refill(GroupId group);
     // Waits until no refill is asked for and nothing is left to do.
     bool Settle();
 
-    // The texts of all rows, fields separated by "|", with "&" as it is on the row.
-    static std::string Rows(HWND list);
-    static int Selected(HWND list);
+    static std::string Rows(HWND list) { return RowsOf(list); }
+    static int Selected(HWND list) { return SelectedRowOf(list); }
 
     HWND Main() const { return main_; }
     HWND Pane() const { return pane_; }

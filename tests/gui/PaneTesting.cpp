@@ -1,8 +1,5 @@
 #include "PaneTesting.h"
 
-#include <algorithm>
-#include <cstdio>
-
 #include "Harness.h"
 #include "ScriptedLink.h"
 #include "TitleStore.h"
@@ -54,32 +51,6 @@ void BoxReader::Look() {
     SendMessageA(top, WM_COMMAND, IDOK, 0);
 }
 
-void PaneTest::AddDisc(int disc, int tracks) {
-    char title[kTitleSize];
-    std::snprintf(title, sizeof title, "Disc %d", disc);
-    scripted::Store()->StoreReceived(disc, 0, title);
-    for (int track = 1; track <= tracks; ++track) {
-        std::snprintf(title, sizeof title, "Disc %d, Track %d", disc, track);
-        scripted::Store()->StoreReceived(disc, track, title);
-    }
-}
-
-void PaneTest::AddAlbum(int album, int tracks) {
-    char title[kTitleSize];
-    std::snprintf(title, sizeof title, "Album %d", album);
-    scripted::Store()->StoreReceived(AlbumGroup(album), 0, title);
-    for (int track = 1; track <= tracks; ++track) {
-        std::snprintf(title, sizeof title, "Album %d, Track %d", album, track);
-        scripted::Store()->StoreReceived(AlbumGroup(album), track, title);
-    }
-}
-
-std::string PaneTest::Title(GroupId group, TrackNo track) {
-    char title[kTitleSize] = "(none)";
-    scripted::Store()->GetTitle(group, track, title);
-    return title;
-}
-
 void PaneTest::Refill(GroupId group) {
     int row = 0;
     int rows = 0;
@@ -108,43 +79,17 @@ void PaneTest::Refill(GroupId group) {
     scripted::Take();
 }
 
-void PaneTest::Select(int row) {
-    SetFocus(Control(IDC_GROUP_LIST));
-    SendMessageA(Control(IDC_GROUP_LIST), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
-    SendMessageA(Pane(), WM_COMMAND, MAKEWPARAM(IDC_GROUP_LIST, LBN_SELCHANGE),
-                 reinterpret_cast<LPARAM>(Control(IDC_GROUP_LIST)));
-    ASSERT_TRUE(PumpAll());
-}
-
-void PaneTest::SelectTrack(int row) {
-    SetFocus(Control(IDC_TRACK_LIST));
-    SendMessageA(Control(IDC_TRACK_LIST), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
-    SendMessageA(Pane(), WM_COMMAND, MAKEWPARAM(IDC_TRACK_LIST, LBN_SELCHANGE),
-                 reinterpret_cast<LPARAM>(Control(IDC_TRACK_LIST)));
+void PaneTest::SelectIn(int list, int row) {
+    SetFocus(Control(list));
+    SendMessageA(Control(list), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    SendMessageA(Pane(), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(list), LBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(Control(list)));
     ASSERT_TRUE(PumpAll());
 }
 
 void PaneTest::Command(WORD command) {
     SendMessageA(main_, WM_COMMAND, command, 0);
     ASSERT_TRUE(PumpAll());
-}
-
-std::string PaneTest::Rows(int list) const {
-    std::string rows;
-    HWND control = Control(list);
-    const LRESULT count = SendMessageA(control, LB_GETCOUNT, 0, 0);
-    for (LRESULT row = 0; row < count; ++row) {
-        char text[256] = "";
-        SendMessageA(control, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text));
-        rows += text;
-        rows += '\n';
-    }
-    std::replace(rows.begin(), rows.end(), '\t', '|');
-    return rows;
-}
-
-int PaneTest::Selected(int list) const {
-    return static_cast<int>(SendMessageA(Control(list), LB_GETCURSEL, 0, 0));
 }
 
 std::string PaneTest::Line() const {

@@ -4,8 +4,10 @@
 #include <string>
 
 #include "PaneRequests.h"
+#include "ScriptedLink.h"
 #include "ShellTesting.h"
-#include "TitleNumbers.h"
+#include "Titles.h"
+#include "resource.h"
 
 // Reads every box with that caption (a string id) while it lives, and presses its OK. It waits for so many to stand at once
 // before it answers the first, which is the one on top.
@@ -33,21 +35,21 @@ private:
 
 class PaneTest : public MainWindowTest {
 protected:
-    // With titles "Disc 2" and "Disc 2, Track 1" and so on.
-    static void AddDisc(int disc, int tracks);
-    static void AddAlbum(int album, int tracks);
-    static std::string Title(GroupId group, TrackNo track);
+    static void AddDisc(int disc, int tracks) { ::AddDisc(*scripted::Store(), disc, tracks); }
+    static void AddAlbum(int album, int tracks) { ::AddAlbum(*scripted::Store(), album, tracks); }
+    static std::string Title(GroupId group, TrackNo track) { return TitleOf(*scripted::Store(), group, track); }
 
     // Puts the rows of the store into both lists, with that group selected, whose tracks count as fetched.
     void Refill(GroupId group);
     // As the user selects a row of the groups.
-    void Select(int row);
-    void SelectTrack(int row);
+    void Select(int row) { SelectIn(IDC_GROUP_LIST, row); }
+    void SelectTrack(int row) { SelectIn(IDC_TRACK_LIST, row); }
+    void SelectIn(int list, int row);
     // By its menu, and what comes of it.
     void Command(WORD command);
 
-    std::string Rows(int list) const;
-    int Selected(int list) const;
+    std::string Rows(int list) const { return RowsOf(Control(list)); }
+    int Selected(int list) const { return SelectedRowOf(Control(list)); }
     // What the message line says once everything is served.
     std::string Line() const;
     // Waits until the link was asked for exactly that since the last scripted::Take.

@@ -81,6 +81,15 @@ void CListLeft::OnSelChange() {
     NotifySelectedRow(prevRow);
 }
 
+// Rows that are only just being filled stand for other groups than they will, or are not there yet.
+GroupId CListLeft::SelectedGroup() const {
+    if (IsRefilling()) {
+        return curGroup;
+    }
+    GroupId group = -1;
+    return GetSelectedIds(&group, nullptr) != 0 ? group : -1;
+}
+
 RECT CListLeft::SelectedRowInWindow() const {
     RECT rect = {};
     SendMessageA(hwnd, LB_GETITEMRECT, static_cast<WPARAM>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0)),

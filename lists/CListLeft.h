@@ -16,6 +16,8 @@ public:
 
     // Selects the group's row when the rows stand, or the first row if the group has none.
     void RequestRefill(GroupId group) override;
+    // The group of the selected row, or the one that the refill under way will select. -1 if there is none.
+    GroupId SelectedGroup() const;
     // The row of a group, -1 if it has none.
     int FindGroupRow(GroupId group) const { return FindRow(group, 0); }
 

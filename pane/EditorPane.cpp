@@ -161,7 +161,7 @@ BOOL EditorPane::OnTimer(WPARAM id) {
 void EditorPane::OnPaneRequest(WPARAM code, LPARAM argument) {
     switch (code) {
         case UC_FOCUS_LOST: focusControl = reinterpret_cast<HWND>(argument); break;
-        case UC_GROUP_CHANGED: currentGroup = static_cast<GroupId>(argument); break;
+        case UC_GROUP_CHANGED: OnGroupChanged(static_cast<GroupId>(argument)); break;
         case UC_MESSAGE_LINE: line.Set(static_cast<int>(argument), -1, -1); break;
         case UC_SYNC: OnTransferCommand(IDM_SEND_GROUP); break;
         case UC_STOP: OnTransferCommand(IDM_STOP); break;
@@ -169,11 +169,18 @@ void EditorPane::OnPaneRequest(WPARAM code, LPARAM argument) {
     }
 }
 
+// What the store has of its tracks is shown at once; the watcher sees to the rest, if the link can.
+void EditorPane::OnGroupChanged(GroupId group) {
+    currentGroup = group;
+    if (trackList) {
+        trackList->RequestRefill(group);
+    }
+}
+
 // --- What is selected, and what can be used
 
 GroupId EditorPane::GetSelectedGroup() const {
-    GroupId group = -1;
-    return groupList && groupList->GetSelectedIds(&group, nullptr) != 0 ? group : -1;
+    return groupList ? groupList->SelectedGroup() : -1;
 }
 
 GroupId EditorPane::CurrentGroupForSaving() {
@@ -190,17 +197,17 @@ void EditorPane::EndInlineEdits() const {
 }
 
 // Stop is never disabled. A search that goes on from port to port disables what is disabled already, and nobody has the
-// focus then.
+// focus then. A box or a dialog that stands keeps it; the pane gets it back together with the main window.
 void EditorPane::SetControlsEnabled(BOOL enabled) {
     EndInlineEdits();
     HWND focus = GetFocus();
-    if (!enabled && focus != nullptr) {
+    if (!enabled && focus != nullptr && IsChild(hDlg, focus)) {
         focusControl = focus;
     }
     for (const int id : {IDC_SYNC, IDC_GROUP_LIST, IDC_TRACK_LIST}) {
         EnableWindow(Control(id), enabled);
     }
-    if (enabled && focusControl != nullptr) {
+    if (enabled && focusControl != nullptr && IsWindowEnabled(GetParent(hDlg))) {
         HWND control = focusControl;
         focusControl = nullptr;
         SetFocus(control);

@@ -88,6 +88,7 @@ private:
     BOOL OnCommand(WPARAM wParam);
     BOOL OnTimer(WPARAM id);
     void OnPaneRequest(WPARAM code, LPARAM argument);
+    void OnGroupChanged(GroupId group);
     void DestroyLists();
 
     HWND Control(int id) const { return GetDlgItem(hDlg, id); }
@@ -102,6 +103,7 @@ private:
     void FetchSelectedTracks();
     void Disarm();
     void CutOffLink();
+    void DropLinkMessages() const;
     void ScanNextPort(BYTE status);
     void RequestAllGroups();
     void ShowLinkError(BYTE status, UINT defaultId);

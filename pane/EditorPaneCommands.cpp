@@ -62,6 +62,10 @@ void EditorPane::OnTransferCommand(WORD command) {
     if (!titleStore || !groupList || !trackList || !deviceLink) {
         return;
     }
+    // The link would refuse, and what runs would have been cut off for nothing.
+    if ((command == IDM_GET_GROUP || command == IDM_SEND_GROUP) && GetSelectedGroup() < 0) {
+        return;
+    }
     switch (command) {
         case IDM_GET_GROUP:
             BeginTransfer();
@@ -143,8 +147,9 @@ void EditorPane::ShowUndone(GroupId group, TrackNo track, const char* text) {
 }
 
 // 1 if the title that has the focus was cleared, or could be. The tracks of Albums are read-only, and blanks are no title.
+// Rows that are only just being filled may stand for other titles than a moment ago.
 int EditorPane::ClearTitle(bool apply) {
-    if (!groupList || !trackList || !titleStore) {
+    if (!groupList || !trackList || !titleStore || groupList->IsRefilling() || trackList->IsRefilling()) {
         return 0;
     }
     HWND focus = GetFocus();

@@ -81,6 +81,11 @@ void EditorPane::ScanNextPort(BYTE status) {
         scanning = true;
         scanPortNumber = 0;
     }
+    // A port may have failed more than once; that is not the next one's failure.
+    if (deviceLink) {
+        deviceLink->Disconnect();
+        DropLinkMessages();
+    }
     while (++scanPortNumber <= kLastPort) {
         char name[16];
         std::snprintf(name, sizeof name, "COM%d", scanPortNumber);
@@ -143,18 +148,23 @@ void EditorPane::Disarm() {
     const LockGuard guard(watchLock);
 }
 
-// Ends what runs, and with it what it has posted already: the end of an operation that was cut off must not be taken for the
-// end of the next one. The failures of a transfer stay, as the user has to hear of them.
+// Ends what runs, and with it what it has posted already.
 void EditorPane::CutOffLink() {
     Disarm();
     if (!deviceLink) {
         return;
     }
     deviceLink->StopOperation();
+    DropLinkMessages();
+}
+
+// The end of an operation that was cut off must not be taken for the end of the next one. The failures of a transfer stay,
+// as the user has to hear of them.
+void EditorPane::DropLinkMessages() const {
     std::vector<MSG> failures;
     MSG message;
     while (PeekMessageA(&message, hDlg, LM_RESULT, LM_PROGRESS, PM_REMOVE)) {
-        const bool isFailure = message.message == LM_RESULT && ByteOf(message.wParam, 16) != 0;
+        const bool isFailure = message.message == LM_RESULT && ByteOf(message.wParam, 24) != ST_OK;
         if (isFailure && LOWORD(message.wParam) != OP_CONNECT) {
             failures.push_back(message);
         }
@@ -183,8 +193,12 @@ void EditorPane::OnLinkProgress(WPARAM wParam, LPARAM lParam) {
 
 void EditorPane::OnLinkResult(WPARAM wParam) {
     const WORD operation = LOWORD(wParam);
-    const BYTE code = ByteOf(wParam, 16);
     const BYTE status = ByteOf(wParam, 24);
+    BYTE code = ByteOf(wParam, 16);
+    // The link names no reply for the map of the Albums. An end is never a failure.
+    if (code == 0 && status != ST_OK) {
+        code = RC_MAP;
+    }
     switch (operation) {
         case OP_CONNECT: OnConnectResult(code, status); break;
         case OP_GET_ALL: OnGetAllResult(code, status); break;

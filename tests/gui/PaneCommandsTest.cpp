@@ -68,6 +68,32 @@ TEST_F(PaneCommandsTest, TransfersCutOffWhatRunsAndCommitWhatIsTyped) {
     EXPECT_EQ(scripted::Store()->IsKnown(1, 0), 0) << "Get All Title empties the store";
 }
 
+TEST_F(PaneCommandsTest, WithoutAGroupNothingIsCutOff) {
+    Command(IDM_GET_ALL);
+    scripted::PostProgress(Pane(), OP_GET_ALL, 5, 1);
+    const std::string line = Line();
+    scripted::Take();
+    for (const int command : {IDM_SEND_GROUP, IDM_GET_GROUP}) {
+        Command(static_cast<WORD>(command));
+        EXPECT_EQ(scripted::Take(), "") << "the titles have still to come";
+    }
+    EXPECT_EQ(Line(), line);
+}
+
+TEST_F(PaneCommandsTest, AGroupStaysSelectedWhileItsRowIsFilledAnew) {
+    Select(2);
+    scripted::Take();
+    // The refresher has just begun.
+    SendMessageA(main_, WM_COMMAND, IDM_STOP, 0);
+    SendMessageA(Control(IDC_GROUP_LIST), LB_RESETCONTENT, 0, 0);
+    SendMessageA(main_, WM_COMMAND, IDM_STOP, 0);
+    SendMessageA(main_, WM_COMMAND, IDM_SEND_GROUP, 0);
+    EXPECT_EQ(scripted::Take(), "StopOperation\nStopOperation\nStopOperation\nSendGroup 1000\n");
+    ASSERT_TRUE(PumpUntil([this] { return Rows(IDC_GROUP_LIST) == "Dsc|1|Disc 1\nDsc|2|Disc 2\nAlb|1|Album 1\n"; }));
+    ASSERT_TRUE(PumpAll());
+    EXPECT_EQ(Selected(IDC_GROUP_LIST), 2);
+}
+
 TEST_F(PaneCommandsTest, GetOneGroupForgetsThatGroupAlone) {
     scripted::Store()->EditTitle(2, 1, "Not sent");
     Command(IDM_GET_GROUP);

@@ -45,6 +45,9 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     EXPECT_FALSE(AreControlsEnabled());
     scripted::PostProgress(Pane(), OP_CONNECT, 1);
     EXPECT_EQ(Line(), Text(IDS_SEARCHING));
+    // Each reply that cannot be read is told; the port is left once.
+    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
+    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(scripted::Take(), "Connect COM3\nConnect COM4\nConnect COM5\n");
@@ -67,6 +70,29 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     scripted::PostResult(Pane(), OP_CONNECT);
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST)) << "behind several ports it is where it was";
+}
+
+TEST_F(SearchTest, ADialogThatStandsKeepsTheFocus) {
+    scripted::OpenPorts({1, 2});
+    Open();
+    {
+        HWND field = nullptr;
+        const std::string caption = Text(IDS_RANGES_TITLE);
+        DialogAnswer cancel(caption.c_str(), IDCANCEL, [&](HWND dialog) {
+            field = GetDlgItem(dialog, IDC_DISC_TO);
+            SetFocus(field);
+            scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
+            EXPECT_TRUE(PumpAll());
+            EXPECT_EQ(GetFocus(), field) << "at the next port";
+            scripted::PostResult(Pane(), OP_CONNECT);
+            EXPECT_TRUE(PumpAll());
+            EXPECT_EQ(GetFocus(), field) << "and when the main unit was found";
+        });
+        Command(IDM_OPTION);
+        EXPECT_NE(field, nullptr);
+    }
+    ASSERT_TRUE(PumpUntil([this] { return GetFocus() != nullptr && GetParent(GetFocus()) == Pane(); }))
+        << "where the keys are the pane's";
 }
 
 TEST_F(SearchTest, WithoutAnyPortTheUserIsToldOnceAndMayGoOn) {
@@ -184,6 +210,8 @@ TEST_F(LinkEventsTest, ResultsAreToldAndLeadOn) {
         {OP_GET_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
         {OP_GET_ALL, RC_TITLE_WRITE, ST_TIMEOUT, 0, false, false, ""},
         {OP_GET_ALL, RC_STATUS, ST_OK, 0, false, false, ""},
+        {OP_GET_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
+        {OP_SEND_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
         {OP_GET_ALL, 0, ST_OK, 0, false, true, "GetGroupTracks 2\n"},
         {OP_GET_TRACKS, RC_STATUS, ST_FOREIGN, kStatus, false, true, ""},
         {OP_GET_GROUP, RC_COMMAND, ST_FOREIGN, kStatus, false, true, ""},
@@ -229,9 +257,10 @@ TEST_F(LinkEventsTest, TheTracksOfASelectedGroupAreFetched) {
     scripted::Take();
     Select(2);
     EXPECT_TRUE(Asked("GetGroupTracks 3\n"));
-    EXPECT_EQ(Rows(IDC_TRACK_LIST), "") << "until they are there";
+    ASSERT_TRUE(PumpUntil([this] { return Rows(IDC_TRACK_LIST) == "Tr|1|Disc 3, Track 1\n"; })) << "what is there already";
+    scripted::Store()->StoreReceived(3, 2, "Come since");
     scripted::PostResult(Pane(), OP_GET_TRACKS);
-    ASSERT_TRUE(PumpUntil([this] { return Rows(IDC_TRACK_LIST) == "Tr|1|Disc 3, Track 1\n"; }));
+    ASSERT_TRUE(PumpUntil([this] { return Rows(IDC_TRACK_LIST) == "Tr|1|Disc 3, Track 1\nTr|2|Come since\n"; }));
 
     // The end of a transfer has them fetched once more.
     Command(IDM_SEND_GROUP);
@@ -249,6 +278,7 @@ TEST_F(LinkEventsTest, TheTracksOfASelectedGroupAreFetched) {
     Sleep(50);
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(scripted::Take(), "");
+    EXPECT_EQ(Rows(IDC_TRACK_LIST), "Tr|1|Disc 1, Track 1\n") << "what has been typed there must be seen";
     scripted::PostResult(Pane(), OP_GET_TRACKS);
     EXPECT_TRUE(Asked("GetGroupTracks 1\n"));
 }

@@ -12,7 +12,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 seconds=$1
 shift
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(received replies title_files)
+[ ${#targets[@]} -gt 0 ] || targets=(received replies title_files settings)
 
 need_build_tools
 need clang libclang-rt-dev

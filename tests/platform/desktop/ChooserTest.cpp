@@ -15,6 +15,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "CodePage.h"
 #include "Desktop.h"
@@ -190,6 +191,16 @@ TEST_F(Chooser, AsksBeforeItReplacesAFile) {
     EXPECT_TRUE(GetSaveFileNameA(&chooser_));
     EXPECT_EQ(file_, Windows("new.txt"));
     EXPECT_EQ(chooser_.nFilterIndex, 2u);
+    // A dot alone makes no extension.
+    chooser_.nFilterIndex = 1;
+    for (const auto& [typed, saved] : {std::pair{"Best of Vol. 1", "Best of Vol. 1.csv"},
+                                       {"No.5", "No.5.csv"},
+                                       {"other.TXT", "other.TXT"},
+                                       {"a.b.mp3", "a.b.mp3"}}) {
+        user_.Type(typed);
+        EXPECT_TRUE(GetSaveFileNameA(&chooser_));
+        EXPECT_EQ(file_, Windows(saved));
+    }
     // The folder has to be there.
     user_.Type(folder_.path() + "/missing/new.csv");
     user_.Answer("Choose one", IDOK);

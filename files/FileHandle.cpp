@@ -18,11 +18,11 @@ FileHandle::~FileHandle() {
 int FileHandle::OpenFile(bool forWriting, const char* path) {
     CloseFile();
     if (forWriting) {
-        // Nothing is ever appended to what was there.
+        // Where that is not allowed the file is at least emptied: nothing is ever mixed with what was there.
         DeleteFileA(path);
     }
     handle = CreateFileA(path, forWriting ? GENERIC_WRITE : GENERIC_READ, 0, nullptr,
-                         forWriting ? OPEN_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+                         forWriting ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     writing = forWriting;
     return handle != INVALID_HANDLE_VALUE ? 1 : 0;
 }

@@ -44,15 +44,20 @@ int TitleFile::ReadTitles(const char* path) {
         return kNotRead;
     }
     file.CloseFile();
+    return TakeTitles(path, text.View());
+}
+
+int TitleFile::TakeTitles(std::string_view path, std::string_view text) {
+    const std::string_view used = text.substr(0, text.find('\0'));
     ClearTitles();
     const std::string extension = ExtensionOf(path);
     if (extension == "asx") {
-        return ReadAsx(text.View()) != 0 ? kDone : kRefused;
+        return ReadAsx(used) != 0 ? kDone : kRefused;
     }
     if (extension == "csv") {
-        ReadCsv(text.View());
+        ReadCsv(used);
     } else {
-        ReadTabText(text.View());
+        ReadTabText(used);
     }
     return kDone;
 }
@@ -94,18 +99,19 @@ int TitleFile::BeginExport(const char* path) {
     return kDone;
 }
 
-// As in  7,"a title with ""quotes"""
 int TitleFile::WriteTitle(int number, const char* text) {
-    if (!output) {
-        return 0;
-    }
+    return output ? output->WriteLine(Row(number, text).c_str()) : 0;
+}
+
+// As in  7,"a title with ""quotes"""
+std::string TitleFile::Row(int number, const char* text) {
     char head[16];
     std::snprintf(head, sizeof head, "%2d,", number);
     std::string row = std::string(head) + '"';
     for (const char* letter = text; letter < text + kTitleLength && *letter != '\0'; ++letter) {
         row.append(*letter == '"' ? 2U : 1U, *letter);
     }
-    return output->WriteLine((row + '"').c_str());
+    return row + '"';
 }
 
 void TitleFile::EndExport() {

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "FileHandle.h"
@@ -31,6 +32,8 @@ public:
     // anything else tab text. Gives kDone, whatever titles there are, kNoPath, kNotOpened, kNotRead, or kRefused for a play
     // list that is none.
     int ReadTitles(const char* path);
+    // The same with a text that was read already, up to its first zero byte. Of the path only the extension counts.
+    int TakeTitles(std::string_view path, std::string_view text);
     int CountTitles() const;
     // `text` has room for 33 bytes. Gives 1, or 0 without a title of that number.
     int GetImportTitle(int index, char* text) const;
@@ -42,6 +45,8 @@ public:
     // Gives 1, or 0 if the row was not written.
     int WriteTitle(int number, const char* text);
     void EndExport();
+    // A row of a CSV file without its end.
+    static std::string Row(int number, const char* text);
 
     // --- The formats; any text will do. A play list that is refused may have left titles behind.
     void ReadCsv(std::string_view text);

@@ -46,6 +46,7 @@ TEST(Asx, GivesTheTitlesOfTheListAndItsEntries) {
                     "</EVENT><ENTRY><TITLE>c</TITLE></ENTRY>"),
               "1=c|");
     EXPECT_EQ(InEntry("<TITLE>a</TITLE><TITLE>b</TITLE><PARAM NAME=\"NAME\" VALUE=\"c\" />"), "1=a|");
+    EXPECT_EQ(InEntry("<TITLE>a< /TITLE><AUTHOR>b</AUTHOR junk><REF>< /REF>"), "1=a|");
     EXPECT_EQ(InEntry("<TITLE></TITLE><TITLE> \t</TITLE><ABSTRACT>x</ABSTRACT><AUTHOR>y</AUTHOR>"), "");
     EXPECT_EQ(InEntry("<TITLE>" + std::string(200, 'x') + "</TITLE>"), "1=" + std::string(32, 'x') + "|");
     std::string entries;
@@ -59,7 +60,11 @@ TEST(Asx, GivesTheTitlesOfTheListAndItsEntries) {
 TEST(Asx, ParametersMayNameThings) {
     EXPECT_EQ(InAsx("<PARAM name=\"Name\" value=\"List a\"/><ENTRY><PARAM NAME = \"NAME\" VALUE = \"b\" /></ENTRY>"),
               "0=List a|1=b|");
+    EXPECT_EQ(InAsx("<ENTRY></ENTRY><PARAM NAME=\"NAME\" VALUE=\"Late\" />"), "0=Late|");
+    EXPECT_EQ(InAsx("<REPEAT><ENTRY><PARAM NAME=\"NAME\" VALUE=\"x\" /></ENTRY></REPEAT>"), "");
     EXPECT_EQ(InEntry("<PARAM VALUE=\"x\" NAME=\"NAME\" />"), "") << "the name has to come first";
+    EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"" + std::string(120, 'v') + "\" />"), "1=" + std::string(32, 'v') + "|");
+    EXPECT_EQ(InEntry("<REF HREF=>x />"), "") << "what is passed over in place of a quote may be the end of the tag";
     EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"\" />"), "");
     EXPECT_EQ(InEntry("<PARAM NAME=\"OTHER\" VALUE=\"x\" />"), "");
     EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"x\" VALUE=\"y\" />"), "1=x|");
@@ -71,6 +76,74 @@ TEST(Asx, ParametersMayNameThings) {
     EXPECT_EQ(InEntry("<BASE " + std::string(99, 'n') + "=\"x\" />"), "");
     EXPECT_EQ(InEntry("<BASE " + std::string(100, 'n') + "=\"x\" />"), kRefused);
     EXPECT_EQ(InEntry("<BASE A=\"" + std::string(500, '>') + "\" />"), "");
+}
+
+// Every element in every place, in each of its forms.
+TEST(Asx, ElementsStandWhereTheyBelong) {
+    enum Form { kNever, kText, kContainer, kContainerOrEmpty, kEmpty };
+    const struct {
+        const char* name;
+        Form form;
+        const char* parents;
+    } elements[] = {
+        {"!--", kNever, ""},
+        {"ABSTRACT", kText, " ASX BANNER ENTRY "},
+        {"ASX", kContainer, " "},
+        {"AUTHOR", kText, " ASX ENTRY "},
+        {"BANNER", kContainerOrEmpty, " ASX ENTRY "},
+        {"BASE", kEmpty, " ASX ENTRY "},
+        {"COPYRIGHT", kText, " ASX ENTRY "},
+        {"DURATION", kEmpty, " ENTRY REF "},
+        {"ENDMARKER", kEmpty, " ENTRY REF "},
+        {"ENTRY", kContainer, " ASX EVENT REPEAT "},
+        {"ENTRYREF", kEmpty, " ASX EVENT REPEAT "},
+        {"EVENT", kContainer, " ASX "},
+        {"LOGO", kEmpty, " ASX ENTRY "},
+        {"MOREINFO", kEmpty, " ASX BANNER ENTRY "},
+        {"PARAM", kEmpty, " ASX ENTRY "},
+        {"PREVIEWDURATION", kEmpty, " ASX ENTRY REF "},
+        {"REF", kContainerOrEmpty, " ENTRY "},
+        {"REPEAT", kContainer, " ASX "},
+        {"SKIN", kNever, ""},
+        {"STARTMARKER", kEmpty, " ENTRY REF "},
+        {"STARTTIME", kEmpty, " ENTRY REF "},
+        {"TITLE", kText, " ASX ENTRY "},
+        {"VIDEO", kNever, ""},
+    };
+    const struct {
+        const char* name;
+        const char* before;
+        const char* behind;
+    } places[] = {
+        {"ASX", "<ASX>", "</ASX>"},
+        {"ENTRY", "<ASX><ENTRY>", "</ENTRY></ASX>"},
+        {"EVENT", "<ASX><EVENT>", "</EVENT></ASX>"},
+        {"REPEAT", "<ASX><REPEAT>", "</REPEAT></ASX>"},
+        {"REF", "<ASX><ENTRY><REF>", "</REF></ENTRY></ASX>"},
+        {"BANNER", "<ASX><BANNER>", "</BANNER></ASX>"},
+        {"TITLE", "<ASX><TITLE>", "</TITLE></ASX>"},
+    };
+    for (const auto& element : elements) {
+        const std::string tag = std::string("<") + element.name;
+        const std::string end = std::string("</") + element.name + ">";
+        const struct {
+            std::string text;
+            bool isFine;
+        } forms[] = {
+            {tag + " />", element.form == kEmpty || element.form == kContainerOrEmpty},
+            {tag + " A=\"b\"/>", element.form == kEmpty || element.form == kContainerOrEmpty},
+            {tag + ">" + end, element.form != kEmpty},
+            {tag + "> x " + end, element.form == kText},
+            {tag + ">" + std::string("</VIDEO>"), false},
+        };
+        for (const auto& place : places) {
+            const bool belongs = std::string(element.parents).find(' ' + std::string(place.name) + ' ') != std::string::npos;
+            for (const auto& form : forms) {
+                EXPECT_EQ(Asx(place.before + form.text + place.behind) != kRefused, belongs && form.isFine)
+                    << form.text << " in " << place.name;
+            }
+        }
+    }
 }
 
 TEST(Asx, RefusesWhatIsNoPlayList) {
@@ -90,6 +163,7 @@ TEST(Asx, RefusesWhatIsNoPlayList) {
         EXPECT_EQ(InEntry(text), kRefused) << text;
         EXPECT_EQ(Asx("<ASX><ENTRY>" + std::string(text)), kRefused) << text << " at the end";
     }
+    EXPECT_EQ(InEntry("< TITLE>x</TITLE>"), kRefused);
     EXPECT_EQ(InEntry("<" + std::string(101, 'A') + ">"), kRefused);
     EXPECT_EQ(InEntry("<REF /><TITLE>a</TITLE>"), "1=a|") << "with a blank";
 }

@@ -2,7 +2,9 @@
 #include "TitleFile.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -123,6 +125,10 @@ TEST_F(JapaneseTest, ACharacterIsOneBlankAndNeverHalved) {
     const std::string thirty(30, 'a');
     EXPECT_EQ(Csv("1," + thirty + "\x83\x41zz\n"), "1=" + thirty + " |");
     EXPECT_EQ(Csv("1," + thirty + "b\x83\x41zz\n"), "1=" + thirty + "b |");
+    const std::string longest(31, 'a');
+    EXPECT_EQ(Tab("1\t" + longest + "\x83"), "1=" + longest + " |") << "half a character in the last place";
+    EXPECT_EQ(Csv("1," + longest + "\x83"), "1=" + longest + "|");
+    EXPECT_EQ(Csv("1," + thirty + "\x83\x83\x83\x83zz\n"), "1=" + thirty + " |");
     EXPECT_EQ(Csv("1,a\x83\n2,b\n"), "1=a 2|") << "and like a line feed";
     EXPECT_EQ(Csv("1,a\x83"), "1=a|") << "half a character is dropped at the end of a value";
     EXPECT_EQ(Tab("1\ta\x83"), "1=a |") << "and is a blank where nothing is unquoted";
@@ -172,6 +178,23 @@ TEST_F(TitleFileTest, TheNameChoosesTheFormat) {
     EXPECT_EQ(Titles(file), "1=a|2=b|") << "nothing was read";
 }
 
+// A disk that is full: what goes over the limit fails as it does there.
+TEST_F(TitleFileTest, ARowThatIsNotWrittenIsToldAndTheNextIsTried) {
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const rlimit small{20, limit.rlim_max};
+    TitleFile file;
+    ASSERT_EQ(file.BeginExport(Path("full.csv").c_str()), 0);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_EQ(file.WriteTitle(1, "ten letters"), 1);
+    EXPECT_EQ(file.WriteTitle(2, "many more letters"), 0);
+    EXPECT_EQ(file.WriteTitle(3, ""), 0);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    EXPECT_EQ(file.WriteTitle(4, "d"), 1);
+    std::signal(SIGXFSZ, before);
+}
+
 TEST_F(TitleFileTest, WhatIsWrittenReadsBack) {
     Write("out.csv", std::string(1000, 'x'));
     TitleFile file;
@@ -199,4 +222,34 @@ TEST_F(TitleFileTest, WhatIsWrittenReadsBack) {
         EXPECT_EQ(open.WriteTitle(1, "kept"), 1);
     }
     EXPECT_EQ(Read("kept.csv"), " 1,\"kept\"\r\n") << "an end without EndExport loses nothing";
+}
+
+// Files as a spreadsheet has written them, from the same rows each time. Bytes that are no ASCII become blanks; in Shift-JIS
+// read for a Japanese user each character is one, and the last one of "Rain", whose second byte looks like the beginning of
+// another, takes the separator behind it along, as a reader that looks one byte back has to.
+TEST_F(TitleFileTest, FilesOfASpreadsheet) {
+    const std::string begin = "0=Harbour in March|1=Low Water|2=Neap, \"Spring\"|";
+    const std::string plain = "0=Harbour in March|1=Low Water|2=Neap|";
+    const std::string end = "6=After|10=  spaced  |11=End|";
+    const struct {
+        const char* name;
+        UINT codePage;
+        std::string titles;
+    } files[] = {
+        {"quoted-utf-8.csv", 1252, begin + "3=Caf            |4=         ,   |5=Rain       |" + end},
+        {"unquoted-utf-8.csv", 1252, plain + "3=Caf            |4=         |5=Rain       |" + end},
+        {"tab-utf-8.txt", 1252, begin + "3=Caf            |4=         ,   |5=Rain       |" + end},
+        {"quoted-shift-jis.csv", 1252, begin + "3=Cafe  C   \\|4= \\ \\ \\, \\|5=Rain  A  |" + end},
+        {"unquoted-shift-jis.csv", 1252, plain + "3=Cafe  C   \\|4= \\ \\ \\|5=Rain  A  |" + end},
+        {"quoted-shift-jis.csv", 932, begin + "3=Cafe    |4=   , |5=Rain   \"  6\"|10=  spaced  |11=End|"},
+        {"unquoted-shift-jis.csv", 932, plain + "3=Cafe    |4=   |5=Rain    6|10=  spaced  |11=End|"},
+    };
+    for (const auto& one : files) {
+        kernel::SetCodePage(one.codePage);
+        fs::copy_file(fs::path(SAMPLES_FOLDER) / one.name, folder_ / one.name, fs::copy_options::overwrite_existing);
+        TitleFile file;
+        EXPECT_EQ(file.ReadTitles(Path(one.name).c_str()), 0);
+        EXPECT_EQ(Titles(file), one.titles) << one.name << ' ' << one.codePage;
+    }
+    kernel::SetCodePage(1252);
 }

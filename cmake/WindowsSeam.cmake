@@ -16,3 +16,10 @@ target_include_directories(threads INTERFACE ${CMAKE_SOURCE_DIR}/platform/thread
 add_library(locks INTERFACE)
 target_include_directories(locks INTERFACE ${CMAKE_SOURCE_DIR}/platform/locks)
 target_link_libraries(locks INTERFACE seam)
+
+# The header library of Debian, without the headers of the C library that stand beside it.
+find_file(NLOHMANN_HEADERS nlohmann PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
+file(CREATE_LINK ${NLOHMANN_HEADERS} ${CMAKE_BINARY_DIR}/headers/nlohmann SYMBOLIC)
+add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)
+target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)

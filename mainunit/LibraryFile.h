@@ -1,29 +1,13 @@
-// The library as a JSON file.
-//
-//     {
-//       "discs": {
-//         "12": { "title": "Harbour in March", "tracks": { "1": "Low Water", "2": null } }
-//       },
-//       "albums": {}
-//     }
-//
-// What is listed exists; null, or a missing "title", means that there is no title.
+// The library as a file of JSON, in the form that LibraryText.h tells.
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "UnitLibrary.h"
 
 namespace mainunit {
 
-// Reads strictly: a name that is not known or stands twice, a number out of range, a title that is too long or not
-// printable ASCII is an error. On failure the result is false, `library` is unchanged and `error` says where and why.
-bool ParseLibrary(std::string_view text, UnitLibrary& library, std::string& error);
-
-std::string FormatLibrary(const UnitLibrary& library);
-
-// As ParseLibrary, for a file of at most 32 MiB.
+// Reads as strictly as ParseLibrary. A file has at most 32 MiB.
 bool LoadLibrary(const std::string& path, UnitLibrary& library, std::string& error);
 
 // Replaces the file as a whole: after a crash or a full disk the old or the new content stands there, never a part. A

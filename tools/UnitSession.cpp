@@ -105,7 +105,7 @@ Outcome UnitSession::ReadGroup(GroupId group) {
     if (own != Outcome::kDone || !tracksWanted_) {
         return own;
     }
-    const Outcome tracks = Run([this, group] { return link_.GetGroupTracks(group); });
+    const Outcome tracks = ReadTracks(group);
     if (tracks != Outcome::kTimeOut || store_.GetState(group, 0) > TS_NONE) {
         return tracks;
     }
@@ -114,8 +114,16 @@ Outcome UnitSession::ReadGroup(GroupId group) {
     return Run([this, group] { return link_.GetOneGroup(group); });
 }
 
+Outcome UnitSession::ReadTracks(GroupId group) {
+    return Run([this, group] { return link_.GetGroupTracks(group); });
+}
+
 Outcome UnitSession::SendGroup(GroupId group) {
     return Run([this, group] { return link_.SendGroup(group); });
+}
+
+Outcome UnitSession::SendAll() {
+    return Run([this] { return link_.SendAllTitles(); });
 }
 
 void UnitSession::RequestStop() {

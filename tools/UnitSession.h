@@ -46,7 +46,11 @@ public:
     Outcome ReadGroupTitles();
     // The group's own title, and its tracks unless the limit says that there is none to read.
     Outcome ReadGroup(GroupId group);
+    // The tracks alone, of a group whose own title was read before.
+    Outcome ReadTracks(GroupId group);
+    // What is edited, in the group or in all.
     Outcome SendGroup(GroupId group);
+    Outcome SendAll();
 
     TitleStore& Store() { return store_; }
 

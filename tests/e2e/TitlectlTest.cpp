@@ -10,51 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "EndToEndTest.h"
 #include "Faults.h"
+#include "TitlectlTest.h"
 
 namespace {
 
 using mainunit::Entry;
 using mainunit::GroupKind;
-
-constexpr int kDone = 0;
-constexpr int kUsage = 1;
-constexpr int kNoUnit = 2;
-constexpr int kMenuMode = 4;
-constexpr int kTrayOpen = 5;
-constexpr int kNoData = 6;
-constexpr int kTimeOut = 7;
-constexpr int kRefused = 8;
-constexpr int kNotStopped = 9;
-constexpr int kNotWritable = 10;
-constexpr int kDiffers = 11;
-constexpr int kStopped = 130;
-
-class TitlectlTest : public EndToEndTest {
-protected:
-    Process Start(const std::vector<std::string>& arguments) {
-        return Process(TITLECTL_PROGRAM, arguments, NextOutputs("titlectl"));
-    }
-
-    // A whole run; its exit code.
-    int Run(const std::vector<std::string>& arguments) {
-        Process process = Start(arguments);
-        const int code = process.End();
-        output_ = process.Output();
-        errors_ = process.Errors();
-        return code;
-    }
-
-    std::string SavedTitle(const Entry& entry) const {
-        const mainunit::UnitLibrary library = Saved();
-        const std::string* title = library.Title(entry);
-        return title != nullptr ? *title : "(none)";
-    }
-
-    std::string output_;
-    std::string errors_;
-};
 
 // Refusals in a wanted order: the options for a unit whose n-th reply with a title or a map is refused where the n-th
 // character is an x. What comes behind them is left to chance.
@@ -166,6 +128,11 @@ TEST_F(TitlectlTest, TellsTheUsage) {
         {"get", "D1", "1", "2"},
         {"set", "D1", "1"},
         {"set", "D1", "1", "Text", "and more"},
+        {"import", "D1"},
+        {"export", "titles.csv"},
+        {"backup"},
+        {"backup", "--dry-run", "backup.json"},
+        {"restore", "--dry-run"},
     };
     for (const std::vector<std::string>& arguments : wrong) {
         EXPECT_EQ(Run(arguments), kUsage) << (arguments.empty() ? "" : arguments.back());

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "LibraryText.h"
+
 namespace mainunit {
 namespace {
 

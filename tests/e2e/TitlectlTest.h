@@ -1,0 +1,50 @@
+// titlectl at a main unit, a whole run a call.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "EndToEndTest.h"
+
+class TitlectlTest : public EndToEndTest {
+protected:
+    static constexpr int kDone = 0;
+    static constexpr int kUsage = 1;
+    static constexpr int kNoUnit = 2;
+    static constexpr int kMenuMode = 4;
+    static constexpr int kTrayOpen = 5;
+    static constexpr int kNoData = 6;
+    static constexpr int kTimeOut = 7;
+    static constexpr int kRefused = 8;
+    static constexpr int kNotStopped = 9;
+    static constexpr int kNotWritable = 10;
+    static constexpr int kDiffers = 11;
+    static constexpr int kFile = 13;
+    static constexpr int kStopped = 130;
+
+    Process Start(const std::vector<std::string>& arguments) {
+        return Process(TITLECTL_PROGRAM, arguments, NextOutputs("titlectl"));
+    }
+
+    // A whole run; its exit code.
+    int Run(const std::vector<std::string>& arguments) {
+        Process process = Start(arguments);
+        return End(process);
+    }
+
+    int End(Process& process) {
+        const int code = process.End();
+        output_ = process.Output();
+        errors_ = process.Errors();
+        return code;
+    }
+
+    std::string SavedTitle(const mainunit::Entry& entry) const {
+        const mainunit::UnitLibrary library = Saved();
+        const std::string* title = library.Title(entry);
+        return title != nullptr ? *title : "(none)";
+    }
+
+    std::string output_;
+    std::string errors_;
+};

@@ -224,6 +224,16 @@ TEST_F(TitleFileTest, WhatIsWrittenReadsBack) {
     EXPECT_EQ(Read("kept.csv"), " 1,\"kept\"\r\n") << "an end without EndExport loses nothing";
 }
 
+// A list as a player of today writes it: the first line is what older ones do not have, and what is refused.
+TEST_F(TitleFileTest, APlayersList) {
+    std::ifstream sample(fs::path(SAMPLES_FOLDER) / "player.asx", std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(sample), {});
+    TitleFile file;
+    EXPECT_EQ(file.TakeTitles("player.asx", text), TitleFile::kRefused);
+    EXPECT_EQ(file.TakeTitles("player.asx", text.substr(text.find("<asx"))), TitleFile::kDone);
+    EXPECT_EQ(Titles(file), "0=Evening List|");
+}
+
 // Files as a spreadsheet has written them, from the same rows each time. Bytes that are no ASCII become blanks; in Shift-JIS
 // read for a Japanese user each character is one, and the last one of "Rain", whose second byte looks like the beginning of
 // another, takes the separator behind it along, as a reader that looks one byte back has to.

@@ -75,7 +75,7 @@ private:
     UnitLibrary library_;
     UnitSettings settings_;
     Log log_;
-    RequestCutter cutter_;
+    PieceCutter cutter_ = PieceCutter::ForRequests();
     std::optional<Entry> awaited_;      // the entry of an accepted TitleWrite that its TitleData did not follow yet
     std::size_t statusIndex_ = 0;       // the next value to be told
     std::optional<std::uint8_t> told_;  // the value of the last StatusReply to parameter 0x00

@@ -11,7 +11,10 @@ constexpr std::size_t kShortBytes = 7;
 constexpr std::size_t kRequestPayload = 0x10;
 constexpr std::size_t kBlockOverhead = 8;
 // A TitleData is the longest frame that a client sends.
-constexpr std::size_t kLongestFrame = kTitleBytes + kBlockOverhead;
+constexpr std::size_t kLongestRequest = kTitleBytes + kBlockOverhead;
+constexpr std::size_t kLongestReply = 255 + kBlockOverhead;
+constexpr std::string_view kRequestStarts = "\x02\x11\x14";
+constexpr std::string_view kReplyStarts = "\x02\x12\x14";
 
 constexpr std::string_view kPadding = "00000000";
 
@@ -119,15 +122,11 @@ bool ReadBlock(std::string_view frame, UnitRequest& request, std::string& proble
     return Refuse(problem, "block frame of no known kind");
 }
 
-bool StartsFrame(char byte) {
-    return byte == kStx || byte == kDc1 || byte == kDc4;
-}
-
 }  // namespace
 
 bool ReadRequest(std::string_view piece, UnitRequest& request, std::string& problem) {
     request = {};
-    if (piece.empty() || !StartsFrame(piece.front()))
+    if (piece.empty() || kRequestStarts.find(piece.front()) == std::string_view::npos)
         return Refuse(problem, "bytes outside a frame");
     if (piece.back() != kEtx)
         return Refuse(problem, "frame without its end");
@@ -140,7 +139,15 @@ bool ReadRequest(std::string_view piece, UnitRequest& request, std::string& prob
     }
 }
 
-std::vector<std::string> RequestCutter::Feed(std::string_view bytes) {
+PieceCutter PieceCutter::ForRequests() {
+    return {kRequestStarts, kLongestRequest};
+}
+
+PieceCutter PieceCutter::ForReplies() {
+    return {kReplyStarts, kLongestReply};
+}
+
+std::vector<std::string> PieceCutter::Feed(std::string_view bytes) {
     std::vector<std::string> pieces;
     const auto flush = [&] {
         if (!held_.empty())
@@ -148,12 +155,12 @@ std::vector<std::string> RequestCutter::Feed(std::string_view bytes) {
         inFrame_ = false;
     };
     for (const char byte : bytes) {
-        if (StartsFrame(byte)) {
+        if (starts_.find(byte) != std::string_view::npos) {
             flush();
             inFrame_ = true;
         }
         held_ += byte;
-        if ((inFrame_ && byte == kEtx) || held_.size() > kLongestFrame)
+        if ((inFrame_ && byte == kEtx) || held_.size() > longest_)
             flush();
     }
     // What belongs to no frame has nothing to wait for.

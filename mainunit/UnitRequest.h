@@ -32,18 +32,26 @@ struct UnitRequest {
 // Reads one piece of the cutter. On failure the result is false and `problem` says why it is no frame that can be answered.
 bool ReadRequest(std::string_view piece, UnitRequest& request, std::string& problem);
 
-// Cuts the received bytes into pieces, at whatever places they were parted on the way: frames, from their start byte to
-// their ETX, and between them what belongs to no frame.
-class RequestCutter {
+// Cuts the bytes of one direction into pieces, at whatever places they were parted on the way: frames, from their start byte
+// to their ETX, and between them what belongs to no frame.
+class PieceCutter {
 public:
+    static PieceCutter ForRequests();
+    static PieceCutter ForReplies();
+
     // A start byte drops an unfinished frame, so that one lost byte costs one frame. The pieces come in their order and,
     // together with what is held for the next call, are exactly the bytes received.
     std::vector<std::string> Feed(std::string_view bytes);
 
     // Bytes of an unfinished frame, at most the length of the longest frame.
     std::size_t held() const { return held_.size(); }
+    const std::string& heldBytes() const { return held_; }
 
 private:
+    PieceCutter(std::string_view starts, std::size_t longest) : starts_(starts), longest_(longest) {}
+
+    std::string_view starts_;
+    std::size_t longest_;
     std::string held_;
     bool inFrame_ = false;
 };

@@ -88,6 +88,8 @@ struct Valued {
 constexpr Valued kValued[] = {
     {"--device",
      [](Options& options, const std::string& value, std::string& error) { return SetText(options.device, value, error); }},
+    {"--spy",
+     [](Options& options, const std::string& value, std::string& error) { return SetText(options.spy, value, error); }},
     {"--link", SetLink},
     {"--ports",
      [](Options& options, const std::string& value, std::string& error) { return SetText(options.ports, value, error); }},
@@ -114,8 +116,17 @@ constexpr Valued kValued[] = {
      [](Options& options, const std::string& value, std::string& error) { return SetText(options.log, value, error); }},
 };
 
-bool CheckTogether(const Options& options, std::string& error) {
-    if (!options.device.empty() && !options.link.empty())
+// All others are about a unit that is simulated.
+bool GoesWithSpy(const std::string& name) {
+    static constexpr std::string_view kNames[] = {"--spy", "--link", "--ports", "--log", "--help"};
+    return std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
+}
+
+bool CheckTogether(const Options& options, const std::vector<std::string>& given, std::string& error) {
+    const auto odd = std::find_if_not(given.begin(), given.end(), GoesWithSpy);
+    if (!options.spy.empty() && odd != given.end())
+        error = *odd + " does not go with --spy, which passes on what a real unit says";
+    else if (!options.device.empty() && !options.link.empty())
         error = "--link needs the pseudo terminal; a client of --device opens the other end of the cable";
     else if (!options.ports.empty() && options.link.empty())
         error = "--ports needs --link";
@@ -127,8 +138,10 @@ bool CheckTogether(const Options& options, std::string& error) {
 }  // namespace
 
 bool ParseOptions(const std::vector<std::string>& arguments, Options& options, std::string& error) {
+    std::vector<std::string> given;
     for (std::size_t at = 0; at < arguments.size(); ++at) {
         const std::string& name = arguments[at];
+        given.push_back(name);
         const auto named = [&](const auto& known) { return name == known.name; };
         if (const auto* flag = std::find_if(std::begin(kFlags), std::end(kFlags), named); flag != std::end(kFlags)) {
             flag->set(options);
@@ -150,7 +163,7 @@ bool ParseOptions(const std::vector<std::string>& arguments, Options& options, s
             return false;
         }
     }
-    return CheckTogether(options, error);
+    return CheckTogether(options, given, error);
 }
 
 const char* Usage() {
@@ -164,6 +177,10 @@ The line:
   --link COM1         let this port name (COM1 to COM8) stand for the pseudo terminal while the unit runs
   --ports DIR         folder for that link; without it tesselia/ports in the user's configuration folder
   --pace BAUD         speed of the line, both ways; 0 for no delay (default: 9600, with --device 0)
+
+Listening:
+  --spy DEVICE        simulate nothing: stand between a client and the real unit on DEVICE, pass every byte on, and
+                      write down what is said; the client opens the pseudo terminal, by --link as a port
 
 The unit:
   --library FILE      titles to serve; each change is saved there at once

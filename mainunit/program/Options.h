@@ -13,6 +13,7 @@ namespace mainunit {
 
 struct Options {
     std::string device;   // empty: a pseudo terminal
+    std::string spy;      // a device to be listened to; empty: a unit is simulated
     std::string link;     // "COM1" to "COM8", or empty
     std::string ports;    // the folder for the link; empty: that of the user's configuration
     std::string library;  // empty: nothing is loaded or saved

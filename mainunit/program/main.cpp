@@ -1,4 +1,4 @@
-// The program mainunit: a simulated main unit on a pseudo terminal or a serial device.
+// The program mainunit: a simulated main unit on a pseudo terminal or a serial device, or a listener in front of a real one.
 
 #include <csignal>
 #include <cstdio>
@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "LibraryFile.h"
+#include "LineSpy.h"
 #include "Options.h"
 #include "PortLink.h"
 #include "UnitPort.h"
@@ -82,6 +83,13 @@ std::FILE* OpenLog(const Options& options) {
     return options.log == "-" ? stdout : std::fopen(options.log.c_str(), "we");
 }
 
+bool CloseLog(std::FILE* log) {
+    const bool isComplete = !log || (std::fflush(log) == 0 && !std::ferror(log));
+    if (!isComplete)
+        Fail(kFailed, "the log is not complete");
+    return isComplete;
+}
+
 bool MakeLink(const Options& options, const UnitPort& port, PortLink& link, std::string& error) {
     if (options.link.empty())
         return true;
@@ -91,6 +99,23 @@ bool MakeLink(const Options& options, const UnitPort& port, PortLink& link, std:
         return false;
     }
     return link.Create(folder, options.link, port.path(), error);
+}
+
+int Spy(const Options& options) {
+    std::string error;
+    UnitPort client;
+    UnitPort unit;
+    PortLink link;
+    std::FILE* const log = OpenLog(options);
+    if (!log)
+        return Fail(kFailed, options.log + ": cannot be written");
+    const sigset_t waitMask = PrepareSignals();
+    if (!unit.OpenDevice(options.spy, error) || !client.OpenTerminal(error) || !MakeLink(options, client, link, error))
+        return Fail(kFailed, error);
+    std::printf("ready: %s\n", client.path().c_str());
+    std::fflush(stdout);
+    const bool passed = LineSpy(client, unit, log).Run(stopAsked, waitMask);
+    return CloseLog(log) && passed ? 0 : kFailed;
 }
 
 int Serve(const Options& options) {
@@ -111,9 +136,7 @@ int Serve(const Options& options) {
     std::printf("ready: %s\n", port.path().c_str());
     std::fflush(stdout);
     const bool served = server.Run(stopAsked, waitMask);
-    if (log && (std::fflush(log) != 0 || std::ferror(log)))
-        return Fail(kFailed, "the log is not complete");
-    return served ? 0 : kFailed;
+    return CloseLog(log) && served ? 0 : kFailed;
 }
 
 }  // namespace
@@ -127,5 +150,5 @@ int main(int argc, char** argv) {
         std::fputs(Usage(), stdout);
         return 0;
     }
-    return Serve(options);
+    return options.spy.empty() ? Serve(options) : Spy(options);
 }

@@ -293,6 +293,48 @@ TEST_F(ProgramTest, ServesADeviceGivenByName) {
     EXPECT_EQ(program.End(), 1) << "a device that is pulled out ends the program";
 }
 
+TEST_F(ProgramTest, ListensToARealUnit) {
+    Program unit({"--sample", "--pace", "0", "--quiet"});
+    Program spy({"--spy", unit.Path(), "--link", "COM5", "--ports", ports_, "--log", folder_ / "dialogue.log"});
+    spy.Path();
+    for (int client = 0; client < 2; ++client) {
+        const Client line(ports_ / "com5");
+        EXPECT_EQ(line.Ask(kModelQuery), ModelReply("C0053"));
+        EXPECT_EQ(line.Ask(BlockFrame("0300000000000000")).size(), 262U);
+        line.Tell("\r\n\x14half a frame");
+        EXPECT_EQ(line.Ask(std::string("\x02") + "52060\x03"), ShortReply(kStatusReply, 0xFF));
+    }
+    // The line comes first, and the log behind it.
+    const auto Log = [this] {
+        std::stringstream log;
+        log << std::ifstream(folder_ / "dialogue.log").rdbuf();
+        return log.str();
+    };
+    const auto deadline = Clock::now() + kLimit;
+    while (Clock::now() < deadline && Log().rfind("StatusReply") == Log().find("StatusReply")) {}
+    EXPECT_EQ(spy.End(SIGTERM), 0);
+    const std::string log = Log();
+    std::size_t at = 0;
+    for (const char* text :
+         {" > ModelQuery ", " < ModelReply \"C0053\" ", " > MapQuery Discs ", " < MapReply ", "(bytes outside a frame)",
+          "(frame without its end)", " > StatusQuery 0x60 ", " < StatusReply 0xFF "}) {
+        at = log.find(text, at);
+        ASSERT_NE(at, std::string::npos) << text << "\n" << log;
+    }
+    EXPECT_FALSE(fs::exists(fs::symlink_status(ports_ / "com5")));
+    EXPECT_EQ(unit.End(SIGTERM), 0);
+}
+
+TEST_F(ProgramTest, TheSpyEndsWithItsUnit) {
+    Program unit({"--quiet"});
+    Program spy({"--spy", unit.Path(), "--log", "-"});
+    const Client line(spy.Path());
+    EXPECT_EQ(line.Ask(kModelQuery), ModelReply("C0053"));
+    EXPECT_EQ(unit.End(SIGTERM), 0);
+    EXPECT_EQ(spy.End(), 1);
+    EXPECT_NE(spy.lastOutput().find("mainunit: "), std::string::npos) << spy.lastOutput();
+}
+
 TEST_F(ProgramTest, RefusesWrongOptionsAndLibraries) {
     const std::vector<std::vector<std::string>> wrong = {
         {"--nonsense"},
@@ -310,6 +352,7 @@ TEST_F(ProgramTest, RefusesWrongOptionsAndLibraries) {
         {"--ports", "/tmp"},
         {"--log", ""},
         {"--link", "COM1", "--device", "/dev/null"},
+        {"--spy", "/dev/null", "--sample"},
     };
     for (const std::vector<std::string>& arguments : wrong) {
         Program program(arguments);

@@ -109,12 +109,12 @@ TEST(UnitRequest, RefusesWhatBreaksTheFormat) {
     }
 }
 
-TEST(RequestCutter, PutsFramesTogetherAtAnyPartition) {
+TEST(PieceCutter, PutsFramesTogetherAtAnyPartition) {
     const std::string first = Frame(kDc4, kAbcData);
     const std::string second = Frame(kStx, "52060");
     const std::string stream = first + second;
     for (std::size_t cut = 0; cut <= stream.size(); ++cut) {
-        RequestCutter cutter;
+        PieceCutter cutter = PieceCutter::ForRequests();
         std::vector<std::string> pieces = cutter.Feed(stream.substr(0, cut));
         for (const std::string& piece : cutter.Feed(stream.substr(cut)))
             pieces.push_back(piece);
@@ -123,9 +123,9 @@ TEST(RequestCutter, PutsFramesTogetherAtAnyPartition) {
     }
 }
 
-TEST(RequestCutter, RecoversAndHoldsNoMoreThanAFrame) {
+TEST(PieceCutter, RecoversAndHoldsNoMoreThanAFrame) {
     const std::string query = Frame(kStx, "52060");
-    RequestCutter cutter;
+    PieceCutter cutter = PieceCutter::ForRequests();
     // A frame that lost its end gives way to the next start byte; junk and separators stand as pieces of their own.
     EXPECT_EQ(cutter.Feed(std::string(1, kDc4) + "5010" + query), (std::vector{std::string(1, kDc4) + "5010", query}));
     EXPECT_EQ(cutter.Feed("\r\n" + query + "x"), (std::vector<std::string>{"\r\n", query, "x"}));

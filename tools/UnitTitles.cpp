@@ -64,8 +64,8 @@ int WriteTitles(UnitSession& session, const std::vector<TitleChange>& changes) {
     return same ? kExitDone : Fail(kExitDiffers, "the main unit holds another title than was sent");
 }
 
-std::vector<std::string> CollectTitles(const TitleStore& store, UnitLibrary& library) {
-    std::vector<std::string> left;
+UnitLibrary CollectTitles(const TitleStore& store) {
+    UnitLibrary library;
     for (GroupId group = 1; group <= kGroups; ++group) {
         for (TrackNo track = 0; track <= kTracks; ++track) {
             if (store.IsKnown(group, track) == 0) {
@@ -74,12 +74,12 @@ std::vector<std::string> CollectTitles(const TitleStore& store, UnitLibrary& lib
             const Entry entry =
                 IsAlbum(group) ? Entry{UnitKind::Album, AlbumNumber(group), track} : Entry{UnitKind::Disc, group, track};
             library.Add(entry);
-            if (store.GetState(group, track) > TS_NONE && !library.SetTitle(entry, HeldText(store, group, track))) {
-                left.push_back(GroupName(group) + ' ' + std::to_string(track));
+            if (store.GetState(group, track) > TS_NONE) {
+                library.SetTitle(entry, HeldText(store, group, track));
             }
         }
     }
-    return left;
+    return library;
 }
 
 std::vector<TitleChange> TitlesOf(const UnitLibrary& library) {

@@ -33,9 +33,8 @@ std::string HeldText(const TitleStore& store, GroupId group, TrackNo track);
 // does not say what it has made of a title. Gives the exit code.
 int WriteTitles(UnitSession& session, const std::vector<TitleChange>& changes);
 
-// Fills `library` with what the store holds. Gives the numbers, as "D12 3", of titles that no library can hold, since they
-// are not all printable ASCII.
-std::vector<std::string> CollectTitles(const TitleStore& store, mainunit::UnitLibrary& library);
+// What the store holds, and what it knows to be without a title.
+mainunit::UnitLibrary CollectTitles(const TitleStore& store);
 
 // The titles of a library in the order of the store.
 std::vector<TitleChange> TitlesOf(const mainunit::UnitLibrary& library);

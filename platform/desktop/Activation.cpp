@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "Desktop.h"
+#include "ListAccess.h"
 #include "LastError.h"
 #include "Placement.h"
 #include "SingleInstance.h"
@@ -58,6 +59,8 @@ void Desktop::SyncFocus() {
     if (window != nullptr) {
         if (now != window->widget) {
             window->widget->setFocus(Qt::OtherFocusReason);
+            // Qt has told of the list alone.
+            TellSelectedRow(focus);
         }
     } else if (now != nullptr && HandleOfWidget(*now) != nullptr) {
         now->clearFocus();

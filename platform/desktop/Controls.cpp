@@ -31,12 +31,6 @@ void Register(LPCSTR name, WNDPROC procedure, UINT style, int extra = 0) {
     RegisterClassExA(&windowClass);
 }
 
-bool IsClass(HWND window, const char* name) {
-    char actual[64] = "";
-    GetClassNameA(window, actual, sizeof actual);
-    return qstricmp(actual, name) == 0;
-}
-
 Qt::MouseButtons ButtonsOf(WPARAM keys) {
     Qt::MouseButtons buttons;
     buttons.setFlag(Qt::LeftButton, (keys & MK_LBUTTON) != 0);
@@ -46,6 +40,12 @@ Qt::MouseButtons ButtonsOf(WPARAM keys) {
 }
 
 }  // namespace
+
+bool IsClass(HWND window, const char* name) {
+    char actual[64] = "";
+    GetClassNameA(window, actual, sizeof actual);
+    return qstricmp(actual, name) == 0;
+}
 
 void RegisterControlClasses() {
     Register("Button", ButtonProc, kDoubleClicks);

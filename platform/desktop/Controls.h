@@ -26,6 +26,9 @@ LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM 
 QWidget* MakeStatusBarWidget(ScreenWindow& window, QWidget* parent);
 LRESULT CALLBACK ListBoxProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+// In any letters.
+bool IsClass(HWND window, const char* name);
+
 // WM_COMMAND with a notification to the parent, sent.
 void NotifyParent(HWND control, WORD code);
 // Gives a mouse or key message to the control's widget, as the event that it stands for. The window may be gone afterwards.

@@ -177,6 +177,9 @@ void FinishDialog(HWND dialog, LPARAM parameter, DWORD style) {
         }
         FocusControl(first);
     }
+    if (IsWindow(dialog)) {
+        NameFields(dialog);
+    }
     if (IsWindow(dialog) && (style & WS_VISIBLE) != 0) {
         ShowWindow(dialog, SW_SHOWNORMAL);
     }

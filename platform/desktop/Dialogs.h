@@ -24,6 +24,9 @@ void FocusControl(HWND control);
 // Sends WM_INITDIALOG, sets the focus as its result says, and shows a dialog with WS_VISIBLE in `style`.
 void FinishDialog(HWND dialog, LPARAM parameter, DWORD style);
 
+// Tells screen readers what the fields of the dialog are called (DialogAccess.cpp).
+void NameFields(HWND dialog);
+
 // While it lives, the owner's top-level window gets no input, unless it was disabled before; then nothing changes.
 class OwnerDisabled {
 public:

@@ -12,6 +12,7 @@
 #include "Desktop.h"
 #include "EditWidget.h"
 #include "GdiObjects.h"
+#include "ListAccess.h"
 #include "Text.h"
 
 namespace desktop {
@@ -340,6 +341,8 @@ QWidget* MakeEditWidget(ScreenWindow& window, QWidget* parent) {
     auto* widget = new EditWidget(parent, StyleOf(window.handle), exStyle);
     widget->setText(ToQString(window.text));
     widget->setCursorPosition(0);
+    // An edit in a list is there for the selected row.
+    widget->setAccessibleName(SelectedRowText(window.parent->handle));
     return widget;
 }
 

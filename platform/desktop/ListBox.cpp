@@ -7,6 +7,7 @@
 
 #include "Controls.h"
 #include "Desktop.h"
+#include "ListAccess.h"
 
 namespace desktop {
 
@@ -85,6 +86,7 @@ LRESULT Reset(HWND handle) {
     list.focusRow = 0;
     list.top = 0;
     InvalidateRect(handle, nullptr, TRUE);
+    TellRows(handle);
     return LB_OKAY;
 }
 
@@ -164,6 +166,9 @@ LRESULT SetRedraw(HWND handle, bool redraw) {
     window.redraw = redraw;
     window.widget->setUpdatesEnabled(redraw);
     FillUp(handle);
+    if (redraw) {
+        TellRows(handle);
+    }
     return 0;
 }
 
@@ -278,6 +283,7 @@ void ChangeSelection(HWND handle, int index) {
     list.selected = index;
     DrawRow(handle, before, ODA_SELECT);
     DrawRow(handle, index, ODA_SELECT);
+    TellSelectedRow(handle);
 }
 
 LRESULT CALLBACK ListBoxProc(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -8,6 +8,7 @@
 
 #include "Desktop.h"
 #include "HelpViewer.h"
+#include "ListAccess.h"
 #include "Resources.h"
 #include "SingleInstance.h"
 
@@ -37,5 +38,6 @@ int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
     desktop::Desktop desktop;
     desktop::AnswerOtherCopies();
     desktop::OfferHelp();
+    desktop::OfferListAccess();
     return body(argc, argv);
 }

@@ -67,6 +67,7 @@ TEST(Asx, ParametersMayNameThings) {
     EXPECT_EQ(InEntry("<REF HREF=>x />"), "") << "what is passed over in place of a quote may be the end of the tag";
     EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"\" />"), "");
     EXPECT_EQ(InEntry("<PARAM NAME=\"OTHER\" VALUE=\"x\" />"), "");
+    EXPECT_EQ(InAsx("<ENTRY NAME=\"NAME\" VALUE=\"x\"><REF NAME=\"NAME\" VALUE=\"y\" /></ENTRY>"), "") << "no parameter";
     EXPECT_EQ(InEntry("<PARAM NAME=\"NAME\" VALUE=\"x\" VALUE=\"y\" />"), "1=x|");
     EXPECT_EQ(InEntry("<PARAM NAME=NAME VALUE=\"x\" />"), "") << "without quotes a value is none";
     EXPECT_EQ(InEntry("<PARAM NA ME=\"NAME\" V A L U E=\"x\"/>"), "1=x|");

@@ -129,6 +129,8 @@ TEST_F(JapaneseTest, ACharacterIsOneBlankAndNeverHalved) {
     EXPECT_EQ(Tab("1\t" + longest + "\x83"), "1=" + longest + " |") << "half a character in the last place";
     EXPECT_EQ(Csv("1," + longest + "\x83"), "1=" + longest + "|");
     EXPECT_EQ(Csv("1," + thirty + "\x83\x83\x83\x83zz\n"), "1=" + thirty + " |");
+    EXPECT_EQ(Csv("1," + thirty.substr(1) + "\x83\x83zz\n"), "1=" + thirty.substr(1) + " z|")
+        << "a whole one before the last";
     EXPECT_EQ(Csv("1,a\x83\n2,b\n"), "1=a 2|") << "and like a line feed";
     EXPECT_EQ(Csv("1,a\x83"), "1=a|") << "half a character is dropped at the end of a value";
     EXPECT_EQ(Tab("1\ta\x83"), "1=a |") << "and is a blank where nothing is unquoted";
@@ -222,6 +224,22 @@ TEST_F(TitleFileTest, WhatIsWrittenReadsBack) {
         EXPECT_EQ(open.WriteTitle(1, "kept"), 1);
     }
     EXPECT_EQ(Read("kept.csv"), " 1,\"kept\"\r\n") << "an end without EndExport loses nothing";
+}
+
+TEST_F(TitleFileTest, ALineIsWrittenWholeOrNotAtAll) {
+    FileHandle file;
+    EXPECT_EQ(file.WriteLine("a"), 0) << "nothing is open";
+    ASSERT_EQ(file.OpenFile(true, Path("lines").c_str()), 1);
+    EXPECT_EQ(file.WriteLine(std::string(498, 'x').c_str()), 0);
+    EXPECT_EQ(file.WriteLine(std::string(497, 'y').c_str()), 1);
+    ASSERT_EQ(file.OpenFile(false, Path("lines").c_str()), 1);
+    EXPECT_EQ(file.WriteLine("z"), 0) << "open for reading";
+    FileText text;
+    EXPECT_EQ(file.ReadAll(text), 1);
+    EXPECT_EQ(text.View(), std::string(497, 'y') + "\r\n");
+    file.CloseFile();
+    EXPECT_EQ(file.ReadAll(text), 0);
+    EXPECT_EQ(text.View(), "");
 }
 
 // A list as a player of today writes it: the first line is what older ones do not have, and what is refused.

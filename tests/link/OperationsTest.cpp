@@ -17,6 +17,11 @@ Texts After(const Texts& head, const Texts& tail) {
     return all;
 }
 
+Texts From(std::size_t first, Texts all) {
+    all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(std::min(first, all.size())));
+    return all;
+}
+
 std::string DataText(std::string title) {
     title.resize(32, ' ');
     return "5020" + title;
@@ -142,6 +147,27 @@ TEST(GetTracks, GoesByTheRangeWhenTheProbeIsAccepted) {
     });
 }
 
+TEST(GetTracks, OfAllGroupsFillsTheRingAsOftenAsItTakes) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        // Three fillings: two hold what forty Discs have.
+        constexpr GroupId kReadDiscs = 41;
+        DisplayRanges ranges;
+        ranges.DiscTo = kReadDiscs;
+        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        run.link.SetDisplayRanges(ranges);
+        run.unit.Answer(Probe(), {UnitBlock("0300")});
+        ASSERT_TRUE(run.link.GetGroupTracks(0));
+        EXPECT_TRUE(run.WaitForResult(OP_GET_TRACKS, 3600 * 1000));
+        for (GroupId disc = 1; disc <= kReadDiscs; ++disc) {
+            for (TrackNo track = 1; track <= kTracks; ++track) {
+                ASSERT_EQ(run.store.GetState(disc, track), TS_RECEIVED) << disc << '/' << track;
+            }
+        }
+        EXPECT_EQ(run.Results(), 1U);
+    });
+}
+
 TEST(SendGroup, WritesTheEditsAndReadsTheGroupTitlesBack) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());
@@ -159,9 +185,7 @@ TEST(SendGroup, WritesTheEditsAndReadsTheGroupTitlesBack) {
         const std::size_t before = run.FramesSinceConnect().size();
         ASSERT_TRUE(run.link.SendGroup(2));
         ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
-        Texts frames = run.FramesSinceConnect();
-        frames.erase(frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(before));
-        EXPECT_EQ(frames,
+        EXPECT_EQ(From(before, run.FramesSinceConnect()),
                   After(kStatusCheck, {"50100500020000000000", "50100600020000000000", DataText("own"),
                                        "50100600020100000000", DataText("one"), "50100600020300000000", DataText("three"),
                                        "50100300000000000000", "50100500020000000000", "50100301000000000000"}));
@@ -217,19 +241,25 @@ TEST(SendAll, ForgetsNothingWithoutDiscsAndSendsNothingWithoutTracks) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());
         DisplayRanges ranges = SmallRanges();
+        run.link.SetDisplayRanges(ranges);
+        // What the maps of this fetch have planned is none of the send's business.
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
         ranges.DiscFrom = ranges.DiscTo = 0;
         run.link.SetDisplayRanges(ranges);
-        run.store.StoreReceived(AlbumGroup(1), 0, "old");
         run.store.EditTitle(AlbumGroup(1), 0, "new");
+        std::size_t before = run.FramesSinceConnect().size();
         ASSERT_TRUE(run.link.SendAllTitles());
         ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
-        EXPECT_EQ(run.FramesSinceConnect()[4], DataText("new"));
+        EXPECT_EQ(
+            From(before, run.FramesSinceConnect()),
+            After(kStatusCheck, {"50100520010000000000", "50100620010000000000", DataText("new"), "50100301000000000000"}));
         EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 0));
 
         ranges = SmallRanges();
         ranges.TrackFrom = ranges.TrackTo = 0;
         run.link.SetDisplayRanges(ranges);
-        const std::size_t before = run.FramesSinceConnect().size();
+        before = run.FramesSinceConnect().size();
         run.posted.clear();
         ASSERT_TRUE(run.link.SendAllTitles());
         ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
@@ -282,6 +312,36 @@ TEST(SendGroup, SendsATitleAgainThatIsEditedMeanwhile) {
         EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("first, improved")), 1);
         EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("second")), 1);
         EXPECT_FALSE(run.store.IsEdited(1, 1));
+    });
+}
+
+// Somebody who keeps typing is no unit that answers in vain.
+TEST(SendGroup, SendsATitleAsOftenAsItIsEdited) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.store.StoreReceived(1, 0, "old");
+        const Texts edits = {"first", "second", "third", "fourth", "fifth"};
+        EncodeTitleWrite(kKindDisc, 1, 0, Query);
+        run.store.EditTitle(1, 0, edits[0].c_str());
+        ASSERT_TRUE(run.link.SendGroup(1));
+        for (std::size_t round = 1; round < edits.size(); ++round) {
+            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(Query) == round; }, 10000)) << round;
+            // In the pause between the unit's acceptance and the title.
+            run.Pass(60);
+            run.store.EditTitle(1, 0, edits[round].c_str());
+        }
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        Texts data;
+        for (const std::string& text : run.FramesSinceConnect()) {
+            if (text.substr(0, 4) == "5020") {
+                data.push_back(text);
+            }
+        }
+        ASSERT_EQ(data.size(), edits.size());
+        for (std::size_t round = 0; round < edits.size(); ++round) {
+            EXPECT_EQ(data[round], DataText(edits[round]));
+        }
+        EXPECT_FALSE(run.store.IsEdited(1, 0));
     });
 }
 
@@ -385,6 +445,26 @@ TEST(SendAll, KeepsAnEditedTrackOutsideTheRangeWithinReach) {
         char text[kTitleSize];
         ASSERT_TRUE(run.store.GetTitle(1, 5, text));
         EXPECT_STREQ(text, "typed");
+    });
+}
+
+TEST(Operations, EndWithoutAStore) {
+    RunLink([](LinkHarness& run) {
+        run.link.SetTitleStore(nullptr);
+        ASSERT_TRUE(run.ConnectQuietly());
+        const Texts maps = {"50100300000000000000", "50100301000000000000"};
+        ASSERT_TRUE(run.link.GetAllTitles());
+        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+        EXPECT_EQ(run.FramesSinceConnect(), After(kStatusCheck, maps));
+        ASSERT_TRUE(run.link.GetOneGroup(1));
+        EXPECT_TRUE(run.WaitForResult(OP_GET_GROUP));
+        ASSERT_TRUE(run.link.GetGroupTracks(1));
+        EXPECT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        const std::size_t before = run.FramesSinceConnect().size();
+        ASSERT_TRUE(run.link.SendAllTitles());
+        EXPECT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_EQ(From(before, run.FramesSinceConnect()), After(kStatusCheck, maps));
+        EXPECT_EQ(run.Results(), 4U);
     });
 }
 

@@ -110,12 +110,21 @@ TEST(Sender, KeepsFramesApartAndGoesOnAtTheNextTick) {
 
 TEST(Stopping, IsImmediateWhenIdleAndWaitsASecondForAReply) {
     RunLink([](LinkHarness& run) {
-        const std::uint64_t start = run.Now();
-        run.link.StopOperation();
-        EXPECT_LT(run.Now() - start, 5000U);
-
+        const auto expectNoWait = [&run](const char* when) {
+            run.Pass(100);
+            const std::uint64_t start = run.Now();
+            run.link.StopOperation();
+            EXPECT_LT(run.Now() - start, 5000U) << when;
+        };
+        expectNoWait("before anything");
         ASSERT_TRUE(run.ConnectQuietly());
+        expectNoWait("after an operation");
         run.unit.Answer(kMenuQuery, {""});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        expectNoWait("after one that timed out");
+
+        run.posted.clear();
         ASSERT_TRUE(run.link.GetAllTitles());
         const std::size_t before = run.unit.Frames().size();
         ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Frames().size() > before; }, 1000));
@@ -141,6 +150,38 @@ TEST(Stopping, LetsTheReplyInFlightComeIn) {
         EXPECT_TRUE(run.store.IsKnown(1, 0));
         EXPECT_EQ(run.Results(), 0U);
     });
+}
+
+TEST(Stopping, IsOverWhenTheReplyIsIn) {
+    const char* questions[] = {"000",
+                               "52060",
+                               "52000",
+                               "50100600010000000000",
+                               "50100300000000000000",
+                               "50100302FFFF00000000",
+                               "50100302000100000000",
+                               "50100500010100000000"};
+    for (const std::string question : questions) {
+        RunLink([&](LinkHarness& run) {
+            run.unit.SetDelay(300'000);
+            run.store.StoreReceived(1, 0, "old");
+            run.store.EditTitle(1, 0, "new");
+            ASSERT_TRUE(run.link.Connect("COM1"));
+            if (question != "000") {
+                ASSERT_TRUE(run.WaitForResult(OP_CONNECT));
+                const bool tracks = question.substr(0, 8) == "50100302" || question.substr(0, 8) == "50100500";
+                ASSERT_TRUE(tracks ? run.link.GetGroupTracks(1) : run.link.SendGroup(1));
+            }
+            const std::size_t before = run.unit.Frames().size();
+            ASSERT_TRUE(run.WaitUntil(
+                [&] { return run.unit.Frames().size() > before && run.unit.FrameTexts().back() == question; }, 20000))
+                << question;
+            const std::uint64_t stopped = run.Now();
+            run.link.StopOperation();
+            EXPECT_GE(run.Now() - stopped, 200'000U) << question;
+            EXPECT_LE(run.Now() - stopped, 700'000U) << question;
+        });
+    }
 }
 
 TEST(Starting, ReplacesWhatRunsWithoutAWord) {

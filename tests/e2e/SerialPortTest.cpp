@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -101,6 +102,31 @@ TEST_F(SerialPortTest, ClosesWhatIsOpenBeforeItOpens) {
     EXPECT_FALSE(port.Open("COM5"));
     EXPECT_FALSE(port.IsOpen());
     EXPECT_TRUE(other.Open("COM2")) << "a failed opening has closed the old port, too";
+}
+
+TEST_F(SerialPortTest, SetsUpTheLineOrLeavesItAsItWas) {
+    // Opened first, since the port keeps everybody else out.
+    const int look = open(first_.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(look, 0);
+    const auto speed = [look] {
+        termios settings = {};
+        return tcgetattr(look, &settings) == 0 ? cfgetospeed(&settings) : speed_t{B0};
+    };
+    RecordingPort port;
+    EXPECT_FALSE(port.Configure(19200, NOPARITY, ONESTOPBIT)) << "nothing is open";
+    ASSERT_TRUE(port.Open("COM1"));
+    EXPECT_TRUE(port.Configure(19200, NOPARITY, ONESTOPBIT));
+    EXPECT_EQ(speed(), speed_t{B19200});
+    // Even parity and two stop bits: the layer has neither, and takes nothing of what it cannot do whole.
+    constexpr BYTE kEvenParity = 2;
+    constexpr BYTE kTwoStopBits = 2;
+    EXPECT_TRUE(port.Configure(4800, kEvenParity, ONESTOPBIT));
+    EXPECT_TRUE(port.Configure(4800, NOPARITY, kTwoStopBits));
+    EXPECT_EQ(speed(), speed_t{B19200});
+    ASSERT_TRUE(port.Configure(4800, NOPARITY, ONESTOPBIT));
+    ASSERT_TRUE(port.StartReader());
+    EXPECT_EQ(speed(), speed_t{B4800}) << "the reader's start keeps to it";
+    close(look);
 }
 
 TEST_F(SerialPortTest, HasOneReaderHoweverOftenItIsStarted) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "TitleFile.h"
 
@@ -144,6 +145,18 @@ TEST(Asx, ElementsStandWhereTheyBelong) {
                     << form.text << " in " << place.name;
             }
         }
+    }
+}
+
+TEST(Asx, ReadsNothingBehindTheEnd) {
+    const std::string list =
+        "<ASX VERSION = \"3\" > <TITLE>a</TITLE> <ENTRY > <PARAM NAME = \"NAME\" VALUE = \"b\" /> <REF /> </ENTRY > </ASX >";
+    TitleFile file;
+    ASSERT_EQ(file.ReadAsx(list), 1);
+    for (std::size_t length = 0; length < list.size(); ++length) {
+        // On the heap, where a sanitizer sees a read too far.
+        const std::vector<char> exact(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(length));
+        EXPECT_EQ(file.ReadAsx(std::string_view(exact.data(), length)), 0) << list.substr(0, length);
     }
 }
 

@@ -6,11 +6,13 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "CodePage.h"
+#include "TitleText.h"
 
 namespace fs = std::filesystem;
 
@@ -120,6 +122,15 @@ TEST(Csv, ATitleIsThirtyTwoPrintableBytes) {
     EXPECT_EQ(Csv("1," + std::string(32, '"') + "\n"), "1=" + std::string(15, '"') + "|");
 }
 
+TEST(Titles, EndWhereTheirTextDoes) {
+    char title[kTitleSize];
+    std::memset(title, '#', sizeof title);
+    CleanTitle("ab", title);
+    EXPECT_STREQ(title, "ab");
+    CleanTitle("", title);
+    EXPECT_STREQ(title, "");
+}
+
 TEST_F(JapaneseTest, ACharacterIsOneBlankAndNeverHalved) {
     EXPECT_EQ(Csv("1,a\x83\x5C\x62\n"), "1=a b|");
     const std::string thirty(30, 'a');
@@ -144,6 +155,7 @@ TEST(TabText, LinesOfNumberAndTitle) {
     EXPECT_EQ(Tab("\r\n\n\r\r\n7\ta,b"), "7=a,b|");
     EXPECT_EQ(Tab("5\n6\t\nNumber\tTitle\n0\tlate\n"), "0=Title|5=|6=|");
     EXPECT_EQ(Tab("5,\"abc\"\n"), "5=|") << "CSV under another name";
+    EXPECT_EQ(Tab("3. of 12\ta\n"), "3=a|") << "the number ends at its first byte that is none";
     EXPECT_EQ(Tab("7\tabc\r"), "7=abc |") << "no line feed behind it";
     EXPECT_EQ(Tab(""), "");
     EXPECT_EQ(Tab("\r"), "0=|");
@@ -240,6 +252,9 @@ TEST_F(TitleFileTest, ALineIsWrittenWholeOrNotAtAll) {
     file.CloseFile();
     EXPECT_EQ(file.ReadAll(text), 0);
     EXPECT_EQ(text.View(), "");
+    SetLastError(ERROR_SUCCESS);
+    file.CloseFile();
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_SUCCESS}) << "on Windows the number may belong to another file by now";
 }
 
 // A list as a player of today writes it: the first line is what older ones do not have, and what is refused.

@@ -27,6 +27,17 @@ std::string DataText(std::string title) {
     return "5020" + title;
 }
 
+// The texts that went out, without the blanks behind them.
+Texts SentTexts(const LinkHarness& run) {
+    Texts sent;
+    for (const std::string& text : run.FramesSinceConnect()) {
+        if (text.substr(0, 4) == "5020") {
+            sent.push_back(text.substr(4, text.find_last_not_of(' ') - 3));
+        }
+    }
+    return sent;
+}
+
 std::vector<WPARAM> ProgressNumbers(const LinkHarness& run) {
     std::vector<WPARAM> numbers;
     for (const Posted& each : run.Progress()) {
@@ -56,10 +67,14 @@ TEST(GetAll, SkipsTheKindsWhoseRangeIsOff) {
         DisplayRanges ranges = SmallRanges();
         ranges.DiscFrom = ranges.DiscTo = 0;
         run.link.SetDisplayRanges(ranges);
+        EncodeMapQuery(kMapAlbums, 0, Query);
+        run.unit.Answer(Query, {UnitMap({1, 2})});
         ASSERT_TRUE(run.link.GetAllTitles());
         ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
-        EXPECT_EQ(run.FramesSinceConnect(), After(kStatusCheck, {"50100301000000000000", "50100520010000000000"}));
-        EXPECT_EQ(ProgressNumbers(run), (std::vector<WPARAM>{139265, 401409, 466945}));
+        EXPECT_EQ(run.FramesSinceConnect(),
+                  After(kStatusCheck, {"50100301000000000000", "50100520010000000000", "50100520020000000000"}));
+        // An Album that is through has another number than a Disc.
+        EXPECT_EQ(ProgressNumbers(run), (std::vector<WPARAM>{139265, 401409, 466945, 0x72001}));
 
         ranges.AlbumFrom = ranges.AlbumTo = 0;
         run.link.SetDisplayRanges(ranges);
@@ -206,6 +221,46 @@ TEST(SendGroup, WritesTheEditsAndReadsTheGroupTitlesBack) {
     });
 }
 
+TEST(GetGroup, OfAllGroupsKeepsToTheRangesAtBothEnds) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges;
+        ranges.DiscFrom = ranges.AlbumFrom = 2;
+        ranges.DiscTo = ranges.AlbumTo = 4;
+        run.link.SetDisplayRanges(ranges);
+        run.store.StoreReceived(3, 0, "known");
+        run.store.StoreReceived(AlbumGroup(2), 0, "known");
+        ASSERT_TRUE(run.link.GetOneGroup(0));
+        ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
+        EXPECT_EQ(run.FramesSinceConnect(), After(kStatusCheck, {"50100500020000000000", "50100500040000000000",
+                                                                 "50100520030000000000", "50100520040000000000"}));
+    });
+}
+
+TEST(SendAll, KeepsToTheRangesAtBothEnds) {
+    RunLink([](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        DisplayRanges ranges;
+        ranges.DiscFrom = ranges.AlbumFrom = ranges.TrackFrom = 2;
+        ranges.DiscTo = ranges.AlbumTo = ranges.TrackTo = 4;
+        run.link.SetDisplayRanges(ranges);
+        const auto edit = [&run](GroupId group, TrackNo track, const std::string& text) {
+            run.store.StoreReceived(group, track, "old");
+            ASSERT_EQ(run.store.EditTitle(group, track, text.c_str()), 1) << text;
+        };
+        run.store.StoreReceived(3, 0, "its tracks can be edited");
+        for (int number = 1; number <= 5; ++number) {
+            edit(number, 0, "Disc " + std::to_string(number));
+            edit(AlbumGroup(number), 0, "Album " + std::to_string(number));
+            edit(3, number, "Track " + std::to_string(number));
+        }
+        ASSERT_TRUE(run.link.SendAllTitles());
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_EQ(SentTexts(run),
+                  (Texts{"Disc 2", "Disc 3", "Track 2", "Track 3", "Track 4", "Disc 4", "Album 2", "Album 3", "Album 4"}));
+    });
+}
+
 TEST(SendAll, WritesAlbumsByTheirOwnTitleOnly) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());
@@ -331,16 +386,7 @@ TEST(SendGroup, SendsATitleAsOftenAsItIsEdited) {
             run.store.EditTitle(1, 0, edits[round].c_str());
         }
         ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
-        Texts data;
-        for (const std::string& text : run.FramesSinceConnect()) {
-            if (text.substr(0, 4) == "5020") {
-                data.push_back(text);
-            }
-        }
-        ASSERT_EQ(data.size(), edits.size());
-        for (std::size_t round = 0; round < edits.size(); ++round) {
-            EXPECT_EQ(data[round], DataText(edits[round]));
-        }
+        EXPECT_EQ(SentTexts(run), edits);
         EXPECT_FALSE(run.store.IsEdited(1, 0));
     });
 }
@@ -348,15 +394,18 @@ TEST(SendGroup, SendsATitleAsOftenAsItIsEdited) {
 TEST(SendGroup, SendsATitleWhoseRequestAStrayReplyHasUsedUp) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());
-        run.store.StoreReceived(1, 0, "old");
-        run.store.EditTitle(1, 0, "new");
-        EncodeTitleWrite(kKindDisc, 1, 0, Query);
-        run.unit.Answer(Query, {"\x02@05800\x03", kWriteAccepted});
-        ASSERT_TRUE(run.link.SendGroup(1));
-        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
-        const Texts frames = run.FramesSinceConnect();
-        EXPECT_EQ(std::count(frames.begin(), frames.end(), DataText("new")), 1);
-        EXPECT_FALSE(run.store.IsEdited(1, 0));
+        // Each send is given its round in vain.
+        for (const char* text : {"new", "newer"}) {
+            run.posted.clear();
+            run.store.StoreReceived(1, 0, "old");
+            run.store.EditTitle(1, 0, text);
+            EncodeTitleWrite(kKindDisc, 1, 0, Query);
+            run.unit.Answer(Query, {"\x02@05800\x03", kWriteAccepted});
+            ASSERT_TRUE(run.link.SendGroup(1));
+            ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP)) << text;
+            EXPECT_FALSE(run.store.IsEdited(1, 0));
+        }
+        EXPECT_EQ(SentTexts(run), (Texts{"new", "newer"}));
     });
 }
 

@@ -57,6 +57,28 @@ TEST(Connecting, TellsAModelReplyWithAWrongSumAndTakesAnUnknownModel) {
     });
 }
 
+TEST(Connecting, LeavesNothingOpenIfAThreadIsRefused) {
+    RunLink([](LinkHarness& run) {
+        int refused = 0;
+        for (int attempt = 0; attempt < 40; ++attempt) {
+            Simulation::Current()->SetFaults({.threadFailure = 0.3});
+            const bool connected = run.link.Connect("COM1");
+            Simulation::Current()->SetFaults({});
+            if (!connected) {
+                ++refused;
+                EXPECT_FALSE(run.link.GetAllTitles());
+                const HANDLE port = CreateFileA("COM1", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+                ASSERT_NE(port, INVALID_HANDLE_VALUE);
+                CloseHandle(port);
+            }
+        }
+        // Often enough that each of the three threads was the one.
+        EXPECT_GT(refused, 15);
+        EXPECT_LT(refused, 40);
+        EXPECT_TRUE(run.ConnectQuietly());
+    });
+}
+
 TEST(Sender, RepeatsOnceAndTimesOut) {
     RunLink([](LinkHarness& run) {
         ASSERT_TRUE(run.ConnectQuietly());

@@ -216,7 +216,7 @@ TEST_F(PaneCommandsTest, ClearActsOnTheTitleInFocus) {
 
     Select(2);
     Refill(AlbumGroup(1));
-    EXPECT_TRUE(CanClear());
+    EXPECT_TRUE(PumpUntil([this] { return CanClear(); }));
     SelectTrack(0);
     EXPECT_FALSE(CanClear()) << "the tracks of Albums are read-only";
     Command(IDM_CLEAR);

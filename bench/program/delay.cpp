@@ -52,9 +52,9 @@ DWORD WINAPI Ask(LPVOID parameter) {
     }
     const double stop = Answer(main, WM_COMMAND, IDM_STOP);
     std::sort(waits.begin(), waits.end());
-    std::printf(
-        "user's thread during a fetch, %zu times: median %.2f ms, one in a hundred %.2f, longest %.2f; Stop %.0f ms\n",
-        waits.size(), waits[waits.size() / 2], waits[waits.size() * 99 / 100], waits.back(), stop);
+    std::printf("answer of the window during a fetch | - | median %.2f ms, longest %.1f ms | -\n", waits[waits.size() / 2],
+                waits.back());
+    std::printf("Stop in the middle of it | about a second at most | %.0f ms | -\n", stop);
     PostMessageA(main, WM_DESTROY, 0, 0);
     return 0;
 }

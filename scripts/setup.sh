@@ -56,7 +56,7 @@ need_build_tools() {
 
 # For the presets windows-x64 and windows-x86; what runs their programs is scripts/wine.sh's affair.
 need_windows_tools() {
-    need g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build googletest nlohmann-json3-dev
+    need g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build googletest nlohmann-json3-dev fp-utils
 }
 
 # build PRESET [cmake options]: configures and builds below build/PRESET.

@@ -29,6 +29,12 @@ check() {
         [[ $library =~ $allowed ]] || fail "$program" "imports $library"
     done
 
+    # Code and data change their places from start to start, and data is not run.
+    local characteristics wanted=0x0140
+    [ "$format" != pei-x86-64 ] || wanted=0x0160
+    characteristics=$(sed -n 's/^DllCharacteristics[[:space:]]*\([0-9a-f]*\)$/0x\1/p' <<<"$headers")
+    ((${characteristics:-0} == (characteristics | wanted))) || fail "$program" "is not hardened: $characteristics"
+
     # The first level of the resource directory names the types; 0x18 is a manifest, and 0x10 the version that the editor has.
     local types
     types=$(sed -n '/^The .rsrc Resource Directory section:/,$ s/^[0-9a-f]*   Entry: ID: \(0x[0-9a-f]*\),.*/\1/p' <<<"$headers")

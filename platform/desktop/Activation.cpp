@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "Desktop.h"
-#include "ListAccess.h"
 #include "LastError.h"
+#include "ListAccess.h"
 #include "Placement.h"
 #include "SingleInstance.h"
 #include "Widgets.h"

@@ -55,8 +55,14 @@ void CListRight::SetLinkedRow(const RECT& rect, GroupId newGroup) {
 
 void CListRight::RequestRefill(GroupId newGroup) {
     if (newGroup != 0) {
+        clearsLine = true;
         requests.Request(newGroup);
     }
+}
+
+void CListRight::ShowTracks(GroupId newGroup) {
+    clearsLine = clearsLine && IsRefilling();
+    requests.Request(newGroup);
 }
 
 void CListRight::Populate(const Refill& refill) {
@@ -84,7 +90,9 @@ void CListRight::OnRefilled() {
     SelectRow(curSel);
     FollowEdit();
     RedrawAll();
-    PostPaneRequest(hwnd, UC_MESSAGE_LINE, 0);
+    if (clearsLine) {
+        PostPaneRequest(hwnd, UC_MESSAGE_LINE, 0);
+    }
 }
 
 // --- Editing

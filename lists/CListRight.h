@@ -15,6 +15,8 @@ public:
 
     // Fills in the group's tracks; nothing to do for group 0. Clears the pane's message line when that is done.
     void RequestRefill(GroupId newGroup) override;
+    // The same for a group that was just selected; what the line tells of the main unit meanwhile stays.
+    void ShowTracks(GroupId newGroup);
     // The row of a track, -1 if it has none.
     int FindTrackRow(GroupId wantedGroup, TrackNo wantedTrack) const { return FindRow(wantedGroup, wantedTrack); }
 
@@ -32,6 +34,7 @@ private:
     int NextRowWithTitle(GroupId editedGroup) const;
     HRGN CreateShape() const;
 
-    RECT linkRect;       // the selected group row; its top is the same height on the screen in both lists
-    GroupId group = -1;  // that the list follows
+    RECT linkRect;            // the selected group row; its top is the same height on the screen in both lists
+    GroupId group = -1;       // that the list follows
+    bool clearsLine = false;  // the end of the refill under way is the end of what the line tells
 };

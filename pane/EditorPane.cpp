@@ -173,7 +173,7 @@ void EditorPane::OnPaneRequest(WPARAM code, LPARAM argument) {
 void EditorPane::OnGroupChanged(GroupId group) {
     currentGroup = group;
     if (trackList) {
-        trackList->RequestRefill(group);
+        trackList->ShowTracks(group);
     }
 }
 

@@ -255,9 +255,12 @@ TEST_F(LinkEventsTest, TheTracksOfASelectedGroupAreFetched) {
     }
     Refill(1);
     scripted::Take();
+    scripted::PostProgress(Pane(), OP_SEND_ALL, 10, 1, 1);
+    const std::string line = Line();
     Select(2);
     EXPECT_TRUE(Asked("GetGroupTracks 3\n"));
     ASSERT_TRUE(PumpUntil([this] { return Rows(IDC_TRACK_LIST) == "Tr|1|Disc 3, Track 1\n"; })) << "what is there already";
+    EXPECT_EQ(Line(), line);
     scripted::Store()->StoreReceived(3, 2, "Come since");
     scripted::PostResult(Pane(), OP_GET_TRACKS);
     ASSERT_TRUE(PumpUntil([this] { return Rows(IDC_TRACK_LIST) == "Tr|1|Disc 3, Track 1\nTr|2|Come since\n"; }));

@@ -26,8 +26,8 @@ QFont WithSize(QFont font, int pixelSize) {
 }
 
 int CellHeight(const QFont& font) {
-    const QRawFont raw = QRawFont::fromFont(font);
-    return qRound(raw.ascent()) + qRound(raw.descent());
+    const CellReach reach = ReachOf(QRawFont::fromFont(font));
+    return reach.above + reach.below;
 }
 
 // The largest size whose characters, with what they reach below the base line, fit that height.

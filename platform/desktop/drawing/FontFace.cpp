@@ -26,13 +26,33 @@ std::vector<QRawFont> LoadFaces(const QFont& font, int pixelSize) {
     return faces;
 }
 
+// A measure in the units of the face, from the table that Windows reads (usWinAscent at 74, usWinDescent at 76, both above
+// zero); 0 if there is none.
+qreal WindowsMeasure(const QRawFont& face, qsizetype offset) {
+    const QByteArray table = face.fontTable("OS/2");
+    if (table.size() < offset + 2 || face.unitsPerEm() <= 0) {
+        return 0;
+    }
+    const int units = static_cast<unsigned char>(table[offset]) << 8 | static_cast<unsigned char>(table[offset + 1]);
+    return units * face.pixelSize() / face.unitsPerEm();
+}
+
 }  // namespace
+
+CellReach ReachOf(const QRawFont& face) {
+    const qreal above = WindowsMeasure(face, 74);
+    const qreal below = WindowsMeasure(face, 76);
+    // Faces for formulas tell the height of their largest sign.
+    const bool isUsable = above > 0 && above + below <= 2 * face.pixelSize();
+    return {qRound(isUsable ? above : face.ascent()), qRound(isUsable ? below : face.descent())};
+}
 
 FontFace::FontFace(const LOGFONTA& description)
     : Object(kKind), description(description), font(MakeFont(description)), faces(LoadFaces(font, font.pixelSize())) {
     const QRawFont& first = faces.front();
-    ascent = qRound(first.ascent());
-    descent = qRound(first.descent());
+    const CellReach reach = ReachOf(first);
+    ascent = reach.above;
+    descent = reach.below;
     internalLeading = std::max(0, Height() - font.pixelSize());
     externalLeading = std::max(0, qRound(first.leading()));
     averageWidth = std::max(1, qRound(first.averageCharWidth()));

@@ -13,6 +13,14 @@
 
 namespace drawing {
 
+// What a face reaches above and below the base line, in whole pixels: as on Windows, what its designer tells Windows, which
+// is where letters are cut off. Other measures of the same face may be for the distance of lines and leave less room.
+struct CellReach {
+    int above;
+    int below;
+};
+CellReach ReachOf(const QRawFont& face);
+
 // Like the fonts of Windows it is as wide as whole pixels: each character has the same width wherever it stands.
 class FontFace : public Object {
 public:

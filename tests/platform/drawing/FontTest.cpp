@@ -10,6 +10,7 @@
 #include <string>
 
 #include "CodePage.h"
+#include "FontFace.h"
 #include "GdiObjects.h"
 #include "Surface.h"
 
@@ -33,6 +34,20 @@ TEXTMETRICA MetricsOf(const LOGFONTA& description) {
     }
     EXPECT_TRUE(DeleteObject(font));
     return metrics;
+}
+
+// What leaves the cell is cut off. The box of a hinted letter is up to a pixel larger than the letter.
+TEST(Fonts, LettersFitTheirCells) {
+    for (const char* family : {"System", "DejaVu Sans", "IPAGothic", "IPAPGothic"}) {
+        for (const LONG height : {12, 16, 20, 33}) {
+            drawing::FontFace font(Description(height, family));
+            for (const char32_t letter : U"gjpqyQ_(|") {
+                const drawing::FontFace::Glyph glyph = font.GlyphOf(letter);
+                const QRectF ink = font.Face(glyph.face, 1).boundingRect(glyph.index);
+                EXPECT_LE(ink.bottom(), font.descent + 1) << family << ' ' << height << ' ' << static_cast<char>(letter);
+            }
+        }
+    }
 }
 
 TEST(Fonts, HaveTheHeightThatWasAskedFor) {

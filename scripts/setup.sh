@@ -14,7 +14,7 @@ as_root() {
 
 # wait_for_unit PID FILE: until the simulated main unit, which writes to the file, says that it answers.
 wait_for_unit() {
-    until grep -q '^ready' "$2"; do
+    until grep -qs '^ready' "$2"; do
         kill -0 "$1" 2>/dev/null || { say "The simulated main unit did not start"; return 1; }
         sleep 0.1
     done

@@ -1,6 +1,9 @@
 #include "RealScreen.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -10,7 +13,6 @@ RealScreen* theScreen = nullptr;
 
 namespace {
 
-// Servers that start at the same moment, of another test run say, may want the same display.
 constexpr int kAttempts = 3;
 constexpr std::chrono::seconds kStartLimit{15};
 
@@ -32,6 +34,22 @@ Command Run(const std::string& command) {
     run.result = pclose(pipe);
     return run;
 }
+
+// Servers that start at the same moment may want the same display: one starts at a time, of all tests of this user.
+class StartLock {
+public:
+    StartLock() {
+        const std::string name = "tesselia-screen-" + std::to_string(getuid()) + ".lock";
+        file_ = open((std::filesystem::temp_directory_path() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        flock(file_, LOCK_EX);
+    }
+    ~StartLock() { close(file_); }
+    StartLock(const StartLock&) = delete;
+    StartLock& operator=(const StartLock&) = delete;
+
+private:
+    int file_;
+};
 
 void Die(const char* what) {
     std::fprintf(stderr, "%s\n", what);
@@ -63,6 +81,7 @@ RealScreen::RealScreen() : folder_(std::filesystem::temp_directory_path() / "tes
 bool RealScreen::Start() {
     const std::string path = folder_.string();
     manager_.reset();
+    const StartLock lock;
     // The server tells its display on standard output once it can be connected to.
     server_ = std::make_unique<Process>(
         "Xvfb", std::vector<std::string>{"-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"},

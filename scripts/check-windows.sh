@@ -34,6 +34,9 @@ check() {
     [ "$format" != pei-x86-64 ] || wanted=0x0160
     characteristics=$(sed -n 's/^DllCharacteristics[[:space:]]*\([0-9a-f]*\)$/0x\1/p' <<<"$headers")
     ((${characteristics:-0} == (characteristics | wanted))) || fail "$program" "is not hardened: $characteristics"
+    # The flag alone moves nothing: Windows needs the list of the addresses to change.
+    grep -qE '^Entry 5 0*[1-9a-f][0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation' <<<"$headers" ||
+        fail "$program" "has no relocations"
 
     # The first level of the resource directory names the types; 0x18 is a manifest, and 0x10 the version that the editor has.
     local types

@@ -180,6 +180,11 @@ TEST(ListsStressTest, TheRowsAreTheStoresInTheEnd) {
     for (CTitleList* list : {static_cast<CTitleList*>(&all.host.groupList), static_cast<CTitleList*>(&all.host.trackList)}) {
         list->SetDisplayRanges(DisplayRanges());
     }
+    // The group that is asked for has to be there: without a row of its own another one's is selected, and its own tracks
+    // shown.
+    if (all.host.store.GetState(1, 0) <= TS_NONE) {
+        all.host.store.StoreReceived(1, 0, "The first");
+    }
     ASSERT_TRUE(all.host.Refill(1));
     std::string groups;
     std::string tracks;

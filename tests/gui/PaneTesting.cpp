@@ -61,20 +61,9 @@ void PaneTest::Refill(GroupId group) {
         }
     }
     Command(IDM_STOP);
-    ASSERT_TRUE(PumpUntil(
-        [&] { return SendMessageA(Control(IDC_GROUP_LIST), LB_GETCOUNT, 0, 0) == rows && Selected(IDC_GROUP_LIST) >= 0; }));
-    ASSERT_TRUE(PumpAll());
+    ASSERT_EQ(SendMessageA(Control(IDC_GROUP_LIST), LB_GETCOUNT, 0, 0), rows);
     Select(row);
     Command(IDM_STOP);
-    const int tracks = [group] {
-        int count = 0;
-        for (TrackNo track = 1; track <= kTracks; ++track) {
-            count += scripted::Store()->GetState(group, track) > 0 ? 1 : 0;
-        }
-        return count;
-    }();
-    ASSERT_TRUE(PumpUntil([&] { return SendMessageA(Control(IDC_TRACK_LIST), LB_GETCOUNT, 0, 0) == tracks; }));
-    ASSERT_TRUE(PumpAll());
     ASSERT_EQ(Selected(IDC_GROUP_LIST), row);
     scripted::Take();
 }
@@ -84,12 +73,12 @@ void PaneTest::SelectIn(int list, int row) {
     SendMessageA(Control(list), LB_SETCURSEL, static_cast<WPARAM>(row), 0);
     SendMessageA(Pane(), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(list), LBN_SELCHANGE),
                  reinterpret_cast<LPARAM>(Control(list)));
-    ASSERT_TRUE(PumpAll());
+    Settle();
 }
 
 void PaneTest::Command(WORD command) {
     SendMessageA(main_, WM_COMMAND, command, 0);
-    ASSERT_TRUE(PumpAll());
+    Settle();
 }
 
 std::string PaneTest::Line() const {

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "AppWindow.h"
+#include "CTitleList.h"
 #include "Harness.h"
 #include "HtmlHelpCall.h"
 #include "ScriptedLink.h"
@@ -135,8 +136,27 @@ void MainWindowTest::Close() {
 void MainWindowTest::Connect() {
     scripted::PostResult(Pane(), OP_CONNECT);
     scripted::PostResult(Pane(), OP_GET_ALL);
-    ASSERT_TRUE(PumpAll());
+    Settle();
     scripted::Take();
+}
+
+void MainWindowTest::Settle() const {
+    // What is posted may ask for a refill, and the end of the groups' may bring about one of the tracks.
+    do {
+        ASSERT_TRUE(PumpUntil([this] { return !IsRefilling(); }));
+        ASSERT_TRUE(PumpAll());
+    } while (IsRefilling());
+}
+
+bool MainWindowTest::IsRefilling() const {
+    bool isRefilling = false;
+    for (const int id : {IDC_GROUP_LIST, IDC_TRACK_LIST}) {
+        // Each control knows its object.
+        const LONG_PTR object = Control(id) == nullptr ? 0 : GetWindowLongPtrA(Control(id), GWLP_USERDATA);
+        const auto* list = static_cast<const CTitleList*>(reinterpret_cast<const WindowBase*>(object));
+        isRefilling = isRefilling || (list != nullptr && list->IsRefilling());
+    }
+    return isRefilling;
 }
 
 HWND MainWindowTest::Bar() const {

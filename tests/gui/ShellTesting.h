@@ -55,6 +55,8 @@ protected:
     void Close();
     // The link says that it has found the main unit, and that this was read to its end.
     void Connect();
+    // Until everything is served and no list is being filled any more.
+    void Settle() const;
 
     HWND Pane() const { return FindWindowExA(main_, nullptr, "#32770", nullptr); }
     HWND Control(int id) const { return GetDlgItem(Pane(), id); }
@@ -65,4 +67,7 @@ protected:
 
     HelpSpy help_;
     HWND main_ = nullptr;
+
+private:
+    bool IsRefilling() const;
 };

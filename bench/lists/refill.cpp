@@ -4,34 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <vector>
 
 #include "Harness.h"
 #include "ListsHost.h"
 #include "Shared.h"
+#include "Watch.h"
 
 namespace {
 
 constexpr int kRounds = 11;
 constexpr UINT kPulse = WM_USER + 40;
 constexpr DWORD kPulseMs = 2;
-
-class Watch {
-public:
-    double Milliseconds() const {
-        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin_).count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
-};
-
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 struct Pulse {
     HWND window;

@@ -5,29 +5,19 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
 #include "AppWindow.h"
 #include "RunWithDesktop.h"
+#include "Watch.h"
 #include "resource.h"
 
 namespace {
 
 constexpr DWORD kPeriodMs = 2;
 constexpr DWORD kLookMs = 20;
-
-class Watch {
-public:
-    double Milliseconds() const {
-        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin_).count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
-};
 
 // Everything that was sent has been served when this returns.
 double Answer(HWND window, UINT message, WPARAM wParam) {
@@ -51,9 +41,8 @@ DWORD WINAPI Ask(LPVOID parameter) {
         Sleep(kPeriodMs);
     }
     const double stop = Answer(main, WM_COMMAND, IDM_STOP);
-    std::sort(waits.begin(), waits.end());
-    std::printf("answer of the window during a fetch | - | median %.2f ms, longest %.1f ms | -\n", waits[waits.size() / 2],
-                waits.back());
+    std::printf("answer of the window during a fetch | - | median %.2f ms, longest %.1f ms | -\n", Median(waits),
+                *std::max_element(waits.begin(), waits.end()));
     std::printf("Stop in the middle of it | about a second at most | %.0f ms | -\n", stop);
     PostMessageA(main, WM_DESTROY, 0, 0);
     return 0;

@@ -37,6 +37,8 @@ check() {
     # The flag alone moves nothing: Windows needs the list of the addresses to change.
     grep -qE '^Entry 5 0*[1-9a-f][0-9a-f]* 0*[1-9a-f][0-9a-f]* Base Relocation' <<<"$headers" ||
         fail "$program" "has no relocations"
+    # What a function says that finds its stack overwritten.
+    grep -q 'stack smashing detected' "$program" || fail "$program" "was compiled without stack protection"
 
     # The first level of the resource directory names the types; 0x18 is a manifest, and 0x10 the version that the editor has.
     local types

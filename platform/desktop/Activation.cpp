@@ -88,9 +88,12 @@ bool Desktop::Activate(HWND handle, WPARAM how) {
     if (active != handle || window == nullptr) {
         return active == handle;
     }
-    PutBehind(*window, HWND_TOP);
-    if (window->widget->isVisible()) {
-        AskForActivation(*window->widget);
+    // The front is the user's, who may be typing in another program.
+    if (!isElsewhere) {
+        PutBehind(*window, HWND_TOP);
+        if (window->widget->isVisible()) {
+            AskForActivation(*window->widget);
+        }
     }
     SendMessageA(handle, WM_NCACTIVATE, TRUE, 0);
     SendMessageA(handle, WM_ACTIVATE, how, reinterpret_cast<LPARAM>(before));
@@ -182,10 +185,15 @@ void Desktop::FollowWindowSystem() {
     }
     lastActiveWidget = widget;
     awaitsActivation = false;
-    const ScreenWindow* window = FindByWidget(widget);
+    ScreenWindow* window = FindByWidget(widget);
+    const bool wasElsewhere = isElsewhere;
+    isElsewhere = window == nullptr && active != nullptr && HasStyle(active, WS_VISIBLE);
     if (window == nullptr) {
         Deactivate();
         ReleaseKeys();
+    } else if (wasElsewhere && active == window->handle) {
+        // It was made active meanwhile.
+        PutBehind(*window, HWND_TOP);
     } else if (HasStyle(window->handle, WS_DISABLED)) {
         KeepPopupInFront(window->handle);
     } else {
@@ -245,6 +253,7 @@ BOOL SetForegroundWindow(HWND handle) {
         return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
     }
     ScreenWindow& root = *desktop.Root(window);
+    desktop.isElsewhere = false;
     root.widget->raise();
     desktop.AskForActivation(*root.widget);
     return desktop.Activate(root.handle, WA_ACTIVE);

@@ -80,6 +80,7 @@ public:
     const std::string* TextOf(const MSG& message) const;
 
     // --- Focus (Activation.cpp)
+    // While the user is elsewhere the window system is not asked for the front.
     bool Activate(HWND window, WPARAM how);
     void Deactivate();
     HWND ChangeFocus(HWND window);
@@ -92,6 +93,7 @@ public:
 
     HWND active = nullptr;
     HWND focus = nullptr;
+    bool isElsewhere = false;  // the user has gone to another program and not come back
     HWND capture = nullptr;
     Keyboard keyboard;     // as of the messages fetched so far
     Keyboard keyboardNow;  // as of the events that have come in

@@ -141,22 +141,53 @@ TEST_F(InputTest, ControlsUnderRealKeysAndMouse) {
     EXPECT_TRUE(PumpUntil([&] { return WindowText(edit) == "ue & Green, 100ue & Green, 100"; })) << WindowText(edit);
 }
 
-TEST_F(InputTest, AKeyThatGoesUpElsewhereIsUp) {
-    // A window of another program comes forward while Alt is held.
-    Process other("xmessage", {"-name", "elsewhere", "elsewhere"}, (theScreen->Folder() / "other").string());
-    ASSERT_TRUE(PumpUntil([] { return VisibleWindows("^elsewhere$|^xmessage$") != ""; }));
-    ASSERT_TRUE(BringForward(main_));
-    Xdotool("search --name '^main$' windowactivate");
-    ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_; }) && PumpAll());
+// With a window of another program, which the user goes to and comes back from.
+class ElsewhereTest : public InputTest {
+protected:
+    void SetUp() override {
+        InputTest::SetUp();
+        ASSERT_TRUE(PumpUntil([] { return VisibleWindows(kElsewhere) != ""; }));
+        ASSERT_TRUE(BringForward(main_));
+        ComeBack();
+    }
+
+    void GoElsewhere() {
+        Xdotool("search --onlyvisible --name '" + std::string(kElsewhere) + "' windowactivate");
+        ASSERT_TRUE(PumpUntil([] { return GetActiveWindow() == nullptr; }));
+    }
+    void ComeBack() {
+        Xdotool("search --name '^main$' windowactivate");
+        ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_ && IsInFront(); }) && PumpAll());
+    }
+    static bool IsInFront() { return Xdotool("getactivewindow getwindowname", true) == "main\n"; }
+
+    static constexpr char kElsewhere[] = "^elsewhere$|^xmessage$";
+
+private:
+    Process other_{"xmessage", {"-name", "elsewhere", "elsewhere"}, (theScreen->Folder() / "other").string()};
+};
+
+TEST_F(ElsewhereTest, AKeyThatGoesUpThereIsUp) {
     log_.Record({WM_SYSKEYDOWN, WM_KEYDOWN, WM_CHAR, WM_SYSCHAR});
     ExpectFrom("keydown alt", Lines({"* main WM_SYSKEYDOWN 0x12"}));
-    Xdotool("search --onlyvisible --name '^elsewhere$|^xmessage$' windowactivate");
-    ASSERT_TRUE(PumpUntil([] { return GetActiveWindow() == nullptr; }));
+    GoElsewhere();
     Xdotool("keyup alt");
-    Xdotool("search --name '^main$' windowactivate");
-    ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_; }) && PumpAll());
+    ComeBack();
     log_.Take();
     ExpectFrom("key a", Lines({"* main WM_KEYDOWN 0x41", "* main WM_CHAR 0x61"}));
+}
+
+// The user who types there must not be interrupted.
+TEST_F(ElsewhereTest, AFocusThatIsSetMeanwhileWaits) {
+    HWND edit = MakeTestWindow("edit", WS_CHILD | WS_VISIBLE, main_, 200, 30, nullptr);
+    GoElsewhere();
+    SetFocus(edit);
+    EXPECT_FALSE(PumpUntil([] { return IsInFront(); }, nullptr, 500));
+    EXPECT_EQ(GetFocus(), edit);
+    ComeBack();
+    log_.Record({WM_KEYDOWN});
+    ExpectFrom("key a", Lines({"* edit WM_KEYDOWN 0x41"}));
+    EXPECT_EQ(GetFocus(), edit);
 }
 
 TEST_F(InputTest, TheWindowManager) {

@@ -52,20 +52,25 @@ TEST_F(FrontTest, ASecondCopyBringsTheFirstForward) {
 }
 
 TEST_F(FrontTest, CannotBeDraggedSmallerThanItsLeast) {
-    const auto size = [] { return Xdotool("getactivewindow getwindowgeometry --shell", true); };
-    const std::string before = size();
+    const auto measure = [](const char* name) {
+        const std::string geometry = Xdotool("getactivewindow getwindowgeometry --shell", true);
+        const std::size_t place = geometry.find(name);
+        return place == std::string::npos ? 0 : std::atoi(geometry.substr(place + std::strlen(name)).c_str());
+    };
+    ASSERT_GT(measure("WIDTH="), 500);
     // Alt and the right button drag the nearest corner.
     Xdotool("mousemove --window $(xdotool getactivewindow) 560 400 keydown alt mousedown 3");
-    Xdotool("mousemove_relative -- -20 -20");
-    Xdotool("mousemove_relative -- -480 -360");
-    EXPECT_TRUE(WaitUntil([&] { return size() != before; }, std::chrono::seconds(10)));
+    Xdotool("mousemove_relative -- -500 -380");
+    EXPECT_TRUE(WaitUntil(
+        [&] {
+            // The window manager follows only the moves that come once it has taken hold.
+            Xdotool("mousemove_relative -- -1 -1");
+            return measure("WIDTH=") < 400;
+        },
+        std::chrono::seconds(10)));
     Xdotool("mouseup 3 keyup alt");
-    const std::string after = size();
-    const auto number = [&](const char* name) {
-        return std::atoi(after.substr(after.find(name) + std::strlen(name)).c_str());
-    };
-    EXPECT_GT(number("WIDTH="), 200) << after;
-    EXPECT_GT(number("HEIGHT="), 150) << after;
+    EXPECT_GT(measure("WIDTH="), 200);
+    EXPECT_GT(measure("HEIGHT="), 150);
 }
 
 TEST(ProgramWithoutScreenTest, SaysSo) {

@@ -119,7 +119,8 @@ void MainWindowTest::Open() {
     ASSERT_NE(main_, nullptr);
     ShowWindow(main_, SW_SHOW);
     ASSERT_TRUE(BringForward(main_));
-    ASSERT_TRUE(PumpAll());
+    // The font fills the lists anew, which must not see what a test puts into the store.
+    Settle();
 }
 
 void MainWindowTest::Close() {

@@ -1,7 +1,9 @@
 // What a user does with keyboard and mouse becomes the messages that the window tests post.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "Harness.h"
 #include "MessageLog.h"
@@ -146,6 +148,8 @@ class ElsewhereTest : public InputTest {
 protected:
     void SetUp() override {
         InputTest::SetUp();
+        const std::string outputs = (theScreen->Folder() / "other").string();
+        other_ = std::make_unique<Process>("xmessage", std::vector<std::string>{"-name", "elsewhere", "elsewhere"}, outputs);
         ASSERT_TRUE(PumpUntil([] { return VisibleWindows(kElsewhere) != ""; }));
         ASSERT_TRUE(BringForward(main_));
         ComeBack();
@@ -164,7 +168,7 @@ protected:
     static constexpr char kElsewhere[] = "^elsewhere$|^xmessage$";
 
 private:
-    Process other_{"xmessage", {"-name", "elsewhere", "elsewhere"}, (theScreen->Folder() / "other").string()};
+    std::unique_ptr<Process> other_;
 };
 
 TEST_F(ElsewhereTest, AKeyThatGoesUpThereIsUp) {
@@ -188,6 +192,22 @@ TEST_F(ElsewhereTest, AFocusThatIsSetMeanwhileWaits) {
     log_.Record({WM_KEYDOWN});
     ExpectFrom("key a", Lines({"* edit WM_KEYDOWN 0x41"}));
     EXPECT_EQ(GetFocus(), edit);
+}
+
+TEST_F(ElsewhereTest, ABoxThatComesUpMeanwhileHasTheKeysOnReturn) {
+    GoElsewhere();
+    HWND box = MakeTestWindow("box", WS_POPUP | WS_CAPTION, main_, 200, 100);
+    EnableWindow(main_, FALSE);
+    ShowWindow(box, SW_SHOW);
+    ASSERT_TRUE(PumpUntil([] { return VisibleWindows("^box$") != ""; }) && PumpAll());
+    Xdotool("search --name '^main$' windowactivate");
+    EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == box; }));
+    EXPECT_TRUE(PumpUntil([] { return Xdotool("getactivewindow getwindowname", true) == "box\n"; }) && PumpAll());
+    log_.Record({WM_KEYDOWN});
+    ExpectFrom("key a", Lines({"* box WM_KEYDOWN 0x41"}));
+    EnableWindow(main_, TRUE);
+    DestroyWindow(box);
+    EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_ && IsInFront(); }));
 }
 
 TEST_F(InputTest, TheWindowManager) {

@@ -1,7 +1,6 @@
 // What the choosers for files and fonts share.
 #include "Choosers.h"
 
-#include <QApplication>
 #include <QWidget>
 #include <QWindow>
 
@@ -51,10 +50,6 @@ bool ShowAndWait(QDialog& dialog, HWND owner, const std::function<void()>& look)
     const bool accepted = !dialog.isVisible() && dialog.result() == QDialog::Accepted;
     ownerDisabled.Restore();
     dialog.hide();
-    // Completions of what was typed may come up behind the Enter that ends it, and would take the next key or click.
-    while (QWidget* popup = QApplication::activePopupWidget()) {
-        popup->close();
-    }
     if (root != nullptr && IsWindow(root)) {
         SetForegroundWindow(root);
     }

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QRegularExpression>
 #include <QWidget>
 #include <cstddef>
@@ -116,6 +117,11 @@ private:
         for (QAbstractItemView* view : dialog.findChildren<QAbstractItemView*>()) {
             view->setContextMenuPolicy(Qt::NoContextMenu);
             view->setDragEnabled(false);
+        }
+        // Completions come up once a folder has been read, which may be when Enter is pressed or behind it. They would take
+        // the Enter, or stay behind and take the next key or click.
+        if (auto* name = dialog.findChild<QLineEdit*>("fileNameEdit")) {
+            name->setCompleter(nullptr);
         }
         dialog.setFileMode(QFileDialog::AnyFile);
         dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);

@@ -8,7 +8,7 @@
 
 #include "Fields.h"
 #include "FrameCutter.h"
-#include "TitleStore.h"
+#include "LinkHarness.h"
 
 namespace {
 
@@ -34,16 +34,6 @@ HexRead ReadHex(std::string_view text, int width) {
     HexRead read = {};
     read.good = GetHex(text, width, read.value);
     return read;
-}
-
-// A block frame as the unit sends it, with the right check field.
-std::string Block(const std::string& payload) {
-    char length[8];
-    PutHex(static_cast<std::uint32_t>(payload.size()), 2, length);
-    const std::string body = "50"s + length + payload;
-    char sum[8];
-    PutHex(ByteSum(body), 2, sum);
-    return "\x14" + body + sum + "\x03";
 }
 
 std::vector<std::string> Cut(const std::vector<std::string>& chunks) {
@@ -91,46 +81,21 @@ TEST(Frames, AreEncodedByteByByte) {
         encode(arguments..., out);
         return std::string(out);
     };
-    EXPECT_EQ(encoded(EncodeModelQuery),
-              "\x11"
-              "000\x03");
-    EXPECT_EQ(encoded(EncodeStatusQuery, kStatusMenu),
-              "\x02"
-              "52060\x03");
-    EXPECT_EQ(encoded(EncodeStatusQuery, kStatusReady),
-              "\x02"
-              "52000\x03");
-    EXPECT_EQ(encoded(EncodeUnitCommand, kCommandBD),
-              "\x02"
-              "07CBD\x03");
-    EXPECT_EQ(encoded(EncodeUnitCommand, kCommandBE),
-              "\x02"
-              "07CBE\x03");
-    EXPECT_EQ(encoded(EncodeMapQuery, kMapDiscs, std::uint16_t{0}),
-              "\x14"
-              "50100300000000000000C9\x03");
-    EXPECT_EQ(encoded(EncodeMapQuery, kMapAlbums, std::uint16_t{0}),
-              "\x14"
-              "50100301000000000000CA\x03");
-    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, kProbeCode),
-              "\x14"
-              "50100302FFFF0000000023\x03");
-    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, GroupCode(12)),
-              "\x14"
-              "50100302001200000000CE\x03");
-    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, GroupCode(AlbumGroup(123))),
-              "\x14"
-              "50100302212300000000D3\x03");
-    EXPECT_EQ(encoded(EncodeTitleRead, kKindDisc, 12U, 3U),
-              "\x14"
-              "50100500120300000000D1\x03");
-    EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 7U, 0U),
-              "\x14"
-              "50100520070000000000D4\x03");
+    EXPECT_EQ((std::string{kStx, kEtx, kDc1, kDc2, kDc3, kDc4}), "\x02\x03\x11\x12\x13\x14");
+    EXPECT_EQ(encoded(EncodeModelQuery), Framed(kDc1, "000"));
+    EXPECT_EQ(encoded(EncodeStatusQuery, kStatusMenu), Framed(kStx, "52060"));
+    EXPECT_EQ(encoded(EncodeStatusQuery, kStatusReady), Framed(kStx, "52000"));
+    EXPECT_EQ(encoded(EncodeUnitCommand, kCommandBD), Framed(kStx, "07CBD"));
+    EXPECT_EQ(encoded(EncodeUnitCommand, kCommandBE), Framed(kStx, "07CBE"));
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapDiscs, std::uint16_t{0}), Framed(kDc4, "50100300000000000000C9"));
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapAlbums, std::uint16_t{0}), Framed(kDc4, "50100301000000000000CA"));
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, kProbeCode), Framed(kDc4, "50100302FFFF0000000023"));
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, GroupCode(12)), Framed(kDc4, "50100302001200000000CE"));
+    EXPECT_EQ(encoded(EncodeMapQuery, kMapTracks, GroupCode(AlbumGroup(123))), Framed(kDc4, "50100302212300000000D3"));
+    EXPECT_EQ(encoded(EncodeTitleRead, kKindDisc, 12U, 3U), Framed(kDc4, "50100500120300000000D1"));
+    EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 7U, 0U), Framed(kDc4, "50100520070000000000D4"));
     EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 123U, 0U).substr(7, 4), "2123");
-    EXPECT_EQ(encoded(EncodeTitleWrite, kKindDisc, 12U, 3U),
-              "\x14"
-              "50100600120300000000D2\x03");
+    EXPECT_EQ(encoded(EncodeTitleWrite, kKindDisc, 12U, 3U), Framed(kDc4, "50100600120300000000D2"));
     EXPECT_TRUE(IsTitleWrite(out));
     EXPECT_FALSE(IsTitleRead(out));
     EXPECT_FALSE(IsMapQuery(out));
@@ -167,81 +132,40 @@ TEST(Frames, ReceivedOnesAreToldApart) {
         std::string frame;
         FrameKind kind;
     } cases[] = {
-        {"status", "\x02@05240\x03", FrameKind::kStatus},
-        {"status, other second byte", "\x02@15240\x03", FrameKind::kStatus},
-        {"command", "\x02@05800\x03", FrameKind::kCommand},
-        {"last command type", "\x02@05F00\x03", FrameKind::kCommand},
-        {"type of no meaning", "\x02@05700\x03", FrameKind::kIgnored},
-        {"type outside the family", "\x02@06240\x03", FrameKind::kVoid},
-        {"no at sign",
-         "\x02"
-         "A05240\x03",
-         FrameKind::kVoid},
-        {"wrong second byte", "\x02@25240\x03", FrameKind::kVoid},
-        {"one byte too long", "\x02@052400\x03", FrameKind::kVoid},
-        {"one byte short", "\x02@0524\x03", FrameKind::kVoid},
-        {"model",
-         "\x12"
-         "C00530009B\x03",
-         FrameKind::kModel},
-        {"model with data",
-         "\x12"
-         "C0071002abXX\x03",
-         FrameKind::kModel},
-        {"model, length too long",
-         "\x12"
-         "C0053001"
-         "9B\x03",
-         FrameKind::kVoid},
-        {"write reply",
-         "\x14"
-         "500406008F\x03",
-         FrameKind::kTitleWrite},
-        {"read reply", Block("0500" + std::string(32, ' ')), FrameKind::kTitleRead},
-        {"map", Block("0300" + std::string(250, '0')), FrameKind::kMap},
-        {"wrong check field",
-         "\x14"
-         "500406008E\x03",
-         FrameKind::kVoid},
-        {"result 3F", Block("063F"), FrameKind::kVoid},
-        {"result 3F of an unknown sub-type", Block("093F"), FrameKind::kVoid},
-        {"unknown sub-type", Block("0900"), FrameKind::kIgnored},
-        {"block of another family",
-         "\x14"
-         "400406008E\x03",
-         FrameKind::kVoid},
-        {"block length beyond the frame",
-         "\x14"
-         "50FF06008F\x03",
-         FrameKind::kVoid},
-        {"DC1",
-         "\x11"
-         "000\x03",
-         FrameKind::kVoid},
-        {"DC3",
-         "\x13"
-         "000\x03",
-         FrameKind::kVoid},
+        {"status", Framed(kStx, "@05240"), FrameKind::kStatus},
+        {"status, other second byte", Framed(kStx, "@15240"), FrameKind::kStatus},
+        {"command", Framed(kStx, "@05800"), FrameKind::kCommand},
+        {"last command type", Framed(kStx, "@05F00"), FrameKind::kCommand},
+        {"type of no meaning", Framed(kStx, "@05700"), FrameKind::kIgnored},
+        {"type outside the family", Framed(kStx, "@06240"), FrameKind::kVoid},
+        {"no at sign", Framed(kStx, "A05240"), FrameKind::kVoid},
+        {"wrong second byte", Framed(kStx, "@25240"), FrameKind::kVoid},
+        {"one byte too long", Framed(kStx, "@052400"), FrameKind::kVoid},
+        {"one byte short", Framed(kStx, "@0524"), FrameKind::kVoid},
+        {"model", Framed(kDc2, "C00530009B"), FrameKind::kModel},
+        {"model with data", Framed(kDc2, "C0071002abXX"), FrameKind::kModel},
+        {"model, length too long", Framed(kDc2, "C00530019B"), FrameKind::kVoid},
+        {"write reply", Framed(kDc4, "500406008F"), FrameKind::kTitleWrite},
+        {"read reply", UnitBlock("0500" + std::string(32, ' ')), FrameKind::kTitleRead},
+        {"map", UnitBlock("0300" + std::string(250, '0')), FrameKind::kMap},
+        {"wrong check field", Framed(kDc4, "500406008E"), FrameKind::kVoid},
+        {"result 3F", UnitBlock("063F"), FrameKind::kVoid},
+        {"result 3F of an unknown sub-type", UnitBlock("093F"), FrameKind::kVoid},
+        {"unknown sub-type", UnitBlock("0900"), FrameKind::kIgnored},
+        {"block of another family", Framed(kDc4, "400406008E"), FrameKind::kVoid},
+        {"block length beyond the frame", Framed(kDc4, "50FF06008F"), FrameKind::kVoid},
+        {"DC1", Framed(kDc1, "000"), FrameKind::kVoid},
+        {"DC3", Framed(kDc3, "000"), FrameKind::kVoid},
         {"lone control byte", "", FrameKind::kVoid},
     };
     for (const auto& each : cases) {
         EXPECT_EQ(ClassifyFrame(each.frame), each.kind) << each.what;
     }
-    EXPECT_TRUE(
-        ModelSumMatches("\x12"
-                        "C00530009B\x03"));
-    EXPECT_FALSE(
-        ModelSumMatches("\x12"
-                        "C00530009C\x03"));
-    EXPECT_EQ(ModelNumber("\x12"
-                          "C00530009B\x03"),
-              1);
-    EXPECT_EQ(ModelNumber("\x12"
-                          "C00710009B\x03"),
-              2);
-    EXPECT_EQ(ModelNumber("\x12"
-                          "C00720009B\x03"),
-              0);
+    EXPECT_TRUE(ModelSumMatches(Framed(kDc2, "C00530009B")));
+    EXPECT_FALSE(ModelSumMatches(Framed(kDc2, "C00530009C")));
+    EXPECT_EQ(ModelNumber(Framed(kDc2, "C00530009B")), 1);
+    EXPECT_EQ(ModelNumber(Framed(kDc2, "C00710009B")), 2);
+    EXPECT_EQ(ModelNumber(Framed(kDc2, "C00720009B")), 0);
 }
 
 TEST(Frames, MapBitsAndTitlesAreDecoded) {
@@ -249,12 +173,12 @@ TEST(Frames, MapBitsAndTitlesAreDecoded) {
     digits[0] = '8';    // item 1
     digits[3] = '1';    // item 16
     digits[249] = '1';  // item 1000
-    const std::string map = Block("0300" + digits);
+    const std::string map = UnitBlock("0300" + digits);
     for (std::uint32_t item = 1; item <= 1000; ++item) {
         EXPECT_EQ(MapBit(map, item), item == 1 || item == 16 || item == 1000) << item;
     }
-    EXPECT_TRUE(IsRefusal(Block("0301")) && IsRefusal(Block("0302")));
-    EXPECT_FALSE(IsRefusal(Block("0300")) || IsRefusal(Block("0303")));
+    EXPECT_TRUE(IsRefusal(UnitBlock("0301")) && IsRefusal(UnitBlock("0302")));
+    EXPECT_FALSE(IsRefusal(UnitBlock("0300")) || IsRefusal(UnitBlock("0303")));
 
     const struct {
         std::string wire;
@@ -269,13 +193,13 @@ TEST(Frames, MapBitsAndTitlesAreDecoded) {
     };
     for (const auto& title : titles) {
         char text[kTitleSize];
-        DecodeTitle(Block("0500" + title.wire), text);
+        DecodeTitle(UnitBlock("0500" + title.wire), text);
         EXPECT_EQ(text, title.text);
     }
 }
 
 TEST(FrameCutter, PutsFramesTogetherAtAnySplit) {
-    const std::string frame = Block("0500title" + std::string(27, ' '));
+    const std::string frame = UnitBlock("0500title" + std::string(27, ' '));
     for (std::size_t split = 0; split <= frame.size(); ++split) {
         EXPECT_EQ(Cut({frame.substr(0, split), "\r\n", frame.substr(split)}), std::vector{frame}) << split;
     }
@@ -287,8 +211,8 @@ TEST(FrameCutter, PutsFramesTogetherAtAnySplit) {
 }
 
 TEST(FrameCutter, GivesOneFrameForEachPiece) {
-    const std::string one = "\x02@05240\x03";
-    const std::string two = "\x02@052FF\x03";
+    const std::string one = Framed(kStx, "@05240");
+    const std::string two = Framed(kStx, "@052FF");
     using Frames = std::vector<std::string>;
     const struct {
         const char* what;
@@ -314,7 +238,7 @@ TEST(FrameCutter, GivesOneFrameForEachPiece) {
 }
 
 TEST(FrameCutter, DropsWhatIsTooLongAndGoesOn) {
-    const std::string frame = "\x02@05240\x03";
+    const std::string frame = Framed(kStx, "@05240");
     const std::string fits = "\x14" + std::string(kFrameSize - 2, 'x') + "\x03";
     EXPECT_EQ(Cut({fits}), std::vector{fits});
     const std::string tooLong = "\x14" + std::string(kFrameSize - 1, 'x') + "\x03";

@@ -17,7 +17,7 @@ std::string UnitBlock(const std::string& payload) {
     PutHex(static_cast<std::uint32_t>(payload.size()), 2, digits);
     const std::string body = std::string("50") + digits + payload;
     PutHex(ByteSum(body), 2, digits);
-    return "\x14" + body + digits + "\x03";
+    return Framed(kDc4, body + digits);
 }
 
 std::string UnitMap(const std::vector<int>& items) {
@@ -40,7 +40,25 @@ std::string UnitTitle(std::string text) {
 }
 
 std::string UnitStatus(const std::string& value) {
-    return "\x02@052" + value + "\x03";
+    return Framed(kStx, "@052" + value);
+}
+
+std::string MapQuery(std::uint8_t kind, std::uint16_t code) {
+    char frame[kFrameSize];
+    EncodeMapQuery(kind, code, frame);
+    return frame;
+}
+
+std::string TitleRead(std::uint8_t kind, std::uint32_t number, std::uint32_t track) {
+    char frame[kFrameSize];
+    EncodeTitleRead(kind, number, track, frame);
+    return frame;
+}
+
+std::string TitleWrite(std::uint32_t disc, std::uint32_t track) {
+    char frame[kFrameSize];
+    EncodeTitleWrite(kKindDisc, disc, track, frame);
+    return frame;
 }
 
 WPARAM ResultOf(WORD operation, BYTE code, BYTE status) {
@@ -73,18 +91,14 @@ std::string ScriptedUnit::DefaultAnswer(const std::string& frame) const {
     if (frame[0] == kDc1) {
         return kModelReply;
     }
-    if (frame ==
-        "\x02"
-        "52060\x03") {
+    if (frame == kMenuQuery) {
         return UnitStatus("FF");
     }
-    if (frame ==
-        "\x02"
-        "52000\x03") {
+    if (frame == kReadyQuery) {
         return UnitStatus("40");
     }
     if (frame.substr(1, 3) == "07C") {
-        return "\x02@05800\x03";
+        return Framed(kStx, "@05800");
     }
     const std::string kind = frame.substr(3, 4);
     if (kind == "1003") {
@@ -166,6 +180,16 @@ bool LinkHarness::WaitForResult(WPARAM wParam, DWORD limitMs) {
     return WaitUntil([&] { return HasResult(wParam); }, limitMs);
 }
 
+void LinkHarness::Edit(GroupId group, TrackNo track, const std::string& text) {
+    store.StoreReceived(group, track, "old");
+    EXPECT_EQ(store.EditTitle(group, track, text.c_str()), 1) << text;
+}
+
+std::string LinkHarness::Title(GroupId group, TrackNo track) {
+    char text[kTitleSize];
+    return store.GetTitle(group, track, text) ? text : "";
+}
+
 bool LinkHarness::ConnectQuietly() {
     const bool connected = link.Connect("COM1") && WaitForResult(OP_CONNECT);
     posted.clear();
@@ -192,10 +216,8 @@ std::vector<Posted> LinkHarness::Progress() const {
     return progress;
 }
 
-void RunLink(const std::function<void(LinkHarness&)>& body, std::uint64_t seed) {
-    Simulation::Options options;
-    options.seed = seed;
-    Simulation simulation(options);
+void RunLink(const std::function<void(LinkHarness&)>& body) {
+    Simulation simulation(Simulation::Options{});
     ScriptedUnit unit;
     unit.SetLine(&simulation.AttachPort("COM1", &unit));
     const bool done = simulation.Run(
@@ -206,4 +228,11 @@ void RunLink(const std::function<void(LinkHarness&)>& body, std::uint64_t seed) 
         kLimitUs);
     EXPECT_TRUE(done) << simulation.Report();
     EXPECT_EQ(simulation.PeriodsHeld(), 0) << "timer period still held";
+}
+
+void RunConnected(const std::function<void(LinkHarness&)>& body) {
+    RunLink([&](LinkHarness& run) {
+        ASSERT_TRUE(run.ConnectQuietly());
+        body(run);
+    });
 }

@@ -12,6 +12,9 @@
 #include "Simulation.h"
 #include "TitleStore.h"
 
+inline std::string Framed(char start, const std::string& text) {
+    return start + text + kEtx;
+}
 // A block frame as the unit sends it, with the right check field.
 std::string UnitBlock(const std::string& payload);
 // A MapReply with the bits of the items set.
@@ -19,12 +22,20 @@ std::string UnitMap(const std::vector<int>& items);
 // A TitleReadReply; the text is padded to 32 bytes.
 std::string UnitTitle(std::string text);
 
-inline const std::string kModelReply =
-    "\x12"
-    "C00530009B\x03";
+std::string UnitStatus(const std::string& value);
+
+inline const std::string kModelQuery = Framed(kDc1, "000");
+inline const std::string kMenuQuery = Framed(kStx, "52060");
+inline const std::string kReadyQuery = Framed(kStx, "52000");
+std::string MapQuery(std::uint8_t kind, std::uint16_t code);
+std::string TitleRead(std::uint8_t kind, std::uint32_t number, std::uint32_t track);
+std::string TitleWrite(std::uint32_t disc, std::uint32_t track);
+
+inline const std::string kModelReply = Framed(kDc2, "C00530009B");
+// A reply to a command that nobody has given.
+inline const std::string kStray = Framed(kStx, "@05800");
 inline const std::string kWriteAccepted = UnitBlock("0600");
 inline const std::string kRefusedMap = UnitBlock("0301");
-std::string UnitStatus(const std::string& value);
 
 struct Sent {
     std::string frame;
@@ -78,6 +89,12 @@ public:
     bool WaitUntil(const std::function<bool()>& condition, DWORD limitMs);
     void Pass(DWORD ms);
     bool WaitForResult(WPARAM wParam, DWORD limitMs = 60000);
+    // Waits for the result of an operation that the link has just been told to start.
+    bool Ends(bool started, WPARAM wParam, DWORD limitMs = 60000) { return started && WaitForResult(wParam, limitMs); }
+    // Gives a title that the unit knows by another text.
+    void Edit(GroupId group, TrackNo track, const std::string& text);
+    // Empty when the title is not known.
+    std::string Title(GroupId group, TrackNo track);
     // Connects and forgets what was sent and posted for it.
     bool ConnectQuietly();
     bool HasResult(WPARAM wParam) const;
@@ -100,5 +117,6 @@ private:
     std::size_t framesBefore_ = 0;
 };
 
-// Runs the body as the first thread of a simulation with the unit on COM1.
-void RunLink(const std::function<void(LinkHarness&)>& body, std::uint64_t seed = 1);
+// Runs the body as the first thread of a simulation with the unit on COM1, connected to it or not.
+void RunLink(const std::function<void(LinkHarness&)>& body);
+void RunConnected(const std::function<void(LinkHarness&)>& body);

@@ -5,18 +5,10 @@
 
 namespace {
 
-constexpr char kMenuQuery[] =
-    "\x02"
-    "52060\x03";
-constexpr char kModelQuery[] =
-    "\x11"
-    "000\x03";
-
 TEST(Connecting, FindsTheModelAndChecksTheStatus) {
     RunLink([](LinkHarness& run) {
         EXPECT_FALSE(run.link.Connect("COM7"));
-        ASSERT_TRUE(run.link.Connect("COM1"));
-        ASSERT_TRUE(run.WaitForResult(OP_CONNECT));
+        ASSERT_TRUE(run.Ends(run.link.Connect("COM1"), OP_CONNECT));
         EXPECT_EQ(run.unit.FrameTexts(), (std::vector<std::string>{"000", "52060", "52000"}));
         EXPECT_EQ(
             run.posted,
@@ -42,17 +34,13 @@ TEST(Connecting, CostsTwoSecondsOnAPortWithNobodyThere) {
 
 TEST(Connecting, TellsAModelReplyWithAWrongSumAndTakesAnUnknownModel) {
     RunLink([](LinkHarness& run) {
-        run.unit.Answer(kModelQuery, {"\x12"
-                                      "C00530009C\x03"});
-        ASSERT_TRUE(run.link.Connect("COM1"));
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_CONNECT, RC_MODEL, ST_TIMEOUT)));
+        run.unit.Answer(kModelQuery, {Framed(kDc2, "C00530009C")});
+        ASSERT_TRUE(run.Ends(run.link.Connect("COM1"), ResultOf(OP_CONNECT, RC_MODEL, ST_TIMEOUT)));
         EXPECT_TRUE(run.HasResult(ResultOf(OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM)));
         EXPECT_EQ(run.link.Model(), 0);
 
-        run.unit.Answer(kModelQuery, {"\x12"
-                                      "X9999000CC\x03"});
-        ASSERT_TRUE(run.link.Connect("COM1"));
-        ASSERT_TRUE(run.WaitForResult(OP_CONNECT));
+        run.unit.Answer(kModelQuery, {Framed(kDc2, "X9999000CC")});
+        ASSERT_TRUE(run.Ends(run.link.Connect("COM1"), OP_CONNECT));
         EXPECT_EQ(run.link.Model(), 0);
     });
 }
@@ -80,8 +68,7 @@ TEST(Connecting, LeavesNothingOpenIfAThreadIsRefused) {
 }
 
 TEST(Sender, RepeatsOnceAndTimesOut) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         run.unit.Answer(kMenuQuery, {""});
         ASSERT_TRUE(run.link.GetAllTitles());
         const std::size_t before = run.unit.Frames().size();
@@ -99,11 +86,9 @@ TEST(Sender, RepeatsOnceAndTimesOut) {
 }
 
 TEST(Sender, DoesNotRepeatWhatWasAnsweredDuringThePause) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         run.unit.Answer(kMenuQuery, {"", "", UnitStatus("FF")});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
         const std::vector<Sent>& frames = run.unit.Frames();
         const std::uint64_t repeatAfter = frames.back().timeUs - frames[frames.size() - 2].timeUs;
         run.unit.SetDelay(repeatAfter - 60'000);
@@ -119,8 +104,7 @@ TEST(Sender, KeepsFramesApartAndGoesOnAtTheNextTick) {
         run.unit.SetDelay(700'000);
         ASSERT_TRUE(run.ConnectQuietly());
         run.unit.SetDelay(1000);
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         const std::vector<Sent>& frames = run.unit.Frames();
         for (std::size_t i = 1; i < frames.size(); ++i) {
             EXPECT_GE(frames[i].timeUs - frames[i - 1].timeUs, 120'000U) << frames[i].frame;
@@ -142,8 +126,7 @@ TEST(Stopping, IsImmediateWhenIdleAndWaitsASecondForAReply) {
         ASSERT_TRUE(run.ConnectQuietly());
         expectNoWait("after an operation");
         run.unit.Answer(kMenuQuery, {""});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
         expectNoWait("after one that timed out");
 
         run.posted.clear();
@@ -163,8 +146,7 @@ TEST(Stopping, IsImmediateWhenIdleAndWaitsASecondForAReply) {
 }
 
 TEST(Stopping, LetsTheReplyInFlightComeIn) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         run.unit.SetDelay(300'000);
         ASSERT_TRUE(run.link.GetAllTitles());
         ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "50100500010000000000"; }, 20000));
@@ -186,8 +168,7 @@ TEST(Stopping, IsOverWhenTheReplyIsIn) {
     for (const std::string question : questions) {
         RunLink([&](LinkHarness& run) {
             run.unit.SetDelay(300'000);
-            run.store.StoreReceived(1, 0, "old");
-            run.store.EditTitle(1, 0, "new");
+            run.Edit(1, 0, "new");
             ASSERT_TRUE(run.link.Connect("COM1"));
             if (question != "000") {
                 ASSERT_TRUE(run.WaitForResult(OP_CONNECT));
@@ -207,12 +188,10 @@ TEST(Stopping, IsOverWhenTheReplyIsIn) {
 }
 
 TEST(Starting, ReplacesWhatRunsWithoutAWord) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         ASSERT_TRUE(run.link.GetAllTitles());
         run.Pass(400);
-        ASSERT_TRUE(run.link.GetGroupTracks(1));
-        ASSERT_TRUE(run.WaitForResult(OP_GET_TRACKS));
+        ASSERT_TRUE(run.Ends(run.link.GetGroupTracks(1), OP_GET_TRACKS));
         EXPECT_FALSE(run.HasResult(OP_GET_ALL));
         EXPECT_TRUE(run.store.IsKnown(1, 3));
     });
@@ -249,21 +228,17 @@ TEST(Starting, RefusesGroupsOutsideTheRangesAndLetsWhatRunsGoOn) {
 }
 
 TEST(DeadLine, TimesOutAndComesBackWithTheNextConnect) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         run.unit.Line().Unplug();
-        ASSERT_TRUE(run.link.GetAllTitles());
-        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
         run.unit.Line().Plug();
         EXPECT_TRUE(run.ConnectQuietly());
         run.unit.Line().RejectWrites(true);
-        ASSERT_TRUE(run.link.GetAllTitles());
-        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
         run.unit.Line().RejectWrites(false);
         // A line that has rejected a write stays dead until it is opened anew.
         run.posted.clear();
-        ASSERT_TRUE(run.link.GetAllTitles());
-        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
+        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
         EXPECT_TRUE(run.ConnectQuietly());
         run.unit.Line().SetBusy(true);
         EXPECT_FALSE(run.link.Connect("COM1"));

@@ -7,33 +7,6 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-const std::string kMenuQuery =
-    "\x02"
-    "52060\x03";
-const std::string kReadyQuery =
-    "\x02"
-    "52000\x03";
-
-std::string Read(const std::string& kindNumberTrack) {
-    char frame[kFrameSize];
-    EncodeTitleRead(static_cast<std::uint8_t>((kindNumberTrack[0] - '0') / 2),
-                    static_cast<std::uint32_t>(std::stoul(kindNumberTrack.substr(1, 3))),
-                    static_cast<std::uint32_t>(std::stoul(kindNumberTrack.substr(4, 2))), frame);
-    return frame;
-}
-
-std::string Write(std::uint32_t disc, std::uint32_t track) {
-    char frame[kFrameSize];
-    EncodeTitleWrite(kKindDisc, disc, track, frame);
-    return frame;
-}
-
-std::string Map(std::uint8_t kind, std::uint16_t code) {
-    char frame[kFrameSize];
-    EncodeMapQuery(kind, code, frame);
-    return frame;
-}
-
 // The answers to the ready question when all is fetched, and what comes of them up to the first MapQuery.
 struct StatusCase {
     const char* what;
@@ -65,15 +38,14 @@ TEST(StatusCheck, FollowsTheUnitsValues) {
         {"busy FF", {"FF"}, Texts(100, "52000"), ST_BUSY, true},
     };
     for (const StatusCase& each : cases) {
-        RunLink([&](LinkHarness& run) {
-            ASSERT_TRUE(run.ConnectQuietly());
+        RunConnected([&](LinkHarness& run) {
             std::vector<std::string> answers;
             for (const std::string& value : each.values) {
                 answers.push_back(UnitStatus(value));
             }
             run.unit.Answer(kReadyQuery, answers);
-            run.unit.Answer(Map(kMapDiscs, 0), {kRefusedMap});
-            run.unit.Answer(Map(kMapAlbums, 0), {kRefusedMap});
+            run.unit.Answer(MapQuery(kMapDiscs, 0), {kRefusedMap});
+            run.unit.Answer(MapQuery(kMapAlbums, 0), {kRefusedMap});
             ASSERT_TRUE(run.link.GetAllTitles());
             if (each.status == ST_OK) {
                 EXPECT_TRUE(run.WaitForResult(OP_GET_ALL)) << each.what;
@@ -101,11 +73,9 @@ TEST(StatusCheck, FollowsTheUnitsValues) {
 }
 
 TEST(StatusCheck, MenuModeEndsTheOperation) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         run.unit.Answer(kMenuQuery, {UnitStatus("40")});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, ST_MENU_MODE)));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_MENU_MODE)));
         EXPECT_EQ(run.posted.back().lParam, 0x600040);
         EXPECT_FALSE(run.link.IsOperationActive());
         run.Pass(6000);
@@ -114,31 +84,22 @@ TEST(StatusCheck, MenuModeEndsTheOperation) {
 }
 
 TEST(Maps, OfAnotherLengthAreAskedForAgainWithoutAWord) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        const std::string query = Map(kMapDiscs, 0);
+    RunConnected([](LinkHarness& run) {
+        const std::string query = MapQuery(kMapDiscs, 0);
         run.unit.Answer(query, {UnitBlock("0300" + std::string(248, 'F'))});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_MAP, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_MAP, ST_TIMEOUT)));
         EXPECT_EQ(run.unit.Count(query), 2U);
         EXPECT_EQ(run.Results(), 1U);
     });
 }
 
 TEST(Maps, GiveWhatLiesInTheRangeAndIsNotKnown) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        DisplayRanges ranges;
-        ranges.DiscFrom = 2;
-        ranges.DiscTo = 4;
-        ranges.AlbumFrom = 999;
-        ranges.AlbumTo = 999;
-        run.link.SetDisplayRanges(ranges);
+    RunConnected([](LinkHarness& run) {
+        run.link.SetDisplayRanges({.DiscFrom = 2, .DiscTo = 4, .AlbumFrom = 999, .AlbumTo = 999});
         run.store.StoreReceived(3, 0, "known");
-        run.unit.Answer(Map(kMapDiscs, 0), {UnitMap({1, 2, 3, 4, 5, 1000})});
-        run.unit.Answer(Map(kMapAlbums, 0), {UnitMap({1, 998, 999, 1000})});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        run.unit.Answer(MapQuery(kMapDiscs, 0), {UnitMap({1, 2, 3, 4, 5, 1000})});
+        run.unit.Answer(MapQuery(kMapAlbums, 0), {UnitMap({1, 998, 999, 1000})});
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         EXPECT_EQ(run.FramesSinceConnect(), (Texts{"52060", "52000", "50100300000000000000", "50100500020000000000",
                                                    "50100500040000000000", "50100301000000000000", "50100529990000000000"}));
         EXPECT_EQ(run.store.IsKnown(1998, 0), 1);
@@ -146,25 +107,21 @@ TEST(Maps, GiveWhatLiesInTheRangeAndIsNotKnown) {
 }
 
 TEST(Maps, OfATracksQueryThatIsRefusedTimeOut) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        const std::string query = Map(kMapTracks, GroupCode(AlbumGroup(1)));
+    RunConnected([](LinkHarness& run) {
+        const std::string query = MapQuery(kMapTracks, GroupCode(AlbumGroup(1)));
         run.unit.Answer(query, {kRefusedMap});
-        ASSERT_TRUE(run.link.GetGroupTracks(AlbumGroup(1)));
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_GET_TRACKS, RC_MAP, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.GetGroupTracks(AlbumGroup(1)), ResultOf(OP_GET_TRACKS, RC_MAP, ST_TIMEOUT)));
         EXPECT_EQ(run.unit.Count(query), 2U);
         EXPECT_EQ(run.Results(), 1U);
     });
 }
 
 TEST(Titles, AreStoredAsTheyCome) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        run.unit.Answer(Read("000100"), {UnitBlock("0502" + std::string(32, 'x'))});
-        run.unit.Answer(Read("000200"), {UnitTitle("")});
-        run.unit.Answer(Read("200100"), {UnitBlock("0500short")});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+    RunConnected([](LinkHarness& run) {
+        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {UnitBlock("0502" + std::string(32, 'x'))});
+        run.unit.Answer(TitleRead(kKindDisc, 2, 0), {UnitTitle("")});
+        run.unit.Answer(TitleRead(kKindAlbum, 1, 0), {UnitBlock("0500short")});
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         EXPECT_EQ(run.store.GetState(1, 0), TS_NONE);
         EXPECT_EQ(run.store.IsKnown(1, 0), 1);
         EXPECT_EQ(run.store.GetState(2, 0), TS_RECEIVED);
@@ -182,48 +139,37 @@ TEST(Titles, AreStoredAsTheyCome) {
 }
 
 TEST(StrayFrames, OfIgnoredTypesDoNothing) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         const std::string ignored = "\x02@05340\x03\r" + UnitBlock("0900") + "\r";
-        run.unit.Answer(Read("000100"), {ignored + UnitTitle("one")});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {ignored + UnitTitle("one")});
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         EXPECT_EQ(run.Results(), 1U);
-        char text[kTitleSize];
-        ASSERT_TRUE(run.store.GetTitle(1, 0, text));
-        EXPECT_STREQ(text, "one");
+        EXPECT_EQ(run.Title(1, 0), "one");
     });
 }
 
 TEST(StrayFrames, ThatAreVoidTakeTheOperationAwayAndTheQueueGoesOn) {
-    const std::string voids[] = {"\x06",
-                                 "\x13"
-                                 "abc\x03",
-                                 UnitBlock("053F"), "\x02@15\x03"};
+    const std::string voids[] = {"\x06", Framed(kDc3, "abc"), UnitBlock("053F"), "\x02@15\x03"};
     for (const std::string& bad : voids) {
-        RunLink([&](LinkHarness& run) {
-            ASSERT_TRUE(run.ConnectQuietly());
-            run.unit.Answer(Read("000100"), {bad + "\r" + UnitTitle("one")});
+        RunConnected([&](LinkHarness& run) {
+            run.unit.Answer(TitleRead(kKindDisc, 1, 0), {bad + "\r" + UnitTitle("one")});
             ASSERT_TRUE(run.link.GetAllTitles());
             ASSERT_TRUE(run.WaitUntil([&] { return run.store.IsKnown(2, 0) != 0; }, 20000));
             EXPECT_FALSE(run.link.IsOperationActive());
             run.Pass(3000);
             EXPECT_EQ(run.Results(), 0U);
             EXPECT_EQ(run.FramesSinceConnect().back(), "50100500020000000000");
-            ASSERT_TRUE(run.link.GetAllTitles());
-            EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+            EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         });
     }
 }
 
 TEST(StrayFrames, AreNeverFiledUnderAnotherFramesNumber) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         // A title that comes while a map is asked for, and once more while nothing is asked at all.
-        run.unit.Answer(Map(kMapDiscs, 0), {UnitTitle("stray") + "\r" + kWriteAccepted + "\r" + UnitMap({1})});
-        run.unit.Answer(Read("000100"), {UnitMap({7}) + "\r" + UnitTitle("one")});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        run.unit.Answer(MapQuery(kMapDiscs, 0), {UnitTitle("stray") + "\r" + kWriteAccepted + "\r" + UnitMap({1})});
+        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {UnitMap({7}) + "\r" + UnitTitle("one")});
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         run.unit.Line().Send(UnitTitle("late"));
         run.unit.Line().Send("\r" + kWriteAccepted);
         run.Pass(500);
@@ -233,29 +179,24 @@ TEST(StrayFrames, AreNeverFiledUnderAnotherFramesNumber) {
             known += run.store.IsKnown(group, 0);
         }
         EXPECT_EQ(known, 2);
-        char text[kTitleSize];
-        ASSERT_TRUE(run.store.GetTitle(1, 0, text));
-        EXPECT_STREQ(text, "one");
+        EXPECT_EQ(run.Title(1, 0), "one");
         EXPECT_EQ(run.FramesSinceConnect().size(), 6U);
     });
 }
 
 TEST(StrayFrames, ThatUseUpAQuestionDoNotHangTheOperation) {
     // A command reply is an answer to whatever was asked, so it takes the place of the one that counts.
-    const std::string stray = "\x02@05800\x03";
-    const std::string questions[] = {kMenuQuery, kReadyQuery, Map(kMapDiscs, 0), Map(kMapAlbums, 0)};
+    const std::string questions[] = {kMenuQuery, kReadyQuery, MapQuery(kMapDiscs, 0), MapQuery(kMapAlbums, 0)};
     for (const std::string& question : questions) {
-        RunLink([&](LinkHarness& run) {
-            ASSERT_TRUE(run.ConnectQuietly());
-            run.unit.Answer(question, {stray, question == kMenuQuery    ? UnitStatus("FF")
-                                              : question == kReadyQuery ? UnitStatus("40")
-                                                                        : UnitMap({1})});
-            ASSERT_TRUE(run.link.GetAllTitles());
-            EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+        RunConnected([&](LinkHarness& run) {
+            run.unit.Answer(question, {kStray, question == kMenuQuery    ? UnitStatus("FF")
+                                               : question == kReadyQuery ? UnitStatus("40")
+                                                                         : UnitMap({1})});
+            EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
             EXPECT_EQ(run.unit.Count(question), question[0] == kStx ? 3U : 2U);
 
             run.posted.clear();
-            run.unit.Answer(question, {stray});
+            run.unit.Answer(question, {kStray});
             ASSERT_TRUE(run.link.GetAllTitles());
             ASSERT_TRUE(run.WaitUntil([&] { return run.Results() > 0; }, 60000));
             EXPECT_EQ(run.posted.back().wParam >> 24, ST_TIMEOUT);
@@ -264,24 +205,20 @@ TEST(StrayFrames, ThatUseUpAQuestionDoNotHangTheOperation) {
 }
 
 TEST(StrayFrames, AreForgivenOnceForEachQuestion) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        const std::string stray = "\x02@05800\x03";
-        run.unit.Answer(kReadyQuery, {stray, UnitStatus("01"), UnitStatus("01"), stray, UnitStatus("40")});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+    RunConnected([](LinkHarness& run) {
+        run.unit.Answer(kReadyQuery, {kStray, UnitStatus("01"), UnitStatus("01"), kStray, UnitStatus("40")});
+        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
     });
 }
 
 TEST(StatusCheck, CountsNoCopyThatComesWhileNothingIsAsked) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
+    RunConnected([](LinkHarness& run) {
         // Ten values are waited out, the menu's among them; the eleventh is a copy that comes in the pause before the next
         // question.
         std::vector<std::string> values(9, UnitStatus("00"));
         values.push_back(UnitStatus("40"));
         run.unit.Answer(kReadyQuery, values);
-        run.unit.Answer(Map(kMapDiscs, 0), {"\x02@05800\x03", UnitMap({1})});
+        run.unit.Answer(MapQuery(kMapDiscs, 0), {kStray, UnitMap({1})});
         ASSERT_TRUE(run.link.GetAllTitles());
         const std::size_t before = run.unit.Count(kReadyQuery);
         ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(kReadyQuery) == before + 9; }, 60000));
@@ -291,11 +228,9 @@ TEST(StatusCheck, CountsNoCopyThatComesWhileNothingIsAsked) {
 }
 
 TEST(StrayFrames, ThatUseUpAReadEndTheStep) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        run.unit.Answer(Read("000200"), {"\x02@05800\x03"});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
+    RunConnected([](LinkHarness& run) {
+        run.unit.Answer(TitleRead(kKindDisc, 2, 0), {kStray});
+        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
         EXPECT_EQ(run.store.IsKnown(1, 0), 1);
         EXPECT_EQ(run.store.IsKnown(2, 0), 0);
         EXPECT_EQ(run.store.IsKnown(1000, 0), 1);
@@ -303,41 +238,29 @@ TEST(StrayFrames, ThatUseUpAReadEndTheStep) {
 }
 
 TEST(StrayFrames, ThatUseUpAReadDoNotFileItsTitleUnderTheNextNumber) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        DisplayRanges ranges;
-        ranges.DiscTo = 3;
-        ranges.AlbumFrom = ranges.AlbumTo = 0;
-        run.link.SetDisplayRanges(ranges);
-        run.unit.Answer(Read("000100"), {"\x02@05800\x03"});
+    RunConnected([](LinkHarness& run) {
+        run.link.SetDisplayRanges({.DiscTo = 3, .AlbumFrom = 0, .AlbumTo = 0});
+        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {kStray});
         // The unit answers in the order in which it was asked, if late.
-        run.unit.Answer(Read("000200"), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
-        ASSERT_TRUE(run.link.GetOneGroup(0));
-        ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
-        char text[kTitleSize];
+        run.unit.Answer(TitleRead(kKindDisc, 2, 0), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
+        ASSERT_TRUE(run.Ends(run.link.GetOneGroup(0), OP_GET_GROUP));
         EXPECT_EQ(run.store.IsKnown(1, 0), 0);
-        ASSERT_TRUE(run.store.GetTitle(2, 0, text));
-        EXPECT_STREQ(text, "Title 000200");
-        ASSERT_TRUE(run.store.GetTitle(3, 0, text));
-        EXPECT_STREQ(text, "Title 000300");
+        EXPECT_EQ(run.Title(2, 0), "Title 000200");
+        EXPECT_EQ(run.Title(3, 0), "Title 000300");
     });
 }
 
 TEST(StrayFrames, DoNotFileATitleThatAStoppedReadGetsTooLate) {
     // The stop waits for a second, the unit takes longer, and the next operation reads at once.
     for (const bool usedUp : {false, true}) {
-        RunLink([usedUp](LinkHarness& run) {
-            ASSERT_TRUE(run.ConnectQuietly());
-            run.unit.Answer(Read("000100"), {usedUp ? "\x02@05800\x03" : ""});
+        RunConnected([usedUp](LinkHarness& run) {
+            run.unit.Answer(TitleRead(kKindDisc, 1, 0), {usedUp ? kStray : ""});
             ASSERT_TRUE(run.link.GetOneGroup(1));
-            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(Read("000100")) == 1; }, 10000));
+            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(TitleRead(kKindDisc, 1, 0)) == 1; }, 10000));
             run.link.StopOperation();
-            run.unit.Answer(Read("000200"), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
-            ASSERT_TRUE(run.link.GetOneGroup(2));
-            ASSERT_TRUE(run.WaitForResult(OP_GET_GROUP));
-            char text[kTitleSize];
-            ASSERT_TRUE(run.store.GetTitle(2, 0, text));
-            EXPECT_STREQ(text, "Title 000200");
+            run.unit.Answer(TitleRead(kKindDisc, 2, 0), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
+            ASSERT_TRUE(run.Ends(run.link.GetOneGroup(2), OP_GET_GROUP));
+            EXPECT_EQ(run.Title(2, 0), "Title 000200");
         });
     }
 }
@@ -345,45 +268,36 @@ TEST(StrayFrames, DoNotFileATitleThatAStoppedReadGetsTooLate) {
 TEST(StrayFrames, DoNotMoveAStepOnWhileNothingIsAsked) {
     RunLink([](LinkHarness& run) {
         // The reply to the first query comes while the second one is still in its pause.
-        const std::string query =
-            "\x11"
-            "000\x03";
-        run.unit.Answer(query, {UnitStatus("FF"), kModelReply});
+        run.unit.Answer(kModelQuery, {UnitStatus("FF"), kModelReply});
         ASSERT_TRUE(run.link.Connect("COM1"));
-        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(query) == 1; }, 1000));
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(kModelQuery) == 1; }, 1000));
         run.unit.Line().Send(kModelReply, 70'000);
         ASSERT_TRUE(run.WaitForResult(1118209));
-        EXPECT_EQ(run.unit.Count(query), 2U);
+        EXPECT_EQ(run.unit.Count(kModelQuery), 2U);
         EXPECT_TRUE(run.WaitForResult(OP_CONNECT));
     });
 }
 
 TEST(Writing, SendsOneTitleDataForEachWrite) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        run.store.StoreReceived(1, 0, "old");
-        run.store.EditTitle(1, 0, "new");
+    RunConnected([](LinkHarness& run) {
+        run.Edit(1, 0, "new");
         char data[kFrameSize];
         char text[kTitleSize];
         ASSERT_TRUE(EncodeTitleData(run.store, 1, 0, data, text));
-        run.unit.Answer(Write(1, 0), {kWriteAccepted + "\r" + kWriteAccepted});
+        run.unit.Answer(TitleWrite(1, 0), {kWriteAccepted + "\r" + kWriteAccepted});
         run.unit.Answer(data, {kWriteAccepted});
-        ASSERT_TRUE(run.link.SendGroup(1));
-        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
-        EXPECT_EQ(run.unit.Count(Write(1, 0)), 1U);
+        ASSERT_TRUE(run.Ends(run.link.SendGroup(1), OP_SEND_GROUP));
+        EXPECT_EQ(run.unit.Count(TitleWrite(1, 0)), 1U);
         EXPECT_EQ(run.unit.Count(data), 1U);
         EXPECT_EQ(run.Results(), 1U);
     });
 }
 
 TEST(Writing, TellsARefusalAtEachTryAndKeepsTheEdit) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        run.store.StoreReceived(1, 0, "old");
-        run.store.EditTitle(1, 0, "new");
-        run.unit.Answer(Write(1, 0), {UnitBlock("0601"), UnitBlock("06000")});
-        ASSERT_TRUE(run.link.SendAllTitles());
-        ASSERT_TRUE(run.WaitForResult(ResultOf(OP_SEND_ALL, RC_TITLE_WRITE, ST_TIMEOUT)));
+    RunConnected([](LinkHarness& run) {
+        run.Edit(1, 0, "new");
+        run.unit.Answer(TitleWrite(1, 0), {UnitBlock("0601"), UnitBlock("06000")});
+        ASSERT_TRUE(run.Ends(run.link.SendAllTitles(), ResultOf(OP_SEND_ALL, RC_TITLE_WRITE, ST_TIMEOUT)));
         EXPECT_EQ(run.Results(), 3U);
         EXPECT_EQ(run.posted[run.posted.size() - 2],
                   (Posted{LM_RESULT, ResultOf(OP_SEND_ALL, RC_TITLE_WRITE, ST_BAD_REPLY), 0x10000}));
@@ -392,13 +306,11 @@ TEST(Writing, TellsARefusalAtEachTryAndKeepsTheEdit) {
 }
 
 TEST(Writing, WithoutATitleInTheStoreIsTold) {
-    RunLink([](LinkHarness& run) {
-        ASSERT_TRUE(run.ConnectQuietly());
-        run.store.StoreReceived(1, 0, "old");
-        run.store.EditTitle(1, 0, "new");
+    RunConnected([](LinkHarness& run) {
+        run.Edit(1, 0, "new");
         run.unit.SetDelay(200'000);
         ASSERT_TRUE(run.link.SendGroup(1));
-        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(Write(1, 0)) == 1; }, 10000));
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(TitleWrite(1, 0)) == 1; }, 10000));
         run.store.ClearGroup(1);
         EXPECT_TRUE(run.WaitForResult(ResultOf(OP_SEND_GROUP, RC_TITLE_WRITE, ST_NO_TITLE)));
     });

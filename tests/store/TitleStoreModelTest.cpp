@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <limits>
 #include <map>
 #include <optional>
 #include <random>
@@ -117,7 +118,7 @@ struct Model {
 };
 
 const GroupId kSomeGroups[] = {-1, 0, 1, 2, 999, 1000, 1998, 1999};
-const TrackNo kSomeTracks[] = {-3, 0, 1, 2, 3, 98, 99, 100};
+const TrackNo kSomeTracks[] = {std::numeric_limits<TrackNo>::min(), 0, 1, 2, 3, 98, 99, 100};
 
 class ModelRun {
 public:

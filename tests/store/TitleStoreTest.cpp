@@ -7,7 +7,6 @@
 #include <limits>
 #include <new>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -108,49 +107,6 @@ TEST_F(TitleStoreTest, NumbersThatNameNothingAreRefusedEverywhere) {
     }
 }
 
-TEST_F(TitleStoreTest, EveryNegativeTrackIsTheGroupsOwnTitle) {
-    ASSERT_EQ(store.StoreReceived(7, kLowest, "own"), 1);
-    EXPECT_EQ(Text(7, 0), "own");
-    EXPECT_EQ(store.GetTrackCount(7), -1);
-    ASSERT_EQ(store.EditTitle(7, -5, "edited"), 1);
-    EXPECT_EQ(UndoAll(), std::vector<std::string>{"7/0 own"});
-    ASSERT_EQ(store.EditTitle(7, -5, "edited"), 1);
-    EXPECT_EQ(store.DeleteTitle(7, -9), 1);
-    EXPECT_EQ(store.CanUndo(), 0);
-}
-
-TEST_F(TitleStoreTest, TracksWaitForTheirGroupsTitle) {
-    ASSERT_EQ(store.StoreReceived(5, 7, "seven"), 1);
-    EXPECT_EQ(store.IsKnown(5, 7), 1);
-    EXPECT_EQ(store.IsKnown(5, 6), 0);
-    EXPECT_EQ(store.GetState(5, 7), TS_RECEIVED);
-    EXPECT_EQ(Text(5, 7), "<none>");
-    EXPECT_EQ(store.EditTitle(5, 7, "x"), 0);
-    EXPECT_EQ(store.ClearGroup(5), 0);
-    EXPECT_EQ(store.GetTrackCount(5), -1);
-    // The report that the group has no title opens its tracks as well.
-    ASSERT_EQ(store.StoreReceived(5, 0, nullptr), 1);
-    EXPECT_EQ(Text(5, 7), "seven");
-    EXPECT_EQ(store.GetTrackCount(5), 7);
-    EXPECT_EQ(store.DeleteTitle(5, 0), 1);
-    EXPECT_EQ(store.DeleteTitle(5, 7), 0);
-    EXPECT_EQ(store.IsKnown(5, 7), 1);
-}
-
-TEST_F(TitleStoreTest, TrackCountIsTheHighestTrackThatHadAText) {
-    store.StoreReceived(3, 0, "disc");
-    store.StoreReceived(3, 3, "three");
-    for (const auto& [track, text, count] : std::vector<std::tuple<TrackNo, const char*, int>>{
-             {9, nullptr, 3}, {2, "two", 3}, {3, "three", 3}, {4, "four", 4}, {4, nullptr, 4}, {99, "", 99}}) {
-        ASSERT_EQ(store.StoreReceived(3, track, text), 1);
-        EXPECT_EQ(store.GetTrackCount(3), count) << track;
-    }
-    EXPECT_EQ(store.DeleteTitle(3, 99), 1);
-    EXPECT_EQ(store.GetTrackCount(3), 99);
-    EXPECT_EQ(store.ClearGroup(3), 1);
-    EXPECT_EQ(store.GetTrackCount(3), -1);
-}
-
 TEST_F(TitleStoreTest, OverlongAndUnterminatedTextsAreCut) {
     // Exactly 32 bytes with nothing behind them, on the heap, where a sanitizer sees a read too far.
     const std::vector<char> unterminated(kTitleLength, 'u');
@@ -211,20 +167,6 @@ TEST_F(TitleStoreTest, EditCountSaturates) {
         EXPECT_EQ(store.GetState(1, 0), TS_EDITED) << edits;
         store.ResetAll();
     }
-}
-
-TEST_F(TitleStoreTest, SameTextTwiceIsOneEdit) {
-    store.StoreReceived(2, 0, "original");
-    store.EditTitle(2, 0, "new");
-    store.EditTitle(2, 0, "new");
-    EXPECT_EQ(store.IsEdited(2, 0), 1);
-    EXPECT_EQ(UndoAll(), std::vector<std::string>{"2/0 original"});
-    EXPECT_EQ(store.IsEdited(2, 0), 0);
-    // Typing the old wording back is an edit like any other.
-    store.EditTitle(2, 0, "new");
-    store.EditTitle(2, 0, "original");
-    EXPECT_EQ(store.IsEdited(2, 0), 1);
-    EXPECT_EQ(UndoAll(), (std::vector<std::string>{"2/0 new", "2/0 original"}));
 }
 
 TEST_F(TitleStoreTest, WhatIsForgottenLeavesTheUndo) {

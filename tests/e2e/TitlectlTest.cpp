@@ -177,6 +177,8 @@ TEST_F(TitlectlTest, TellsWhyTheUnitIsNotReady) {
         {{"--menu"}, kMenuMode, "MENU mode"},
         {{"--status", "00"}, kTrayOpen, "tray is open"},
         {{"--status", "41"}, kNotStopped, "stop it"},
+        // Asked for some 13 seconds.
+        {{"--status", "46"}, kNoData, "holds no data"},
     };
     for (const Case& one : cases) {
         const UnitProcess unit = StartUnit(one.options);
@@ -188,12 +190,6 @@ TEST_F(TitlectlTest, TellsWhyTheUnitIsNotReady) {
     const UnitProcess unit = StartUnit({"--status", "FE,FF,01,04,FD,40"});
     EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "0"}), kDone) << errors_;
     EXPECT_EQ(unit.CountRequests("UnitCommand"), 2);
-}
-
-// The one slow test: a unit without data is asked for some 13 seconds.
-TEST_F(TitlectlTest, WaitsLongForData) {
-    const UnitProcess unit = StartUnit({"--status", "46"});
-    EXPECT_EQ(Run({"--port", "COM1", "list"}), kNoData) << errors_;
 }
 
 TEST_F(TitlectlTest, TellsThatATitleIsRefused) {

@@ -166,26 +166,4 @@ TEST_F(UnitSessionTest, GetsThroughFaultsThatLeaveTheRepliesWhole) {
     EXPECT_EQ(unit.Complaints(), "");
 }
 
-// Nobody can tell a wrong letter from a right one, but each operation comes to an end, and a good line makes all good.
-TEST_F(UnitSessionTest, RecoversFromACorruptedLine) {
-    AddDiscs(100, 110);
-    UnitSession session;
-    {
-        const UnitProcess unit = StartUnit(
-            {"--seed", "3", "--faults", "lost=0.1,corrupted=0.2,split=0.3,split-gap-ms=10,doubled=0.2,doubled-delay-ms=20"});
-        const Outcome connected = session.Connect("COM1");
-        EXPECT_NE(connected, Outcome::kStopped);
-        session.Limit(0, -1);
-        EXPECT_NE(session.ReadGroupTitles(), Outcome::kNoUnit) << "the port is open, even if the unit has not been found";
-    }
-    const UnitProcess unit = StartUnit();
-    session.Store().ResetAll();
-    ASSERT_EQ(session.Connect("COM1"), Outcome::kDone);
-    ASSERT_EQ(session.ReadGroupTitles(), Outcome::kDone);
-    int count = 0;
-    EXPECT_TRUE(HoldsOnlyTitlesOf(Saved(), session.Store(), count));
-    EXPECT_EQ(count, 15);
-    EXPECT_EQ(unit.Complaints(), "");
-}
-
 }  // namespace

@@ -74,10 +74,6 @@ void Terminal::Unplug() {
 }
 
 EndToEndTest::EndToEndTest() {
-    std::string name = fs::temp_directory_path() / "tesselia-e2e-XXXXXX";
-    EXPECT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    libraryFile_ = folder_ / "library.json";
     EXPECT_EQ(setenv("XDG_CONFIG_HOME", folder_.c_str(), 1), 0);
     // Without a link a name would stand for a port of the machine, and nobody knows what is connected there.
     for (int i = 1; i <= 8; ++i) {
@@ -96,11 +92,6 @@ EndToEndTest::EndToEndTest() {
     library.SetTitle({GroupKind::Album, 999, 0}, "The Last of Them All, 32 Letters");
     std::string error;
     EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
-}
-
-EndToEndTest::~EndToEndTest() {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
 }
 
 void EndToEndTest::LinkPort(const std::string& port, const std::string& device) const {

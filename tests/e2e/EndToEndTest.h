@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Process.h"
+#include "TemporaryFolder.h"
 #include "UnitLibrary.h"
 
 // The program mainunit at the end of a pseudo terminal, ready when the constructor is through.
@@ -47,7 +48,6 @@ class EndToEndTest : public testing::Test {
 protected:
     // A library with Discs 1, 2 and 12, the last without a title, and Albums 7 and 999. No port name leads anywhere.
     EndToEndTest();
-    ~EndToEndTest() override;
 
     void LinkPort(const std::string& port, const std::string& device) const;
 
@@ -62,8 +62,9 @@ protected:
 
     std::string NextOutputs(const std::string& program);
 
-    std::filesystem::path folder_;
-    std::string libraryFile_;
+    const TemporaryFolder temporary_;
+    const std::filesystem::path folder_ = temporary_.Path();
+    const std::string libraryFile_ = folder_ / "library.json";
 
 private:
     int runs_ = 0;

@@ -5,13 +5,13 @@
 #include <sys/resource.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "CodePage.h"
+#include "TemporaryFolder.h"
 #include "TitleText.h"
 
 namespace fs = std::filesystem;
@@ -53,16 +53,6 @@ protected:
 
 class TitleFileTest : public testing::Test {
 protected:
-    TitleFileTest() {
-        std::string name = fs::temp_directory_path() / "tesselia-files-XXXXXX";
-        EXPECT_NE(mkdtemp(name.data()), nullptr);
-        folder_ = name;
-    }
-    ~TitleFileTest() override {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
-
     // In the form in which the program knows paths.
     std::string Path(const std::string& name) const {
         std::string path = folder_ / name;
@@ -79,7 +69,8 @@ protected:
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
 
-    fs::path folder_;
+    const TemporaryFolder temporary_;
+    const fs::path folder_ = temporary_.Path();
 };
 
 }  // namespace

@@ -6,22 +6,17 @@
 #include <fstream>
 
 #include "LibraryText.h"
+#include "TemporaryFolder.h"
 
 namespace mainunit {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A folder that goes with the test.
 class LibraryFileTest : public testing::Test {
 protected:
-    LibraryFileTest() {
-        std::string name = fs::temp_directory_path() / "mainunit-test-XXXXXX";
-        folder_ = mkdtemp(name.data());
-    }
-    ~LibraryFileTest() override { fs::remove_all(folder_); }
-
-    fs::path folder_;
+    const TemporaryFolder temporary_;
+    const fs::path folder_ = temporary_.Path();
     std::string error_;
 };
 
@@ -137,27 +132,18 @@ TEST(SampleLibrary, HoldsEveryCaseThatAClientMeets) {
     UnitLibrary library;
     std::string error;
     ASSERT_TRUE(LoadLibrary(SAMPLE_LIBRARY, library, error)) << error;
-    EXPECT_GE(library.GroupsOf(GroupKind::Disc).size(), 40U);
-    EXPECT_GE(library.GroupsOf(GroupKind::Album).size(), 20U);
-    int unnamed = 0;
-    int full = 0;
-    int empty = 0;
+    bool isUnnamed = false;
+    bool isFull = false;
+    bool isEmpty = false;
     std::size_t mostTracks = 0;
-    std::string all;
     for (const auto& [number, disc] : library.GroupsOf(GroupKind::Disc)) {
-        const std::string title = disc.title.value_or("");
-        unnamed += disc.title ? 0 : 1;
-        full += title.size() == kTitleBytes ? 1 : 0;
-        empty += disc.title && title.empty() ? 1 : 0;
+        isUnnamed = isUnnamed || !disc.title;
+        isFull = isFull || (disc.title && disc.title->size() == kTitleBytes);
+        isEmpty = isEmpty || (disc.title && disc.title->empty());
         mostTracks = std::max(mostTracks, disc.tracks.size());
-        all += title;
     }
-    EXPECT_GE(unnamed, 2);
-    EXPECT_GE(full, 2);
-    EXPECT_EQ(empty, 1);
+    EXPECT_TRUE(isUnnamed && isFull && isEmpty);
     EXPECT_EQ(mostTracks, 99U);
-    for (const char mark : {'&', '"', ','})
-        EXPECT_NE(all.find(mark), std::string::npos) << mark;
 }
 
 }  // namespace

@@ -58,14 +58,9 @@ void Die(const char* what) {
 
 }  // namespace
 
-RealScreen::RealScreen() : folder_(std::filesystem::temp_directory_path() / "tesselia-screen-XXXXXX") {
-    std::string path = folder_.string();
-    if (mkdtemp(path.data()) == nullptr) {
-        Die("no folder for the screen");
-    }
-    folder_ = path;
-    setenv("XDG_CONFIG_HOME", path.c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", path.c_str(), 1);
+RealScreen::RealScreen() {
+    setenv("XDG_CONFIG_HOME", Folder().c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", Folder().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "xcb", 1);
     unsetenv("WAYLAND_DISPLAY");
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
@@ -79,7 +74,7 @@ RealScreen::RealScreen() : folder_(std::filesystem::temp_directory_path() / "tes
 }
 
 bool RealScreen::Start() {
-    const std::string path = folder_.string();
+    const std::string path = Folder();
     manager_.reset();
     const StartLock lock;
     // The server tells its display on standard output once it can be connected to.
@@ -100,8 +95,6 @@ bool RealScreen::Start() {
 RealScreen::~RealScreen() {
     manager_.reset();
     server_.reset();
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
 }
 
 std::string Xdotool(const std::string& arguments, bool mayFail) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Process.h"
+#include "TemporaryFolder.h"
 
 // An X server without a picture, and openbox. Made before the first window; all programs that are started later use it, with
 // settings and locks of their own.
@@ -18,12 +19,12 @@ public:
     RealScreen(const RealScreen&) = delete;
     RealScreen& operator=(const RealScreen&) = delete;
 
-    const std::filesystem::path& Folder() const { return folder_; }
+    const std::filesystem::path& Folder() const { return folder_.Path(); }
 
 private:
     bool Start();
 
-    std::filesystem::path folder_;
+    const TemporaryFolder folder_;
     std::unique_ptr<Process> server_;
     std::unique_ptr<Process> manager_;
 };

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "CodePage.h"
+#include "TemporaryFolder.h"
 #include "win/kernel.h"
 
 // Gives true as soon as the condition holds, false if it does not within ten seconds.
@@ -23,28 +24,6 @@ bool WaitUntil(Condition condition) {
     }
     return true;
 }
-
-// A folder that goes away with everything in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string path = (std::filesystem::temp_directory_path() / "kernel-test-XXXXXX").string();
-        path_ = mkdtemp(path.data()) ? path : "";
-        EXPECT_FALSE(path_.empty());
-    }
-    ~TemporaryFolder() {
-        std::error_code error;
-        if (!path_.empty())
-            std::filesystem::remove_all(path_, error);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path& Path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
 
 // Sets an environment variable for as long as it lives.
 class EnvironmentVariable {

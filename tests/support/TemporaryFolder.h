@@ -1,0 +1,30 @@
+// A folder for one test.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+// Goes away with everything in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string path = std::filesystem::temp_directory_path() / "tesselia-test-XXXXXX";
+        if (mkdtemp(path.data()) == nullptr) {
+            std::abort();
+        }
+        path_ = path;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};

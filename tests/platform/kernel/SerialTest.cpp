@@ -275,15 +275,6 @@ TEST_F(Serial, APulledOutDeviceFailsAtOnceAndCostsNothing) {
     EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));
 }
 
-TEST_F(Serial, APulledOutDeviceIsFoundByAWriteToo) {
-    OpenPort();
-    far_.PullOut();
-    DWORD written = 7;
-    EXPECT_TRUE(WaitUntil([&] { return !WriteFile(port_, "x", 1, &written, nullptr); }));
-    EXPECT_EQ(written, 0u);
-    ExpectDead();
-}
-
 TEST_F(Serial, AWriteThatGetsStuckFailsAfterTwoSeconds) {
     OpenPort();
     const std::string bytes(1'000'000, 'x');
@@ -336,32 +327,6 @@ TEST_F(Serial, WhatWasWrittenBeforeClosingGoesOut) {
     EXPECT_TRUE(WriteFile(port_, bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, nullptr));
     EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));
     EXPECT_EQ(far_.Receive(bytes.size()).size(), bytes.size());
-}
-
-TEST_F(Serial, AReaderAndAWriterMeet) {
-    OpenPort();
-    constexpr int kFrames = 200;
-    std::thread writer([&] {
-        for (int i = 0; i < kFrames; ++i)
-            EXPECT_TRUE(WriteFile(port_, "0123456789", 10, nullptr, nullptr));
-    });
-    std::thread echo([&] {
-        for (std::size_t left = kFrames * 10; left > 0;) {
-            const std::string bytes = far_.Receive(1);
-            ASSERT_FALSE(bytes.empty());
-            far_.Send(bytes);
-            left -= bytes.size();
-        }
-    });
-    std::string received;
-    EXPECT_TRUE(WaitUntil([&] {
-        received += Read(Waiting());
-        return received.size() == kFrames * 10;
-    }));
-    writer.join();
-    echo.join();
-    for (std::size_t i = 0; i < received.size(); ++i)
-        ASSERT_EQ(received[i], static_cast<char>('0' + i % 10)) << i;
 }
 
 }  // namespace

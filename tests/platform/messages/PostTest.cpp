@@ -1,34 +1,8 @@
 // Posted messages, filters, quit, and what a wait for input returns for.
-#include <memory>
 
 #include "Harness.h"
 
 namespace {
-
-TEST(Post, KeepsTheOrderOfEachSender) {
-    constexpr WPARAM kEach = 2000;
-    constexpr LPARAM kSenders = 4;
-    TestWindow window;
-    std::vector<WPARAM> next(kSenders, 0);
-    WPARAM count = 0;
-    {
-        std::vector<std::unique_ptr<TestThread>> senders;
-        for (LPARAM sender = 0; sender < kSenders; sender++) {
-            senders.push_back(std::make_unique<TestThread>([&window, sender] {
-                for (WPARAM i = 0; i < kEach; i++) {
-                    ASSERT_TRUE(PostMessageA(window.hwnd, WM_USER, i, sender));
-                }
-            }));
-        }
-        MSG message;
-        for (; count < kEach * kSenders && GetMessageA(&message, window.hwnd, 0, 0) > 0; count++) {
-            ASSERT_EQ(message.wParam, next[static_cast<std::size_t>(message.lParam)]++);
-        }
-    }
-    EXPECT_EQ(count, kEach * kSenders);
-    MSG message;
-    EXPECT_FALSE(PeekMessageA(&message, window.hwnd, 0, 0, PM_REMOVE));
-}
 
 TEST(Post, QueueHoldsTenThousand) {
     TestWindow window;

@@ -114,22 +114,6 @@ TEST(Wait, OneOfSeveralEndsAWait) {
     });
 }
 
-TEST(Wait, WhatCannotBeWaitedForFails) {
-    Simulation simulation({});
-    ExpectDone(simulation, [] {
-        Event event(true, true);
-        const HANDLE two[] = {event.handle, nullptr};
-        EXPECT_EQ(WaitForMultipleObjects(2, two, FALSE, 0), WAIT_FAILED);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-        EXPECT_EQ(WaitForMultipleObjects(1, two, TRUE, 0), WAIT_FAILED);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-        EXPECT_EQ(WaitForMultipleObjects(0, two, FALSE, 0), WAIT_FAILED);
-        EXPECT_FALSE(SetEvent(INVALID_HANDLE_VALUE));
-        Thread thread([] {});
-        EXPECT_FALSE(SetEvent(thread.handle));
-    });
-}
-
 TEST(Wait, AHandleMayBeClosedWhileAThreadWaits) {
     Simulation simulation({});
     ExpectDone(simulation, [] {
@@ -213,19 +197,6 @@ TEST(Wait, ExceptionsBelongToTheirThread) {
         };
         Thread first([&] { work(1); });
         Thread second([&] { work(2); });
-    });
-}
-
-TEST(Wait, ErrorsBelongToTheirThread) {
-    Simulation simulation({});
-    ExpectDone(simulation, [] {
-        SetLastError(5);
-        Thread other([] {
-            EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
-            SetLastError(6);
-        });
-        WaitForSingleObject(other.handle, INFINITE);
-        EXPECT_EQ(GetLastError(), 5U);
     });
 }
 

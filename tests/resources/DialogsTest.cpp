@@ -71,31 +71,4 @@ TEST(DialogResource, AboutHasItsOwnPlacesInEachLanguage) {
                   {-1, "STATIC", "", 8, 7, 20, 20, 0x50000003, 109}});
 }
 
-TEST(DialogResource, DisplayRangesAreTheSameInBothLanguages) {
-    constexpr DWORD kEdit = 0x50812082;
-    constexpr DWORD kButton = 0x50010000;
-    constexpr DWORD kGroupBox = 0x50000007;
-    constexpr DWORD kLabel = 0x50020000;
-    for (const WORD language : kBoth) {
-        ExpectDialog(108, language, 0x80C800C0, 145, 147,
-                     {{1005, "EDIT", "", 35, 17, 30, 16, kEdit},
-                      {1006, "EDIT", "", 97, 17, 28, 16, kEdit},
-                      {1007, "EDIT", "", 35, 55, 30, 16, kEdit},
-                      {1008, "EDIT", "", 97, 56, 28, 16, kEdit},
-                      {1009, "EDIT", "", 35, 95, 30, 16, kEdit},
-                      {1010, "EDIT", "", 97, 96, 28, 16, kEdit},
-                      {1, "BUTTON", "OK", 34, 126, 50, 14, kButton},
-                      {2, "BUTTON", "Cancel", 88, 126, 50, 14, kButton},
-                      {-1, "BUTTON", "Disc", 7, 7, 131, 31, kGroupBox},
-                      {1011, "STATIC", "", 14, 21, 20, 11, kLabel},
-                      {1012, "STATIC", "", 75, 21, 20, 11, kLabel},
-                      {-1, "BUTTON", "Album", 7, 46, 131, 31, kGroupBox},
-                      {1013, "STATIC", "", 14, 59, 20, 11, kLabel},
-                      {1014, "STATIC", "", 75, 60, 20, 11, kLabel},
-                      {-1, "BUTTON", "Track", 7, 86, 131, 31, kGroupBox},
-                      {1015, "STATIC", "", 14, 99, 20, 11, kLabel},
-                      {1016, "STATIC", "", 75, 100, 20, 11, kLabel}});
-    }
-}
-
 }  // namespace

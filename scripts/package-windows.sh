@@ -17,7 +17,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 for preset in windows-x64 windows-x86; do
-    cmake --preset "$preset" >"build/$preset.log" 2>&1 || { cat "build/$preset.log" >&2; exit 1; }
+    configure "$preset"
     cmake --build --preset "$preset" --target tesselia titlectl guide >&2
 done
 scripts/check-windows.sh

@@ -8,7 +8,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 need_build_tools
 # The icons are drawn from the svg; dpkg-shlibdeps finds the libraries that the programs need.
 need librsvg2-bin dpkg-dev file
-cmake --preset release >"$root/build/release.log" 2>&1 || { cat "$root/build/release.log" >&2; exit 1; }
+configure release
 cmake --build --preset release --target package_content >&2
 rm -f "$root"/build/release/*.deb
 (cd "$root/build/release" && cpack -G DEB >package.log 2>&1) || { cat "$root/build/release/package.log" >&2; exit 1; }

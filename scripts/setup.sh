@@ -59,13 +59,18 @@ need_windows_tools() {
     need g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build googletest nlohmann-json3-dev fp-utils
 }
 
-# build PRESET [cmake options]: configures and builds below build/PRESET.
-build() {
+# configure PRESET [cmake options]: below build/PRESET.
+configure() {
     local preset=$1
     shift
     cmake --preset "$preset" "$@" >"$root/build/$preset.log" 2>&1 ||
         { cat "$root/build/$preset.log" >&2; say "Configuring the preset $preset failed"; return 1; }
-    cmake --build --preset "$preset" >&2
+}
+
+# build PRESET [cmake options]: everything.
+build() {
+    configure "$@"
+    cmake --build --preset "$1" >&2
 }
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+#include "MessageWindow.h"
 #include "Process.h"
 #include "PumpUntil.h"
 
@@ -85,13 +86,8 @@ void SendOnce(LPARAM param) {
 }
 
 TEST(WorkerThreadTest, StopsAWorkerThatStandsInASendToTheStoppingThread) {
-    WNDCLASSEXA windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = Answer;
-    windowClass.lpszClassName = "WorkerThreadTest";
-    ASSERT_NE(RegisterClassExA(&windowClass), 0);
     Sender sender;
-    sender.window = CreateWindowExA(0, "WorkerThreadTest", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    sender.window = MakeMessageWindow("WorkerThreadTest", Answer);
     ASSERT_NE(sender.window, nullptr);
     ASSERT_TRUE(PostMessageA(sender.window, kPosted, 0, 0));
 

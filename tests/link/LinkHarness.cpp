@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Fields.h"
+#include "MessageWindow.h"
 #include "PumpUntil.h"
 
 namespace {
@@ -133,12 +134,7 @@ std::size_t ScriptedUnit::Count(const std::string& frame) const {
 }
 
 LinkHarness::LinkHarness(ScriptedUnit& scripted) : unit(scripted) {
-    WNDCLASSEXA windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = WindowProc;
-    windowClass.lpszClassName = "LinkHarness";
-    RegisterClassExA(&windowClass);
-    window_ = CreateWindowExA(0, "LinkHarness", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    window_ = MakeMessageWindow("LinkHarness", WindowProc);
     SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     link.SetPaneWindow(window_);
     link.SetTitleStore(&store);

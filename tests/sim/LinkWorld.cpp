@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "MessageWindow.h"
 #include "PumpUntil.h"
 
 using mainunit::Entry;
@@ -132,20 +133,11 @@ LinkWorld::LinkWorld(Simulation& newSimulation, UnitPeer& newPeer, const WorldOp
     : simulation(newSimulation), peer(newPeer), options(newOptions) {}
 
 void LinkWorld::Run() {
-    WNDCLASSEXA windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = WindowProc;
-    windowClass.lpszClassName = "LinkWorld";
-    RegisterClassExA(&windowClass);
-    window = CreateWindowExA(0, "LinkWorld", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    window = MakeMessageWindow("LinkWorld", WindowProc);
     SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     link.SetPaneWindow(window);
     link.SetTitleStore(&store);
-    DisplayRanges ranges;
-    ranges.DiscTo = kDiscCount;
-    ranges.AlbumTo = kAlbumCount;
-    ranges.TrackTo = kTrackCount;
-    link.SetDisplayRanges(ranges);
+    link.SetDisplayRanges({.DiscTo = kDiscCount, .AlbumTo = kAlbumCount, .TrackTo = kTrackCount});
 
     HANDLE starter = nullptr;
     if (options.secondStarter) {
@@ -153,10 +145,7 @@ void LinkWorld::Run() {
         starter = CreateThread(nullptr, 0, StarterMain, this, 0, nullptr);
     }
     if (options.stalls) {
-        Simulation::Faults stalls;
-        stalls.stallChance = 0.0002;
-        stalls.stallMs = 1500;
-        simulation.SetFaults(stalls);
+        simulation.SetFaults({.stallChance = 0.0002, .stallMs = 1500});
     }
     Rage();
     starterRuns = 0;

@@ -39,6 +39,13 @@ protected:
         EXPECT_EQ(seen, lines) << input;
     }
 
+    // Serves messages until such a line is there; gives all lines up to it.
+    std::string SeenUntil(const std::string& text) {
+        std::string seen;
+        EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find(text) != std::string::npos; })) << seen;
+        return seen;
+    }
+
     static constexpr DWORD kGestureMs = 3000;
     MessageLog log_{{}};
     HMENU menu_ = nullptr;
@@ -82,7 +89,7 @@ TEST_F(InputTest, Keys) {
 TEST_F(InputTest, Mouse) {
     log_.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_MOUSEMOVE, WM_CAPTURECHANGED});
     PointAt(main_, 40, 50);
-    ASSERT_TRUE(PumpUntil([&] { return log_.Take().find("at 40,50") != std::string::npos; }));
+    SeenUntil("at 40,50");
     ASSERT_TRUE(PumpAll());
     log_.Take();
     ExpectFrom("click 1", Lines({"* main WM_LBUTTONDOWN keys 0x1 at 40,50", "* main WM_LBUTTONUP keys 0x0 at 40,50"}));
@@ -93,7 +100,7 @@ TEST_F(InputTest, Mouse) {
     ExpectFrom("mouseup 1", Lines({"* main WM_LBUTTONUP keys 0x0 at 65516,50"}));
     ReleaseCapture();
     Xdotool("mousemove_relative 60 0");
-    ASSERT_TRUE(PumpUntil([&] { return log_.Take().find("at 40,50") != std::string::npos; }));
+    SeenUntil("at 40,50");
     log_.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK});
     ExpectFrom("keydown shift click 1 keyup shift",
                Lines({"* main WM_LBUTTONDOWN keys 0x5 at 40,50", "* main WM_LBUTTONUP keys 0x4 at 40,50"}));
@@ -110,8 +117,7 @@ TEST_F(InputTest, TheMenuByMouse) {
         return "mousemove " + std::to_string(client.x + x) + " " + std::to_string(client.y + y) + " click 1 sleep 0.3 ";
     };
     const Process mouse("sh", {"-c", "xdotool " + click(10, -8) + click(20, 12)}, (theScreen->Folder() / "mouse").string());
-    std::string seen;
-    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_COMMAND id 40001") != std::string::npos; })) << seen;
+    const std::string seen = SeenUntil("WM_COMMAND id 40001");
     EXPECT_NE(seen.find("main WM_INITMENUPOPUP position 0"), std::string::npos) << seen;
     EXPECT_NE(seen.find("main WM_MENUSELECT item 40001 flags 0x0080"), std::string::npos) << seen;
     EXPECT_NE(seen.find("main WM_MENUSELECT item 0 flags 0xFFFF no menu\nmain WM_EXITMENULOOP\n"), std::string::npos)
@@ -127,9 +133,7 @@ TEST_F(InputTest, ControlsUnderRealKeysAndMouse) {
     ASSERT_TRUE(PumpAll());
     PointAt(button, 20, 10);
     Xdotool("click 1");
-    std::string seen;
-    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("id 1 code 0 from button") != std::string::npos; }))
-        << seen;
+    SeenUntil("id 1 code 0 from button");
     PointAt(edit, 50, 10);
     Xdotool("click 1");
     ASSERT_TRUE(PumpUntil([&] { return GetFocus() == edit; }));
@@ -213,17 +217,15 @@ TEST_F(ElsewhereTest, ABoxThatComesUpMeanwhileHasTheKeysOnReturn) {
 TEST_F(InputTest, TheWindowManager) {
     log_.Record({WM_SIZE, WM_ACTIVATE, WM_SYSCOMMAND});
     Xdotool("getactivewindow windowminimize");
-    std::string seen;
-    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_SIZE kind 1, 0x0") != std::string::npos; })) << seen;
+    SeenUntil("WM_SIZE kind 1, 0x0");
     EXPECT_TRUE(PumpUntil([&] { return IsIconic(main_) && GetActiveWindow() == nullptr; }));
     Xdotool("search --name '^main$' windowactivate");
-    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_SIZE kind 0, ") != std::string::npos; })) << seen;
+    SeenUntil("WM_SIZE kind 0, ");
     EXPECT_TRUE(PumpUntil([&] { return !IsIconic(main_) && GetActiveWindow() == main_; }));
     // The close box, or the key that the window manager has for it.
     SetMessageHook([](HWND, UINT message, WPARAM, LPARAM, LRESULT&) { return message == WM_CLOSE; });
-    seen.clear();
     Xdotool("key alt+F4");
-    EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find("WM_SYSCOMMAND 0xF060") != std::string::npos; })) << seen;
+    SeenUntil("WM_SYSCOMMAND 0xF060");
     EXPECT_TRUE(IsWindowVisible(main_));
     // Moved and sized by the user.
     Xdotool("getactivewindow windowsize 400 250 getactivewindow windowmove 200 150");

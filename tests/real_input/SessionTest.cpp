@@ -71,6 +71,12 @@ protected:
         Xdotool("key Return");
         TypeOver(text);
     }
+    // Presses the keys, and waits for the window that they lead to.
+    static void Press(const std::string& keys, const char* front) {
+        Xdotool("key " + keys);
+        ASSERT_TRUE(WaitUntilActive(front));
+    }
+    void TypePath(const char* name) { Xdotool("type --delay 20 '" + (folder_ / name).string() + "'"); }
     // A click on the selected row opens its editor at once if the list has just got the focus.
     static void EditFirstGroup(const std::string& text) {
         Click(kStopX, kButtonsY);
@@ -137,11 +143,9 @@ TEST_F(SessionTest, TransfersByMenu) {
     const int stopped = unit_->CountRequests("TitleRead");
     EXPECT_LT(stopped, group + 40) << "stopped in the middle";
     // Narrower ranges: Disc 20 alone.
-    Xdotool("key alt+t key o");
-    ASSERT_TRUE(WaitUntilActive("Display ranges"));
+    Press("alt+t key o", "Display ranges");
     Xdotool("type --delay 20 '20\t20\t0\t0\t1\t9'");
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Press("Return", kTitle);
     WaitUntilQuiet();
     EXPECT_LT(unit_->CountRequests("TitleRead"), stopped + 5);
     End();
@@ -158,35 +162,28 @@ TEST_F(SessionTest, TitlesComeFromFilesAndGoToFiles) {
         WaitUntilQuiet();
     }
     std::ofstream(folder_ / "in.csv") << " 0,\"From \"\"a\"\" file\"\r\n 2,\"Second, too\"\r\n50,\"No such track\"\r\n";
-    Xdotool("key alt+f key i");
-    ASSERT_TRUE(WaitUntilActive(kOpen));
-    Xdotool("type --delay 20 '" + (folder_ / "in.csv").string() + "'");
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Press("alt+f key i", kOpen);
+    TypePath("in.csv");
+    Press("Return", kTitle);
     Click(kSyncX, kButtonsY);
     EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "From \"a\" file"));
     EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 2, "Second, too"));
     EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 1), "Low Water");
     WaitUntilQuiet();
 
-    Xdotool("key alt+f key e");
-    ASSERT_TRUE(WaitUntilActive(kSave));
+    Press("alt+f key e", kSave);
     // Without an extension it gets the one of its type.
-    Xdotool("type --delay 20 '" + (folder_ / "out").string() + "'");
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    TypePath("out");
+    Press("Return", kTitle);
     const std::string written = " 0,\"From \"\"a\"\" file\"\r\n 1,\"Low Water\"\r\n 2,\"Second, too\"\r\n";
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(folder_ / "out.csv") == written; })) << ReadFile(folder_ / "out.csv");
 
     // What is no play list changes nothing.
     std::ofstream(folder_ / "bad.asx") << "no play list";
-    Xdotool("key alt+f key i");
-    ASSERT_TRUE(WaitUntilActive(kOpen));
-    Xdotool("type --delay 20 '" + (folder_ / "bad.asx").string() + "'");
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kError));
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Press("alt+f key i", kOpen);
+    TypePath("bad.asx");
+    Press("Return", kError);
+    Press("Return", kTitle);
     End();
 }
 
@@ -206,8 +203,7 @@ TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
     for (const std::vector<std::string>& state : states) {
         StartTheUnit(state);
         Start(kError);
-        Xdotool("key Return");
-        ASSERT_TRUE(WaitUntilActive(kTitle));
+        Press("Return", kTitle);
         EXPECT_EQ(unit_->CountRequests("TitleRead"), 0);
         End();
     }
@@ -244,8 +240,7 @@ TEST_F(SessionTest, TypingGoesOnDuringAFetch) {
 
 TEST_F(SessionTest, NoUnitAtAllIsTold) {
     Start(kError);
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Press("Return", kTitle);
     End();
 }
 
@@ -256,13 +251,10 @@ TEST_F(SessionTest, AnEditOutlivesTheUnit) {
     unit_->End();
     Click(kSyncX, kButtonsY);
     ASSERT_TRUE(WaitUntilActive(kError)) << "nothing is said to be written";
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Press("Return", kTitle);
     StartTheUnit();
-    Xdotool("key alt+t key c");
-    ASSERT_TRUE(WaitUntilActive(kMessage));
-    Xdotool("key Return");
-    ASSERT_TRUE(WaitUntilActive(kTitle));
+    Press("alt+t key c", kMessage);
+    Press("Return", kTitle);
     Click(kSyncX, kButtonsY);
     EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Kept"));
     End();

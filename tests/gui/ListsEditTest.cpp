@@ -42,12 +42,17 @@ protected:
         return rect;
     }
 
-    // Opens the editor on the selected row, replaces its text, and ends it as the pane does for Enter.
-    void Edit(CTitleList& list, HWND control, const char* text) {
+    // Opens the editor on the selected row and replaces its text.
+    void Type(CTitleList& list, HWND control, const char* text) {
         ASSERT_EQ(list.BeginEdit(), 1);
         SetWindowTextA(Editor(control), text);
+    }
+    // And ends it as the pane does for Enter.
+    void Edit(CTitleList& list, HWND control, const char* text) {
+        Type(list, control, text);
         Enter(control);
     }
+    static void EndEdit(HWND control) { SendMessageA(control, WM_USER, UC_END_EDIT, 0); }
     void Enter(HWND control) {
         SendMessageA(Editor(control), WM_KEYDOWN, VK_RETURN, 0);
         ASSERT_TRUE(PumpAll());
@@ -63,25 +68,25 @@ protected:
 TEST_F(ListsEditTest, AClickOnTheSelectedRowOpensTheEditor) {
     Click(host_.Groups(), 1);
     EXPECT_TRUE(IsOpen(host_.Groups())) << "the list has just got the focus";
-    SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Groups());
     EXPECT_FALSE(IsOpen(host_.Groups()));
     Click(host_.Groups(), 1);
     EXPECT_FALSE(IsOpen(host_.Groups())) << "the first click after an edit arms only";
     Click(host_.Groups(), 1);
     EXPECT_TRUE(IsOpen(host_.Groups()));
-    SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Groups());
 
     Click(host_.Groups(), 2);
     EXPECT_EQ(host_.groupList.SelectedRow(), 2);
     EXPECT_FALSE(IsOpen(host_.Groups())) << "a click on another row selects";
     Click(host_.Groups(), 2);
     EXPECT_TRUE(IsOpen(host_.Groups()));
-    SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Groups());
 
     Click(host_.Groups(), 0);
     Click(host_.Groups(), 0, true);
     EXPECT_TRUE(IsOpen(host_.Groups())) << "a double click selects and opens";
-    SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Groups());
 }
 
 TEST_F(ListsEditTest, AReleaseElsewhereArmsOnly) {
@@ -160,8 +165,7 @@ TEST_F(ListsEditTest, AnUnchangedTextIsNoEdit) {
 }
 
 TEST_F(ListsEditTest, OtherWaysToEndAnEditCommitAndStay) {
-    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Groups()), "By focus");
+    Type(host_.groupList, host_.Groups(), "By focus");
     SetFocus(host_.Tracks());
     ASSERT_TRUE(PumpAll());
     EXPECT_FALSE(IsOpen(host_.Groups()));
@@ -170,8 +174,7 @@ TEST_F(ListsEditTest, OtherWaysToEndAnEditCommitAndStay) {
     EXPECT_EQ(host_.groupList.SelectedRow(), 1);
 
     SetFocus(host_.Groups());
-    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Groups()), "By another row");
+    Type(host_.groupList, host_.Groups(), "By another row");
     Click(host_.Groups(), 2);
     EXPECT_FALSE(IsOpen(host_.Groups()));
     EXPECT_EQ(Title(2, 0), "By another row") << "the row that the editor stood on";
@@ -180,20 +183,18 @@ TEST_F(ListsEditTest, OtherWaysToEndAnEditCommitAndStay) {
     EXPECT_EQ(ListsHost::Selected(host_.Groups()), 2);
 
     // Escape is no key of the editor.
-    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Groups()), "Still there");
+    Type(host_.groupList, host_.Groups(), "Still there");
     PressKeys({VK_ESCAPE});
     PressKeys({VK_TAB});
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(GetFocus(), Editor(host_.Groups()));
-    SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Groups());
     EXPECT_EQ(Title(3, 0), "Still there");
     EXPECT_EQ(host_.groupList.EndEdit(), 0) << "nothing is open any more";
 }
 
 TEST_F(ListsEditTest, WithoutCommitAnEditIsThrownAway) {
-    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Groups()), "Lost");
+    Type(host_.groupList, host_.Groups(), "Lost");
     host_.groupList.SetCommitEnabled(FALSE);
     EXPECT_EQ(host_.groupList.EndEdit(), 0);
     EXPECT_FALSE(IsOpen(host_.Groups()));
@@ -213,13 +214,12 @@ TEST_F(ListsEditTest, DeleteClearsATitle) {
     EXPECT_EQ(ListsHost::Selected(host_.Groups()), 1);
 
     // In the editor it is the editor's own key.
-    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Groups()), "Two words");
+    Type(host_.groupList, host_.Groups(), "Two words");
     SendMessageA(Editor(host_.Groups()), EM_SETSEL, 0, 4);
     PressKeys({VK_DELETE});
     ASSERT_TRUE(PumpUntil([&] { return WindowText(Editor(host_.Groups())) == "words"; }));
     // Without a state there is nothing to clear.
-    SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Groups());
     host_.store.ResetAll();
     SendMessageA(host_.Groups(), WM_KEYDOWN, VK_DELETE, 0);
     EXPECT_EQ(host_.store.CanUndo(), 0);
@@ -240,21 +240,17 @@ TEST_F(ListsEditTest, OnlyPrintableTextOfThirtyTwoBytesComesBack) {
     const auto committed = [&](const char* text) {
         EXPECT_EQ(host_.groupList.BeginEdit(), 1);
         SetWindowTextA(Editor(host_.Groups()), text);
-        SendMessageA(host_.Groups(), WM_USER, UC_END_EDIT, 0);
+        EndEdit(host_.Groups());
         return Title(2, 0);
     };
-    EXPECT_EQ(committed("a\tb\x7F"
-                        "c"),
-              "a b c");
+    EXPECT_EQ(committed("a\tb\x7Fz"), "a b z");
     EXPECT_EQ(committed("   "), "   ") << "blanks are a title";
     EXPECT_EQ(committed(""), "");
     const std::string limit(32, 'x');
     EXPECT_EQ(committed((limit + "y").c_str()), limit);
     // One character of two bytes where the code page has such, else two characters.
     const bool isDouble = IsDBCSLeadByte(0x82) != FALSE;
-    EXPECT_EQ(committed("a\x82\xA0"
-                        "b"),
-              isDouble ? "a b" : "a  b");
+    EXPECT_EQ(committed("a\x82\xA0z"), isDouble ? "a z" : "a  z");
     EXPECT_EQ(committed((std::string(31, 'x') + "\x82\xA0").c_str()), std::string(31, 'x') + " ") << "cut by the limit";
 
     ASSERT_EQ(host_.groupList.BeginEdit(), 1);
@@ -290,8 +286,7 @@ TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
     SetFocus(host_.Tracks());
     SendMessageA(host_.Tracks(), LB_SETCURSEL, 2, 0);
     host_.trackList.OnSelChange();
-    ASSERT_EQ(host_.trackList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Tracks()), "For track 3");
+    Type(host_.trackList, host_.Tracks(), "For track 3");
     // The first track is gone, so that the others move up.
     host_.store.StoreReceived(2, 1, nullptr);
     ASSERT_TRUE(host_.Refill(2));
@@ -301,7 +296,7 @@ TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
     ScreenToClient(host_.Tracks(), &corner);
     EXPECT_EQ(corner.y, RowOf(host_.Tracks(), 1).top) << "the editor stands on its title's row";
     EXPECT_EQ(ListsHost::Selected(host_.Tracks()), 1);
-    SendMessageA(host_.Tracks(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Tracks());
     EXPECT_EQ(Title(2, 3), "For track 3");
     EXPECT_EQ(Title(2, 2), "Disc 2, Track 2");
     EXPECT_EQ(ListsHost::Rows(host_.Tracks()), "Tr|2|Disc 2, Track 2\nTr|3|For track 3\n");
@@ -309,17 +304,15 @@ TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
 
 TEST_F(ListsEditTest, AnEditIsKeptWithoutARow) {
     SetFocus(host_.Tracks());
-    ASSERT_EQ(host_.trackList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Tracks()), "Typed at once");
+    Type(host_.trackList, host_.Tracks(), "Typed at once");
     host_.trackList.ClearRows();
-    SendMessageA(host_.Tracks(), WM_USER, UC_END_EDIT, 0);
+    EndEdit(host_.Tracks());
     EXPECT_EQ(Title(2, 1), "Typed at once");
 
     // The arrow of the other list takes the tracks away that the edit is about.
     ASSERT_TRUE(host_.Refill(2));
     SetFocus(host_.Tracks());
-    ASSERT_EQ(host_.trackList.BeginEdit(), 1);
-    SetWindowTextA(Editor(host_.Tracks()), "Before the arrow");
+    Type(host_.trackList, host_.Tracks(), "Before the arrow");
     RECT client = {};
     GetClientRect(host_.Groups(), &client);
     const LPARAM place = MAKELPARAM(static_cast<WORD>(client.right / 2), static_cast<WORD>(client.bottom + 10));

@@ -105,9 +105,7 @@ void Type(CTitleList& list) {
     GroupId group = 0;
     TrackNo track = 0;
     if (list.GetSelectedIds(&group, &track) == 1 && list.EndEdit() == 1 && !MayVanish(track)) {
-        char now[kTitleSize] = "";
-        all.host.store.GetTitle(group, track, now);
-        EXPECT_STREQ(now, text);
+        EXPECT_EQ(TitleOf(all.host.store, group, track), text);
         all.typed[MAKELPARAM(static_cast<WORD>(track), static_cast<WORD>(group))] = text;
     }
 }
@@ -186,20 +184,17 @@ TEST(ListsStressTest, TheRowsAreTheStoresInTheEnd) {
     std::string groups;
     std::string tracks;
     for (GroupId group = 1; group <= AlbumGroup(kSomeAlbums); ++group) {
-        char title[kTitleSize] = "";
         if (all.host.store.GetState(group, 0) > 0) {
-            all.host.store.GetTitle(group, 0, title);
             groups += std::string(IsAlbum(group) ? "Alb|" : "Dsc|") +
-                      std::to_string(IsAlbum(group) ? AlbumNumber(group) : group) + "|" + title + "\n";
+                      std::to_string(IsAlbum(group) ? AlbumNumber(group) : group) + "|" + TitleOf(all.host.store, group, 0) +
+                      "\n";
         }
     }
     GroupId shown = 0;
     ASSERT_EQ(all.host.groupList.GetSelectedIds(&shown, nullptr), 1);
     for (TrackNo track = 1; track <= kSomeTracks; ++track) {
-        char title[kTitleSize] = "";
         if (all.host.store.GetState(shown, track) > 0) {
-            all.host.store.GetTitle(shown, track, title);
-            tracks += "Tr|" + std::to_string(track) + "|" + title + "\n";
+            tracks += "Tr|" + std::to_string(track) + "|" + TitleOf(all.host.store, shown, track) + "\n";
         }
     }
     const auto asOnRows = [](const std::string& text) {
@@ -212,9 +207,8 @@ TEST(ListsStressTest, TheRowsAreTheStoresInTheEnd) {
     EXPECT_EQ(ListsHost::Rows(all.host.Groups()), asOnRows(groups));
     EXPECT_EQ(ListsHost::Rows(all.host.Tracks()), asOnRows(tracks));
     for (const auto& [value, text] : all.typed) {
-        char title[kTitleSize] = "";
-        all.host.store.GetTitle(HIWORD(value), LOWORD(value), title);
-        EXPECT_EQ(title, text) << "group " << HIWORD(value) << " track " << LOWORD(value);
+        EXPECT_EQ(TitleOf(all.host.store, HIWORD(value), LOWORD(value)), text)
+            << "group " << HIWORD(value) << " track " << LOWORD(value);
     }
     SetMessageHook(nullptr);
 }

@@ -72,23 +72,13 @@ TEST(ListsTest, RangesChooseTheRows) {
         host.AddDisc(number, 5);
         host.AddAlbum(number, 1);
     }
-    DisplayRanges ranges;
-    ranges.DiscFrom = 2;
-    ranges.DiscTo = 3;
-    ranges.AlbumFrom = 0;
-    ranges.AlbumTo = 0;
-    ranges.TrackFrom = 4;
-    ranges.TrackTo = 4;
+    const DisplayRanges ranges{.DiscFrom = 2, .DiscTo = 3, .AlbumFrom = 0, .AlbumTo = 0, .TrackFrom = 4, .TrackTo = 4};
     host.groupList.SetDisplayRanges(ranges);
     host.trackList.SetDisplayRanges(ranges);
     ASSERT_TRUE(host.Refill(5));
     EXPECT_EQ(ListsHost::Rows(host.Groups()), "Dsc|2|Disc 2\nDsc|3|Disc 3\n");
     EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|4|Disc 2, Track 4\n");
-    ranges.DiscFrom = 0;
-    ranges.DiscTo = 0;
-    ranges.AlbumFrom = 5;
-    ranges.AlbumTo = 999;
-    host.groupList.SetDisplayRanges(ranges);
+    host.groupList.SetDisplayRanges({.DiscFrom = 0, .DiscTo = 0, .AlbumFrom = 5, .AlbumTo = 999});
     ASSERT_TRUE(host.Refill(2));
     EXPECT_EQ(ListsHost::Rows(host.Groups()), "Alb|5|Album 5\n");
 }

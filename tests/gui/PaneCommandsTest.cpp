@@ -29,13 +29,17 @@ protected:
     HWND Editor(int list) const { return GetDlgItem(Control(list), kEditorId); }
     // As the accelerator does it.
     void Enter() { Command(IDM_ENTER); }
-    bool CanClear() {
-        SendMessageA(main_, WM_MENUSELECT, MAKEWPARAM(1, MF_POPUP | MF_HILITE), reinterpret_cast<LPARAM>(GetMenu(main_)));
-        return !IsGrayed(IDM_CLEAR);
+    // Into the editor that Enter opens.
+    void Type(int list, const char* text) {
+        Enter();
+        ASSERT_NE(Editor(list), nullptr);
+        SetWindowTextA(Editor(list), text);
     }
-    bool CanUndo() {
+    bool CanClear() { return IsOffered(IDM_CLEAR); }
+    bool CanUndo() { return IsOffered(IDM_UNDO); }
+    bool IsOffered(UINT command) {
         SendMessageA(main_, WM_MENUSELECT, MAKEWPARAM(1, MF_POPUP | MF_HILITE), reinterpret_cast<LPARAM>(GetMenu(main_)));
-        return !IsGrayed(IDM_UNDO);
+        return !IsGrayed(command);
     }
 };
 
@@ -51,9 +55,7 @@ TEST_F(PaneCommandsTest, TransfersCutOffWhatRunsAndCommitWhatIsTyped) {
         SelectTrack(1);
         scripted::Take();
         if (transfer.command == IDM_SEND_GROUP) {
-            Enter();
-            ASSERT_NE(Editor(IDC_TRACK_LIST), nullptr);
-            SetWindowTextA(Editor(IDC_TRACK_LIST), "Typed & sent");
+            Type(IDC_TRACK_LIST, "Typed & sent");
         }
         Command(transfer.command);
         EXPECT_EQ(scripted::Take(), transfer.calls);
@@ -127,16 +129,12 @@ TEST_F(PaneCommandsTest, StopShowsWhatHasCome) {
 
 TEST_F(PaneCommandsTest, EnterOpensAndClosesTheEditorOfTheListInFocus) {
     SetFocus(Control(IDC_GROUP_LIST));
-    Enter();
-    ASSERT_NE(Editor(IDC_GROUP_LIST), nullptr);
-    SetWindowTextA(Editor(IDC_GROUP_LIST), "Second");
+    Type(IDC_GROUP_LIST, "Second");
     Enter();
     EXPECT_EQ(Editor(IDC_GROUP_LIST), nullptr);
     EXPECT_EQ(Title(2, 0), "Second");
     EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST));
-    Enter();
-    ASSERT_NE(Editor(IDC_TRACK_LIST), nullptr);
-    SetWindowTextA(Editor(IDC_TRACK_LIST), "First track");
+    Type(IDC_TRACK_LIST, "First track");
     Enter();
     EXPECT_EQ(Title(2, 1), "First track");
     EXPECT_EQ(Selected(IDC_TRACK_LIST), 1);
@@ -145,19 +143,16 @@ TEST_F(PaneCommandsTest, EnterOpensAndClosesTheEditorOfTheListInFocus) {
 TEST_F(PaneCommandsTest, UndoPutsTheLastTextBackAndThrowsAnOpenEditorAway) {
     EXPECT_FALSE(CanUndo());
     SelectTrack(2);
-    Enter();
-    SetWindowTextA(Editor(IDC_TRACK_LIST), "One");
+    Type(IDC_TRACK_LIST, "One");
     Enter();
     Select(0);
     Refill(1);
-    Enter();
-    SetWindowTextA(Editor(IDC_GROUP_LIST), "Two & three");
+    Type(IDC_GROUP_LIST, "Two & three");
     Enter();
     EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Two && three\nDsc|2|Disc 2\nAlb|1|Album 1\n");
 
     SetFocus(Control(IDC_GROUP_LIST));
-    Enter();
-    SetWindowTextA(Editor(IDC_GROUP_LIST), "Never meant");
+    Type(IDC_GROUP_LIST, "Never meant");
     EXPECT_TRUE(CanUndo());
     Command(IDM_UNDO);
     EXPECT_EQ(Editor(IDC_GROUP_LIST), nullptr);
@@ -180,8 +175,7 @@ TEST_F(PaneCommandsTest, UndoPutsTheLastTextBackAndThrowsAnOpenEditorAway) {
 
 TEST_F(PaneCommandsTest, UndoOfAShownTrackGoesToItsRow) {
     SelectTrack(2);
-    Enter();
-    SetWindowTextA(Editor(IDC_TRACK_LIST), "One");
+    Type(IDC_TRACK_LIST, "One");
     SetFocus(Control(IDC_GROUP_LIST));
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(Title(2, 3), "One");

@@ -9,21 +9,18 @@ const std::string kModelQuery = std::string("\x11") + "000\x03";
 const std::string kMenuQuery = std::string("\x02") + "52060\x03";
 const std::string kStatusQuery = std::string("\x02") + "52000\x03";
 
-std::string Block(const std::string& payload) {
-    return BlockFrame(payload);
-}
 std::string TitleRead(const std::string& entry) {
-    return Block("05" + entry + "00000000");
+    return BlockFrame("05" + entry + "00000000");
 }
 std::string TitleWrite(const std::string& entry) {
-    return Block("06" + entry + "00000000");
+    return BlockFrame("06" + entry + "00000000");
 }
 std::string Padded(std::string text) {
     text.resize(32, ' ');
     return text;
 }
 std::string TitleData(const std::string& text) {
-    return Block(Padded(text));
+    return BlockFrame(Padded(text));
 }
 
 const std::string kWriteAccepted = std::string("\x14") + "500406008F\x03";
@@ -92,7 +89,7 @@ TEST_F(MainUnitTest, WalksThroughItsStatusAndWaitsForTheCommandThatAStateNeeds) 
 
 TEST_F(MainUnitTest, TellsByBitmapWhatExists) {
     Start();
-    const std::string discs = Ask(Block("0300000000000000"));
+    const std::string discs = Ask(BlockFrame("0300000000000000"));
     ASSERT_EQ(discs.size(), 262U);
     EXPECT_EQ(discs.substr(0, 9), std::string("\x14") + "50FE0300");
     EXPECT_EQ(Hex(SumOf(std::string_view(discs).substr(1, 258)), 2), discs.substr(259, 2));
@@ -103,36 +100,36 @@ TEST_F(MainUnitTest, TellsByBitmapWhatExists) {
 
     expected.assign(250, '0');
     expected[1] = '2';  // album 7
-    EXPECT_EQ(Ask(Block("0301000000000000")).substr(9, 250), expected);
+    EXPECT_EQ(Ask(BlockFrame("0301000000000000")).substr(9, 250), expected);
 
     expected.assign(250, '0');
     expected.replace(0, 2, "20");       // track 3
     expected.replace(2 * 12, 2, "20");  // track 99
-    EXPECT_EQ(Ask(Block("0302001200000000")).substr(9, 250), expected);
+    EXPECT_EQ(Ask(BlockFrame("0302001200000000")).substr(9, 250), expected);
     EXPECT_TRUE(problems_.empty());
 }
 
 TEST_F(MainUnitTest, RefusesMapsAsSet) {
-    const std::string probe = Block("0302FFFF00000000");
-    const std::string refused = Block("0301");
+    const std::string probe = BlockFrame("0302FFFF00000000");
+    const std::string refused = BlockFrame("0301");
     Start();
     EXPECT_EQ(Ask(probe), refused);
-    EXPECT_EQ(Ask(Block("0302001300000000")), refused) << "tracks of a disc that does not exist";
-    EXPECT_EQ(Ask(Block("0302201200000000")), refused) << "there is a disc 12 but no album 12";
+    EXPECT_EQ(Ask(BlockFrame("0302001300000000")), refused) << "tracks of a disc that does not exist";
+    EXPECT_EQ(Ask(BlockFrame("0302201200000000")), refused) << "there is a disc 12 but no album 12";
     unit_->Configure({.probeAccepted = true, .refuseMaps = true});
-    EXPECT_EQ(Ask(probe), Block("0300"));
-    EXPECT_EQ(Ask(Block("0300000000000000")), refused);
-    EXPECT_EQ(Ask(Block("0302001200000000")), refused);
+    EXPECT_EQ(Ask(probe), BlockFrame("0300"));
+    EXPECT_EQ(Ask(BlockFrame("0300000000000000")), refused);
+    EXPECT_EQ(Ask(BlockFrame("0302001200000000")), refused);
 }
 
 TEST_F(MainUnitTest, ReadsTitles) {
     Start();
-    EXPECT_EQ(Ask(TitleRead("001203")), Block("0500" + Padded("Low Water")));
-    EXPECT_EQ(Ask(TitleRead("200701")), Block("0500" + Padded("Track of an album")));
-    EXPECT_EQ(Ask(TitleRead("099900")), Block("0500" + Padded(""))) << "an empty title is a title";
-    EXPECT_EQ(Ask(TitleRead("001200")), Block("0502")) << "exists without a title";
-    EXPECT_EQ(Ask(TitleRead("001204")), Block("0501"));
-    EXPECT_EQ(Ask(TitleRead("000200")), Block("0501"));
+    EXPECT_EQ(Ask(TitleRead("001203")), BlockFrame("0500" + Padded("Low Water")));
+    EXPECT_EQ(Ask(TitleRead("200701")), BlockFrame("0500" + Padded("Track of an album")));
+    EXPECT_EQ(Ask(TitleRead("099900")), BlockFrame("0500" + Padded(""))) << "an empty title is a title";
+    EXPECT_EQ(Ask(TitleRead("001200")), BlockFrame("0502")) << "exists without a title";
+    EXPECT_EQ(Ask(TitleRead("001204")), BlockFrame("0501"));
+    EXPECT_EQ(Ask(TitleRead("000200")), BlockFrame("0501"));
 }
 
 TEST_F(MainUnitTest, TakesATitleInTwoSteps) {

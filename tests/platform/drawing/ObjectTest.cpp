@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstring>
 #include <set>
-#include <vector>
 
 #include "GdiObjects.h"
 #include "Surface.h"
@@ -72,24 +71,6 @@ TEST(Objects, StaleHandlesAreRecognised) {
         ASSERT_TRUE(DeleteObject(brush));
     }
     EXPECT_FALSE(DeleteObject(first));
-}
-
-TEST(Objects, HaveALimit) {
-    std::vector<HBRUSH> brushes;
-    while (const HBRUSH brush = CreateSolidBrush(0)) {
-        brushes.push_back(brush);
-        ASSERT_LE(brushes.size(), 10'000u);
-    }
-    EXPECT_GT(brushes.size(), 9'000u);
-    EXPECT_EQ(drawing::OpenDeviceContext({}), nullptr);
-    EXPECT_EQ(CreateRectRgn(0, 0, 1, 1), nullptr);
-    EXPECT_NE(GetSysColorBrush(COLOR_GRAYTEXT), nullptr) << "the system's own are always there";
-    for (const HBRUSH brush : brushes) {
-        EXPECT_TRUE(DeleteObject(brush));
-    }
-    const HBRUSH again = CreateSolidBrush(0);
-    EXPECT_NE(again, nullptr);
-    DeleteObject(again);
 }
 
 TEST(Objects, FontsTellTheirDescription) {

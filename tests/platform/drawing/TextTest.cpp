@@ -187,17 +187,4 @@ TEST_F(Text, ScalesWithTheScreen) {
     }
 }
 
-TEST_F(Text, RefusesWhatItCannotDraw) {
-    RECT rect = {0, 0, 10, 10};
-    SIZE size{};
-    TEXTMETRICA found{};
-    EXPECT_EQ(DrawTextA(nullptr, "H", -1, &rect, 0), 0);
-    EXPECT_EQ(DrawTextA(measure, nullptr, -1, &rect, 0), 0);
-    EXPECT_EQ(DrawTextA(measure, "H", -1, nullptr, 0), 0);
-    EXPECT_FALSE(GetTextExtentPoint32A(measure, "H", -1, &size));
-    EXPECT_FALSE(GetTextExtentPoint32A(nullptr, "H", 1, &size));
-    EXPECT_FALSE(GetTextMetricsA(nullptr, &found));
-    EXPECT_EQ(DrawTextA(measure, "H", -1, &rect, 0), metrics.tmHeight);
-}
-
 }  // namespace

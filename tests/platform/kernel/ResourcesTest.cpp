@@ -2,9 +2,7 @@
 #include "Resources.h"
 
 #include <cstring>
-#include <vector>
 
-#include "ResourceFile.h"
 #include "TestSupport.h"
 
 namespace {
@@ -119,66 +117,6 @@ TEST(Resources, TemplatesOfEveryShapeAreRead) {
     EXPECT_EQ(dialog->items[0].title.text, "題");
     EXPECT_EQ(dialog->items[1].title.resource, 12);
     EXPECT_EQ(dialog->items[1].id, -1);
-}
-
-// Two resources, one with a name.
-std::vector<std::byte> SmallFile() {
-    std::vector<std::byte> file;
-    const auto put = [&file](std::uint64_t value, int size) {
-        for (int i = 0; i < size; ++i)
-            file.push_back(static_cast<std::byte>(value >> (8 * i)));
-    };
-    const auto rest = [&](WORD language) {
-        put(0, 6);
-        put(language, 2);
-        put(0, 8);
-    };
-    put(5, 4);
-    put(32, 4);
-    put(0x0006FFFF, 4);
-    put(0x0002FFFF, 4);
-    rest(0x409);
-    put(0x11111111, 4);
-    put(0x22, 4);
-    put(4, 4);
-    put(36, 4);
-    put(0x0017FFFF, 4);
-    put('N', 2);
-    put('M', 2);
-    put(0, 4);
-    rest(0x411);
-    put(0x33333333, 4);
-    return file;
-}
-
-TEST(ResourceFile, IsReadUpToTheDamage) {
-    const std::vector<std::byte> whole = SmallFile();
-    const auto resources = kernel::ReadResourceFile(whole);
-    ASSERT_EQ(resources.size(), 2u);
-    EXPECT_EQ(resources[0].type.number, 6);
-    EXPECT_EQ(resources[0].data.size(), 5u);
-    EXPECT_EQ(resources[1].name.name, u"NM");
-    EXPECT_EQ(resources[1].language, 0x411);
-    EXPECT_EQ(resources[1].data.size(), 4u);
-
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-        // A copy of just that size, so that the address sanitizer sees a read beyond it.
-        const std::vector<std::byte> part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-        EXPECT_EQ(kernel::ReadResourceFile(part).size(), size < 37 ? 0u : 1u) << size;
-    }
-}
-
-TEST(ResourceFile, WrongSizesAreNotFollowed) {
-    for (const std::size_t position : {0u, 4u, 40u, 44u}) {
-        for (const std::uint32_t wrong : {0u, 1u, 7u, 8u, 12u, 0x7FFFFFFFu, 0xFFFFFFFFu, 0xFFFFFFF8u}) {
-            std::vector<std::byte> file = SmallFile();
-            std::memcpy(file.data() + position, &wrong, sizeof wrong);
-            for (const kernel::Resource& resource : kernel::ReadResourceFile(file)) {
-                EXPECT_GE(resource.data.data(), file.data());
-                EXPECT_LE(resource.data.data() + resource.data.size(), file.data() + file.size());
-            }
-        }
-    }
 }
 
 }  // namespace

@@ -86,30 +86,6 @@ TEST(Templates, ChangedBytesAreSurvived) {
     }
 }
 
-TEST(Templates, EndlessNestingAndOtherFormsAreRefused) {
-    Writer nested;
-    nested.Put(0, 4);
-    for (int i = 0; i < 100000; ++i)
-        nested.Put(MF_POPUP | 0x80, 2).Put(0, 2);
-    EXPECT_FALSE(kernel::ParseMenu(nested.Bytes()));
-
-    Writer extendedMenu;
-    extendedMenu.Put(1, 2).Put(4, 2).Repeat(100, 0, 4);
-    EXPECT_FALSE(kernel::ParseMenu(extendedMenu.Bytes()));
-    Writer extendedDialog;
-    extendedDialog.Put(0xFFFF0001, 4).Repeat(100, 0, 4);
-    EXPECT_FALSE(kernel::ParseDialog(extendedDialog.Bytes()));
-}
-
-TEST(Templates, StringBlockMayEndEarly) {
-    Writer block;
-    block.Put(2, 2).Put('a', 2).Put('b', 2).Put(0, 2).Put(5, 2).Put('c', 2);
-    EXPECT_EQ(kernel::StringInBlock(block.Bytes(), 0), u"ab");
-    EXPECT_EQ(kernel::StringInBlock(block.Bytes(), 1), u"");
-    EXPECT_EQ(kernel::StringInBlock(block.Bytes(), 2), u"");
-    EXPECT_EQ(kernel::StringInBlock(block.Bytes(), 15), u"");
-}
-
 // Rows from the bottom, colours by palette, mask over both.
 TEST(Icons, EveryDepthGivesTheSamePixels) {
     constexpr std::uint32_t kRed = 0xFF0000;
@@ -135,23 +111,6 @@ TEST(Icons, EveryDepthGivesTheSamePixels) {
     Writer alpha = IconHeader(32, 0);
     alpha.Repeat(4, 0x80FF0000, 4);
     EXPECT_EQ(ParseOneIcon(mask(alpha)).at(0).pixels, (std::vector<std::uint32_t>{0x80FF0000, 0, 0x80FF0000, 0x80FF0000}));
-}
-
-TEST(Icons, ImageThatIsNotWholeIsLeftOut) {
-    Writer icon = IconHeader(8, 1);
-    icon.Put(0x00FF00, 4).Repeat(2, 0x0900, 4).Repeat(2, 0, 4);
-    // A colour that the palette does not have is black.
-    EXPECT_EQ(ParseOneIcon(icon.Bytes()).at(0).pixels,
-              (std::vector<std::uint32_t>{0xFF00FF00, 0xFF000000, 0xFF00FF00, 0xFF000000}));
-    Buffer part = icon.Bytes();
-    part.pop_back();
-    EXPECT_TRUE(ParseOneIcon(part).empty());
-
-    Buffer huge = icon.Bytes();
-    const std::int32_t width = 0x7FFFFFFF;
-    std::memcpy(huge.data() + 4, &width, sizeof width);
-    EXPECT_TRUE(ParseOneIcon(huge).empty());
-    EXPECT_TRUE(ParseOneIcon({}).empty());
 }
 
 }  // namespace

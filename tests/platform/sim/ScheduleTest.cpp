@@ -201,23 +201,4 @@ TEST(Schedule, AFailedRunIsReported) {
     lock.Forget();
 }
 
-TEST(Schedule, ManyThreadsComeAndGo) {
-    Simulation simulation({.seed = 2});
-    Shared<int> ended = 0;
-    const std::size_t handles = Simulation::OpenHandles();
-    ExpectDone(simulation, [&] {
-        for (int round = 0; round < 200; ++round) {
-            std::vector<std::unique_ptr<Thread>> threads;
-            for (int i = 0; i < 10; ++i) {
-                threads.push_back(std::make_unique<Thread>([&] {
-                    Sleep(1);
-                    ended.Add(1);
-                }));
-            }
-        }
-    });
-    EXPECT_EQ(ended, 2000);
-    EXPECT_EQ(Simulation::OpenHandles(), handles);
-}
-
 }  // namespace

@@ -5,7 +5,6 @@
 #include "Dialogs.h"
 #include "Text.h"
 
-using desktop::Desktop;
 using desktop::HasStyle;
 
 namespace desktop {

@@ -300,9 +300,6 @@ LRESULT DefaultForDialog(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam
 
 }  // namespace desktop
 
-using desktop::Desktop;
-using desktop::HasStyle;
-
 LRESULT DefDlgProcA(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(dialog, DWLP_DLGPROC));
     if (procedure == nullptr) {

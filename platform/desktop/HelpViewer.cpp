@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    QAction* AddAction(QToolBar& bar, QStyle::StandardPixmap icon, const char* text, QKeySequence keys) {
+    QAction* AddAction(QToolBar& bar, QStyle::StandardPixmap icon, const char* text, const QKeySequence& keys) {
         QAction* action = bar.addAction(style()->standardIcon(icon), QString::fromUtf8(text));
         action->setShortcut(keys);
         action->setToolTip(QString("%1 (%2)").arg(action->text(), keys.toString(QKeySequence::NativeText)));

@@ -128,7 +128,7 @@ void CalculateClient(ScreenWindow& window, bool asNew, const RECT* before) {
 }
 
 void AskMinMax(HWND window, MINMAXINFO& info) {
-    RECT screen;
+    RECT screen{};
     GetWindowRect(GetDesktopWindow(), &screen);
     info = {};
     info.ptMaxSize = {screen.right - screen.left, screen.bottom - screen.top};

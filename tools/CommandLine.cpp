@@ -15,6 +15,7 @@ const char kUsage[] =
     "titlectl [--port COMn] backup FILE       all titles of the main unit to a new JSON file\n"
     "titlectl [--port COMn] restore [--dry-run] FILE\n"
     "                                         the same as import with all titles of a backup\n"
+    "titlectl --help                          shows this text\n"
     "\n"
     "GROUP is D1 to D999 for a Disc, A1 to A999 for an Album. TRACK is 1 to 99, or 0 for the group's own title. TEXT has at "
     "most\n"

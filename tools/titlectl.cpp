@@ -1,5 +1,6 @@
 // titlectl: lists, reads, writes, backs up and restores the titles of a main unit from the command line.
 #include <cstdio>
+#include <cstring>
 
 #include "Commands.h"
 #include "Ending.h"
@@ -18,6 +19,10 @@ constexpr Verb kVerbs[] = {{"list", List},     {"get", Get},       {"set", Set},
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(kUsage, stdout);
+        return kExitDone;
+    }
     Command command;
     if (!ParseCommand(argc, argv, command)) {
         std::fputs(kUsage, stderr);

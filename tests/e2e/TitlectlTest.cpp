@@ -138,6 +138,9 @@ TEST_F(TitlectlTest, TellsTheUsage) {
         EXPECT_EQ(Run(arguments), kUsage) << (arguments.empty() ? "" : arguments.back());
         EXPECT_NE(errors_.find("Exit codes: 0 done"), std::string::npos) << errors_;
     }
+    // Who asks for it may want to page through it.
+    EXPECT_EQ(Run({"--help"}), kDone);
+    EXPECT_NE(output_.find("Exit codes: 0 done"), std::string::npos) << output_;
 }
 
 TEST_F(TitlectlTest, SearchesThePorts) {

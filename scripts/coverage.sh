@@ -19,7 +19,7 @@ cmake --build "$folder" --target "${tests[@]}" tesselia titlectl mainunit_progra
 find "$folder" -name '*.gcda' -delete
 ctest --test-dir "$folder" -j "$((2 * $(nproc)))" --no-tests=error --output-on-failure \
     -E '^gui\.(ja\.)?(Access|Storm|Painting|MessageOrder|Menu|Dialogs|Edit|Registry|Template|Input|ListBox)|Tour|NOT_BUILT|^(desktop|drawing|kernel|messages|sim_platform)' \
-    >"$folder/ctest.log" 2>&1 || { tail -n 30 "$folder/ctest.log" >&2; say "Some tests failed"; }
+    >"$folder/ctest.log" 2>&1 || { tail -n 30 "$folder/ctest.log" >&2; say "Some tests failed"; exit 1; }
 rm -rf "$folder"/CMakeFiles/[0-9]*/CompilerId*
 gcovr --root "$root" --object-directory "$folder" --gcov-ignore-parse-errors \
     --filter "$root/(store|link|files|lists|pane|shell)/" --exclude-throw-branches --print-summary \

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Takes the pictures of the user's guide anew, help/en/*.png and help/ja/*.png, from a session of the program in each language:
 #
-#   scripts/help-pictures.sh [BIN]      BIN holds the built programs, build/release/bin if it is left out
+#   scripts/help-pictures.sh [BIN]      BIN holds the built programs; without it they are built
 #
 # What has not changed on the screen gives the same bytes again, so that git shows which pictures have.
 set -euo pipefail
@@ -9,6 +9,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 cd "$OLDPWD"
 
 [ $# -le 1 ] || { sed -n '2,6p' "$root/scripts/help-pictures.sh" >&2; exit 2; }
+[ $# -eq 1 ] || (cd "$root" && build_programs)
 bin=$(cd "${1:-$root/build/release/bin}" && pwd)
 need imagemagick qt6-translations-l10n fonts-dejavu-core fonts-ipafont-gothic
 

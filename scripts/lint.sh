@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Formatting everywhere, and clang-tidy over everything but the tests.
+# Formatting everywhere, and clang-tidy over the program.
 #
 #   scripts/lint.sh         what stands above the seam, and the messages below it
 #   scripts/lint.sh --all   the rest of the layer, the tools and the simulated unit as well: minutes, since each file of

@@ -8,6 +8,7 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
     else
+        command -v sudo >/dev/null || { say "This needs root, or sudo: $*"; return 1; }
         sudo "$@"
     fi
 }
@@ -67,10 +68,15 @@ configure() {
         { cat "$root/build/$preset.log" >&2; say "Configuring the preset $preset failed"; return 1; }
 }
 
+# What ./run shows, in build/release. Who only wants to see the program need not wait for its tests.
+build_programs() {
+    need_build_tools && configure release &&
+        cmake --build --preset release --target tesselia titlectl mainunit_program tour >&2
+}
+
 # build PRESET [cmake options]: everything.
 build() {
-    configure "$@"
-    cmake --build --preset "$1" >&2
+    configure "$@" && cmake --build --preset "$1" >&2
 }
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

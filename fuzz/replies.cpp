@@ -30,6 +30,7 @@
 #include "MainUnit.h"
 #include "Simulation.h"
 #include "TitleStore.h"
+#include "UnitFrames.h"
 #include "UnitRequest.h"
 
 using mainunit::UnitRequest;
@@ -49,13 +50,13 @@ constexpr std::uint64_t kRunLimitUs = 24ULL * 3600 * 1'000'000;
 
 using Place = std::pair<GroupId, TrackNo>;
 
-Place PlaceOf(const mainunit::Entry& entry) {
-    return {entry.kind == mainunit::GroupKind::Album ? AlbumGroup(entry.group) : entry.group, entry.track};
+Place PlaceOf(const library::Entry& entry) {
+    return {entry.kind == library::GroupKind::Album ? AlbumGroup(entry.group) : entry.group, entry.track};
 }
 
 mainunit::MainUnit MakeUnit(unsigned choice) {
-    using mainunit::GroupKind;
-    mainunit::UnitLibrary library;
+    using library::GroupKind;
+    library::UnitLibrary library;
     for (int group = 1; group <= 3; ++group) {
         library.SetTitle({GroupKind::Disc, group, 0}, "Disc of the unit");
         library.SetTitle({GroupKind::Disc, group, 1}, "First");

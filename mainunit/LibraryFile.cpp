@@ -14,7 +14,7 @@
 
 #include "LibraryText.h"
 
-namespace mainunit {
+namespace library {
 
 namespace {
 
@@ -122,4 +122,4 @@ bool SaveLibrary(const std::string& path, const UnitLibrary& library, std::strin
     return true;
 }
 
-}  // namespace mainunit
+}  // namespace library

@@ -5,7 +5,7 @@
 
 #include "UnitLibrary.h"
 
-namespace mainunit {
+namespace library {
 
 // Reads as strictly as ParseLibrary. A file has at most 32 MiB.
 bool LoadLibrary(const std::string& path, UnitLibrary& library, std::string& error);
@@ -14,4 +14,4 @@ bool LoadLibrary(const std::string& path, UnitLibrary& library, std::string& err
 // symbolic link stays and its target is replaced. Returns when the content is on the disk.
 bool SaveLibrary(const std::string& path, const UnitLibrary& library, std::string& error);
 
-}  // namespace mainunit
+}  // namespace library

@@ -1,11 +1,12 @@
 #include "LibraryText.h"
 
+#include <charconv>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <vector>
 
-namespace mainunit {
+namespace library {
 
 namespace {
 
@@ -36,9 +37,12 @@ private:
 
 // 1 to `last`, with no leading zeros or signs, so that one number has one name.
 std::optional<int> ReadNumber(const std::string& name, int last) {
-    const std::optional<int> number = name.size() <= 3 ? ReadDec(name) : std::nullopt;
-    if (!number || *number < 1 || *number > last || name.front() == '0')
+    int number = 0;
+    const char* end = name.data() + name.size();
+    const std::from_chars_result read = std::from_chars(name.data(), end, number);
+    if (read.ec != std::errc() || read.ptr != end || number < 1 || number > last || name.front() == '0') {
         return std::nullopt;
+    }
     return number;
 }
 
@@ -170,4 +174,4 @@ std::string FormatLibrary(const UnitLibrary& library) {
     return root.dump(2) + "\n";
 }
 
-}  // namespace mainunit
+}  // namespace library

@@ -15,7 +15,7 @@
 
 #include "UnitLibrary.h"
 
-namespace mainunit {
+namespace library {
 
 // Reads strictly: a name that is not known or stands twice, a number out of range, a title that is too long or not
 // printable ASCII is an error. On failure the result is false, `library` is unchanged and `error` says where and why.
@@ -23,4 +23,4 @@ bool ParseLibrary(std::string_view text, UnitLibrary& library, std::string& erro
 
 std::string FormatLibrary(const UnitLibrary& library);
 
-}  // namespace mainunit
+}  // namespace library

@@ -1,6 +1,10 @@
 #include "MainUnit.h"
 
+#include <array>
+#include <map>
 #include <utility>
+
+#include "UnitFrames.h"
 
 namespace mainunit {
 
@@ -15,16 +19,17 @@ std::optional<std::uint8_t> CommandFor(std::uint8_t status) {
     return std::nullopt;
 }
 
-// The first item is the highest bit of the first byte.
-std::string BitmapDigits(const Bitmap& map) {
+// A bitmap of the items that are listed by their numbers, from 1 on: the first is the highest bit of the first byte.
+template <class Item>
+std::string BitmapDigits(const std::map<int, Item>& items) {
+    std::array<unsigned, kBitmapBytes> bytes{};
+    for (const auto& [number, item] : items) {
+        const auto bit = static_cast<std::size_t>(number - 1);
+        bytes[bit / 8] |= 0x80U >> (bit % 8);
+    }
     std::string digits;
-    for (std::size_t byte = 0; byte < kBitmapBytes; ++byte) {
-        unsigned bits = 0;
-        for (std::size_t bit = 0; bit < 8; ++bit) {
-            if (map[byte * 8 + bit])
-                bits |= 0x80U >> bit;
-        }
-        digits += Hex(bits, 2);
+    for (const unsigned byte : bytes) {
+        digits += Hex(byte, 2);
     }
     return digits;
 }
@@ -115,10 +120,12 @@ std::string MainUnit::AnswerMap(const UnitRequest& request) const {
     const bool tracks = request.map == MapKind::Tracks;
     if (settings_.refuseMaps || (tracks && !library_.Exists(request.entry)))
         return BlockReply(SubType::Map, kNoSuchEntry);
-    if (tracks)
-        return BlockReply(SubType::Map, kAccepted, BitmapDigits(library_.TrackMap(request.entry.kind, request.entry.group)));
+    if (tracks) {
+        const UnitLibrary::Groups& groups = library_.GroupsOf(request.entry.kind);
+        return BlockReply(SubType::Map, kAccepted, BitmapDigits(groups.at(request.entry.group).tracks));
+    }
     const GroupKind kind = request.map == MapKind::Discs ? GroupKind::Disc : GroupKind::Album;
-    return BlockReply(SubType::Map, kAccepted, BitmapDigits(library_.GroupMap(kind)));
+    return BlockReply(SubType::Map, kAccepted, BitmapDigits(library_.GroupsOf(kind)));
 }
 
 std::string MainUnit::AnswerRead(const UnitRequest& request) const {

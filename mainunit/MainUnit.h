@@ -11,7 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "UnitLibrary.h"
 #include "UnitRequest.h"
 
 namespace mainunit {

@@ -73,8 +73,4 @@ std::string BlockReply(SubType subType, std::uint8_t result, std::string_view da
     return BlockFrame(payload);
 }
 
-bool IsPrintable(char byte) {
-    return byte >= 0x20 && byte <= 0x7E;
-}
-
 }  // namespace mainunit

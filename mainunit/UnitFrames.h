@@ -58,7 +58,4 @@ std::string ModelReply(std::string_view model);
 // A block reply with a result and whatever follows it.
 std::string BlockReply(SubType subType, std::uint8_t result, std::string_view data = {});
 
-// True for printable ASCII, blank included: the only bytes that a title of the main unit is made of.
-bool IsPrintable(char byte);
-
 }  // namespace mainunit

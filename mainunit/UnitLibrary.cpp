@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace mainunit {
+namespace library {
 
 std::string NameOf(const Entry& entry) {
     std::string name = entry.kind == GroupKind::Disc ? "Disc " : "Album ";
@@ -10,6 +10,10 @@ std::string NameOf(const Entry& entry) {
     if (entry.track > 0)
         name += " track " + std::to_string(entry.track);
     return name;
+}
+
+bool IsPrintable(char byte) {
+    return byte >= ' ' && byte <= '~';
 }
 
 bool IsEntry(const Entry& entry) {
@@ -26,7 +30,7 @@ bool UnitLibrary::Add(const Entry& entry) {
 }
 
 bool UnitLibrary::SetTitle(const Entry& entry, const std::string& text) {
-    if (text.size() > kTitleBytes || !std::all_of(text.begin(), text.end(), IsPrintable) || !Add(entry))
+    if (text.size() > kLongestTitle || !std::all_of(text.begin(), text.end(), IsPrintable) || !Add(entry))
         return false;
     Group& group = MutableGroups(entry.kind)[entry.group];
     std::optional<std::string>& title = entry.track == 0 ? group.title : group.tracks[entry.track];
@@ -54,21 +58,4 @@ const std::string* UnitLibrary::Title(const Entry& entry) const {
     return title && *title ? &**title : nullptr;
 }
 
-Bitmap UnitLibrary::GroupMap(GroupKind kind) const {
-    Bitmap map;
-    for (const auto& [number, group] : GroupsOf(kind))
-        map.set(static_cast<std::size_t>(number - 1));
-    return map;
-}
-
-Bitmap UnitLibrary::TrackMap(GroupKind kind, int group) const {
-    Bitmap map;
-    const auto found = GroupsOf(kind).find(group);
-    if (found == GroupsOf(kind).end())
-        return map;
-    for (const auto& [number, title] : found->second.tracks)
-        map.set(static_cast<std::size_t>(number - 1));
-    return map;
-}
-
-}  // namespace mainunit
+}  // namespace library

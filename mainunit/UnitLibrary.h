@@ -1,19 +1,17 @@
 // UnitLibrary: what the main unit holds. Which discs, albums and tracks exist, and their titles.
 #pragma once
 
-#include <bitset>
 #include <map>
 #include <optional>
 #include <string>
 
-#include "UnitFrames.h"
-
-namespace mainunit {
+namespace library {
 
 enum class GroupKind { Disc = 0, Album = 1 };
 
 inline constexpr int kLastGroup = 999;
 inline constexpr int kLastTrack = 99;
+inline constexpr std::size_t kLongestTitle = 32;
 
 // A disc or an album with track 0, or one of its tracks.
 struct Entry {
@@ -30,8 +28,8 @@ std::string NameOf(const Entry& entry);
 // True if the numbers are in their ranges.
 bool IsEntry(const Entry& entry);
 
-// Bit 0 is item 1.
-using Bitmap = std::bitset<kBitmapBytes * 8>;
+// True for printable ASCII, blank included: the only bytes that a title of the main unit is made of.
+bool IsPrintable(char byte);
 
 // To exist and to have a title are two things: a disc that was never named exists without one. A plain value with no lock:
 // it belongs to the thread of its main unit.
@@ -60,10 +58,6 @@ public:
 
     const Groups& GroupsOf(GroupKind kind) const { return kind == GroupKind::Disc ? discs_ : albums_; }
 
-    Bitmap GroupMap(GroupKind kind) const;
-    // Empty as well for a group that does not exist.
-    Bitmap TrackMap(GroupKind kind, int group) const;
-
     bool operator==(const UnitLibrary&) const = default;
 
 private:
@@ -74,4 +68,4 @@ private:
     Groups albums_;
 };
 
-}  // namespace mainunit
+}  // namespace library

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "UnitFrames.h"
+
 namespace mainunit {
 
 namespace {

@@ -10,6 +10,11 @@
 
 namespace mainunit {
 
+using library::Entry;
+using library::GroupKind;
+using library::IsPrintable;
+using library::UnitLibrary;
+
 inline constexpr std::uint8_t kParameterStatus = 0x00;
 inline constexpr std::uint8_t kParameterMenu = 0x60;
 inline constexpr std::uint8_t kCommandBd = 0xBD;

@@ -10,8 +10,8 @@
 #include "TitleFile.h"
 #include "UnitTitles.h"
 
-using UnitKind = mainunit::GroupKind;
-using mainunit::UnitLibrary;
+using UnitKind = library::GroupKind;
+using library::UnitLibrary;
 
 namespace {
 
@@ -125,7 +125,7 @@ bool LoadBackup(const std::string& path, UnitLibrary& library, std::string& why)
     if (!LoadText(path, text, why)) {
         return false;
     }
-    if (!mainunit::ParseLibrary(text, library, why)) {
+    if (!library::ParseLibrary(text, library, why)) {
         why.insert(0, path + " is no backup: ");
         return false;
     }
@@ -192,7 +192,7 @@ int Backup(UnitSession& session, const Command& command) {
     }
     const UnitLibrary held = CollectTitles(session.Store());
     UnitLibrary saved;
-    if (!SaveText(command.file, mainunit::FormatLibrary(held), why) || !LoadBackup(command.file, saved, why)) {
+    if (!SaveText(command.file, library::FormatLibrary(held), why) || !LoadBackup(command.file, saved, why)) {
         return Fail(kExitFile, why);
     }
     if (!(saved == held)) {

@@ -5,9 +5,9 @@
 
 #include "Ending.h"
 
-using mainunit::Entry;
-using UnitKind = mainunit::GroupKind;
-using mainunit::UnitLibrary;
+using library::Entry;
+using UnitKind = library::GroupKind;
+using library::UnitLibrary;
 
 std::string GroupName(GroupId group) {
     return (IsAlbum(group) ? 'A' : 'D') + std::to_string(IsAlbum(group) ? AlbumNumber(group) : group);

@@ -34,7 +34,7 @@ std::string HeldText(const TitleStore& store, GroupId group, TrackNo track);
 int WriteTitles(UnitSession& session, const std::vector<TitleChange>& changes);
 
 // What the store holds, and what it knows to be without a title.
-mainunit::UnitLibrary CollectTitles(const TitleStore& store);
+library::UnitLibrary CollectTitles(const TitleStore& store);
 
 // The titles of a library in the order of the store.
-std::vector<TitleChange> TitlesOf(const mainunit::UnitLibrary& library);
+std::vector<TitleChange> TitlesOf(const library::UnitLibrary& library);

@@ -12,7 +12,7 @@
 #include "LibraryFile.h"
 
 namespace fs = std::filesystem;
-using mainunit::GroupKind;
+using library::GroupKind;
 
 UnitProcess::UnitProcess(const std::vector<std::string>& arguments, const std::string& outputs)
     : Process(MAINUNIT_PROGRAM, arguments, outputs) {
@@ -79,7 +79,7 @@ EndToEndTest::EndToEndTest() {
     for (int i = 1; i <= 8; ++i) {
         LinkPort("COM" + std::to_string(i), "/dev/pts/none");
     }
-    mainunit::UnitLibrary library;
+    library::UnitLibrary library;
     library.SetTitle({GroupKind::Disc, 1, 0}, "Harbour in March");
     library.SetTitle({GroupKind::Disc, 1, 1}, "Low Water");
     library.SetTitle({GroupKind::Disc, 1, 2}, "High Water");
@@ -91,7 +91,7 @@ EndToEndTest::EndToEndTest() {
     library.SetTitle({GroupKind::Album, 7, 1}, "Low Water");
     library.SetTitle({GroupKind::Album, 999, 0}, "The Last of Them All, 32 Letters");
     std::string error;
-    EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+    EXPECT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
 }
 
 void EndToEndTest::LinkPort(const std::string& port, const std::string& device) const {
@@ -103,12 +103,12 @@ void EndToEndTest::LinkPort(const std::string& port, const std::string& device) 
 }
 
 void EndToEndTest::AddDiscs(int first, int last) const {
-    mainunit::UnitLibrary library = Saved();
+    library::UnitLibrary library = Saved();
     for (int disc = first; disc <= last; ++disc) {
         library.SetTitle({GroupKind::Disc, disc, 0}, "Disc " + std::to_string(disc));
     }
     std::string error;
-    EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+    EXPECT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
 }
 
 UnitProcess EndToEndTest::StartUnit(const std::vector<std::string>& options, const std::string& port) {
@@ -117,10 +117,10 @@ UnitProcess EndToEndTest::StartUnit(const std::vector<std::string>& options, con
     return UnitProcess(arguments, NextOutputs("mainunit"));
 }
 
-mainunit::UnitLibrary EndToEndTest::Saved() const {
-    mainunit::UnitLibrary library;
+library::UnitLibrary EndToEndTest::Saved() const {
+    library::UnitLibrary library;
     std::string error;
-    EXPECT_TRUE(mainunit::LoadLibrary(libraryFile_, library, error)) << error;
+    EXPECT_TRUE(library::LoadLibrary(libraryFile_, library, error)) << error;
     return library;
 }
 

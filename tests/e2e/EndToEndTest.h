@@ -58,7 +58,7 @@ protected:
     UnitProcess StartUnit(const std::vector<std::string>& options = {}, const std::string& port = "COM1");
 
     // What the unit has saved.
-    mainunit::UnitLibrary Saved() const;
+    library::UnitLibrary Saved() const;
 
     std::string NextOutputs(const std::string& program);
 

@@ -155,7 +155,7 @@ TEST_F(MainUnitProgramTest, SavesEachTitleThatIsWritten) {
         EXPECT_EQ(client.Ask(BlockFrame("0500120300000000")),
                   BlockReply(SubType::TitleRead, kAccepted, "High Water                      "));
     }
-    EXPECT_EQ(*Saved().Title({GroupKind::Disc, 12, 3}), "High Water");
+    EXPECT_EQ(*Saved().Title({library::GroupKind::Disc, 12, 3}), "High Water");
     EXPECT_EQ(program.End(SIGTERM), 0);
     const std::string log = ReadFile(folder_ / "dialogue.log");
     for (const char* line :

@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using mainunit::GroupKind;
-using mainunit::UnitLibrary;
+using library::GroupKind;
+using library::UnitLibrary;
 
 class TitlectlFilesTest : public TitlectlTest {
 protected:
@@ -37,7 +37,7 @@ TEST_F(TitlectlFilesTest, ExportsAGroupToANewFile) {
     UnitLibrary library = Saved();
     library.SetTitle({GroupKind::Disc, 1, 2}, "High \"Water\", 2");
     std::string error;
-    ASSERT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+    ASSERT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
     const UnitProcess unit = StartUnit();
     const std::string file = folder_ / "g\xC3\xA5 out.csv";
     EXPECT_EQ(Run({"--port", "COM1", "export", "D1", file}), kDone) << errors_;
@@ -106,13 +106,13 @@ TEST_F(TitlectlFilesTest, BacksUpEverything) {
     library.SetTitle({GroupKind::Disc, 2, 99}, "");
     library.SetTitle({GroupKind::Disc, 999, 0}, "Back\\slash \"and\" more");
     std::string error;
-    ASSERT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+    ASSERT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
     const UnitProcess unit = StartUnit();
     const std::string file = folder_ / "backup.json";
     EXPECT_EQ(Run({"--port", "COM1", "backup", file}), kDone) << errors_;
     EXPECT_EQ(output_, "10 titles of 4 Discs and 2 Albums in " + file + "\n");
     UnitLibrary saved;
-    EXPECT_TRUE(mainunit::LoadLibrary(file, saved, error)) << error;
+    EXPECT_TRUE(library::LoadLibrary(file, saved, error)) << error;
     EXPECT_TRUE(saved == library) << ReadFile(file);
 
     const int asked = unit.CountRequests("ModelQuery");
@@ -154,7 +154,7 @@ TEST_F(TitlectlFilesTest, RestoresWhatDiffers) {
     changed.SetTitle({GroupKind::Album, 999, 0}, "Restored");
     const std::string file = folder_ / "changed.json";
     std::string error;
-    ASSERT_TRUE(mainunit::SaveLibrary(file, changed, error)) << error;
+    ASSERT_TRUE(library::SaveLibrary(file, changed, error)) << error;
 
     EXPECT_EQ(Run({"--port", "COM1", "restore", "--dry-run", file}), kDone) << errors_;
     const std::string differences =

@@ -12,11 +12,12 @@
 
 #include "Faults.h"
 #include "TitlectlTest.h"
+#include "UnitFrames.h"
 
 namespace {
 
-using mainunit::Entry;
-using mainunit::GroupKind;
+using library::Entry;
+using library::GroupKind;
 
 // Refusals in a wanted order: the options for a unit whose n-th reply with a title or a map is refused where the n-th
 // character is an x. What comes behind them is left to chance.
@@ -77,7 +78,7 @@ TEST_F(TitlectlTest, SetsWhatCanBeSet) {
         {"A999", "0", "Renamed", {GroupKind::Album, 999, 0}, "Renamed"},
         {"D2", "1", "", {GroupKind::Disc, 2, 1}, ""},
     };
-    mainunit::UnitLibrary expected = Saved();
+    library::UnitLibrary expected = Saved();
     for (const Case& one : cases) {
         EXPECT_EQ(Run({"--port", "COM1", "set", one.group, one.track, one.text}), kDone) << errors_;
         expected.SetTitle(one.entry, one.saved);
@@ -89,7 +90,7 @@ TEST_F(TitlectlTest, SetsWhatCanBeSet) {
 
 TEST_F(TitlectlTest, RefusesWhatCannotBeSet) {
     const UnitProcess unit = StartUnit();
-    const mainunit::UnitLibrary before = Saved();
+    const library::UnitLibrary before = Saved();
     // The first three without a word on the line, the others since the unit has no such title.
     const std::vector<std::vector<std::string>> wrong = {
         {"set", "A7", "1", "Album track"},

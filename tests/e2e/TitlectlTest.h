@@ -39,8 +39,8 @@ protected:
         return code;
     }
 
-    std::string SavedTitle(const mainunit::Entry& entry) const {
-        const mainunit::UnitLibrary library = Saved();
+    std::string SavedTitle(const library::Entry& entry) const {
+        const library::UnitLibrary library = Saved();
         const std::string* title = library.Title(entry);
         return title != nullptr ? *title : "(none)";
     }

@@ -12,7 +12,7 @@
 
 namespace {
 
-using mainunit::GroupKind;
+using library::GroupKind;
 
 class UnitSessionTest : public EndToEndTest {
 protected:
@@ -22,7 +22,7 @@ protected:
     }
 
     // Whether every title of the store is the unit's own; how many there are goes to `count`.
-    testing::AssertionResult HoldsOnlyTitlesOf(const mainunit::UnitLibrary& library, const TitleStore& store, int& count) {
+    testing::AssertionResult HoldsOnlyTitlesOf(const library::UnitLibrary& library, const TitleStore& store, int& count) {
         count = 0;
         for (GroupId group = 1; group <= kGroups; ++group) {
             for (TrackNo track = 0; track <= kTracks; ++track) {
@@ -58,7 +58,7 @@ TEST_F(UnitSessionTest, ReadsEditsSendsAndReadsBack) {
     EXPECT_TRUE(HoldsOnlyTitlesOf(Saved(), store, count));
     EXPECT_EQ(count, 8);
 
-    mainunit::UnitLibrary expected = Saved();
+    library::UnitLibrary expected = Saved();
     expected.SetTitle({GroupKind::Disc, 1, 0}, "Harbour in April");
     expected.SetTitle({GroupKind::Disc, 1, 2}, "Spring Tide");
     store.EditTitle(1, 0, "Harbour in April");
@@ -159,7 +159,7 @@ TEST_F(UnitSessionTest, GetsThroughFaultsThatLeaveTheRepliesWhole) {
     store.EditTitle(1, 2, "Flow");
     session.Limit(1, -1);
     ASSERT_TRUE(getsThrough([&] { return session.SendGroup(1); }));
-    const mainunit::UnitLibrary saved = Saved();
+    const library::UnitLibrary saved = Saved();
     EXPECT_EQ(*saved.Title({GroupKind::Disc, 1, 1}), "Ebb");
     EXPECT_EQ(*saved.Title({GroupKind::Disc, 1, 2}), "Flow");
     EXPECT_EQ(*saved.Title({GroupKind::Disc, 1, 0}), "Harbour in March");

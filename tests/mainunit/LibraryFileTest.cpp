@@ -8,7 +8,7 @@
 #include "LibraryText.h"
 #include "TemporaryFolder.h"
 
-namespace mainunit {
+namespace library {
 namespace {
 
 namespace fs = std::filesystem;
@@ -138,7 +138,7 @@ TEST(SampleLibrary, HoldsEveryCaseThatAClientMeets) {
     std::size_t mostTracks = 0;
     for (const auto& [number, disc] : library.GroupsOf(GroupKind::Disc)) {
         isUnnamed = isUnnamed || !disc.title;
-        isFull = isFull || (disc.title && disc.title->size() == kTitleBytes);
+        isFull = isFull || (disc.title && disc.title->size() == kLongestTitle);
         isEmpty = isEmpty || (disc.title && disc.title->empty());
         mostTracks = std::max(mostTracks, disc.tracks.size());
     }
@@ -147,4 +147,4 @@ TEST(SampleLibrary, HoldsEveryCaseThatAClientMeets) {
 }
 
 }  // namespace
-}  // namespace mainunit
+}  // namespace library

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "UnitFrames.h"
+
 namespace mainunit {
 namespace {
 

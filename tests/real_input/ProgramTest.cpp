@@ -13,7 +13,7 @@ class FrontTest : public ProgramTest {
 protected:
     void SetUp() override {
         std::string error;
-        EXPECT_TRUE(mainunit::SaveLibrary(libraryFile_, {}, error)) << error;
+        EXPECT_TRUE(library::SaveLibrary(libraryFile_, {}, error)) << error;
         StartTheUnit();
         Start();
     }

@@ -14,7 +14,7 @@
 
 namespace {
 
-using mainunit::GroupKind;
+using library::GroupKind;
 
 // A window 600 pixels wide, title bar left out: the menu bar, the buttons, the first rows of the lists.
 constexpr int kGroupsX = 80;
@@ -87,7 +87,7 @@ protected:
         return WaitUntil([&] { return TitleOf(kind, group, track) == text; });
     }
     std::string TitleOf(GroupKind kind, int group, int track) {
-        const mainunit::UnitLibrary library = Saved();
+        const library::UnitLibrary library = Saved();
         const std::string* title = library.Title({kind, group, track});
         return title == nullptr ? "(none)" : *title;
     }
@@ -216,12 +216,12 @@ TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
 }
 
 TEST_F(SessionTest, TypingGoesOnDuringAFetch) {
-    mainunit::UnitLibrary library = Saved();
+    library::UnitLibrary library = Saved();
     for (int track = 3; track <= 60; ++track) {
         library.SetTitle({GroupKind::Disc, 1, track}, "Track " + std::to_string(track));
     }
     std::string error;
-    ASSERT_TRUE(mainunit::SaveLibrary(libraryFile_, library, error)) << error;
+    ASSERT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
     StartTheUnit();
     Start();
     // The titles of the groups are there, and the tracks of the first are on their way.

@@ -8,8 +8,8 @@
 #include "MessageWindow.h"
 #include "PumpUntil.h"
 
-using mainunit::Entry;
-using mainunit::UnitLibrary;
+using library::Entry;
+using library::UnitLibrary;
 
 namespace {
 
@@ -28,7 +28,7 @@ GroupKind KindOf(GroupId group) {
 
 Entry EntryOf(GroupId group, TrackNo track) {
     const bool album = KindOf(group) == kKindAlbum;
-    return {album ? mainunit::GroupKind::Album : mainunit::GroupKind::Disc, album ? AlbumNumber(group) : group, track};
+    return {album ? library::GroupKind::Album : library::GroupKind::Disc, album ? AlbumNumber(group) : group, track};
 }
 
 // A few Discs and Albums, some without a title, some without tracks. No two titles are alike, so a title under a wrong
@@ -42,7 +42,7 @@ UnitLibrary MakeLibrary(Simulation& simulation) {
         for (TrackNo track = 0; track <= tracks; ++track) {
             library.Add(EntryOf(id, track));
             if (!simulation.Chance(0.1)) {
-                library.SetTitle(EntryOf(id, track), mainunit::NameOf(EntryOf(id, track)) + " of the unit");
+                library.SetTitle(EntryOf(id, track), library::NameOf(EntryOf(id, track)) + " of the unit");
             }
         }
     }
@@ -295,7 +295,7 @@ void LinkWorld::EditSomething() {
         return;
     }
     char text[kTitleSize];
-    std::snprintf(text, sizeof text, "%s edit %d", mainunit::NameOf(EntryOf(group, track)).c_str(), ++editNumber);
+    std::snprintf(text, sizeof text, "%s edit %d", library::NameOf(EntryOf(group, track)).c_str(), ++editNumber);
     if (store.EditTitle(group, track, text)) {
         edits[{group, track}] = {text, Now()};
     }
@@ -390,7 +390,7 @@ void LinkWorld::CheckSentRange() {
         const bool inRange = last.group == 0 || last.operation == OP_SEND_ALL || last.group == group;
         if (inRange && edit.timeUs < last.beginUs && store.IsEdited(group, track) &&
             peer.SentAt(EntryOf(group, track), edit.text) < last.beginUs) {
-            simulation.Fail("a send reports success and has left out " + mainunit::NameOf(EntryOf(group, track)));
+            simulation.Fail("a send reports success and has left out " + library::NameOf(EntryOf(group, track)));
         }
     }
 }
@@ -421,7 +421,7 @@ void LinkWorld::CheckStoredTitles(GroupId lastDisc, GroupId lastAlbum, TrackNo l
             }
             misfiled.insert(text);
             if (options.repliesInTime) {
-                simulation.Fail("a title is stored under a wrong number: " + mainunit::NameOf(EntryOf(group, track)) + ": " +
+                simulation.Fail("a title is stored under a wrong number: " + library::NameOf(EntryOf(group, track)) + ": " +
                                 text);
             }
         }
@@ -438,7 +438,7 @@ void LinkWorld::CheckEqualToUnit() {
             const std::string* title = peer.Library().Title(EntryOf(group, track));
             const bool there = store.GetTitle(group, track, text) != 0;
             if (there != (title != nullptr) || (there && *title != text)) {
-                simulation.Fail("the store does not hold what the unit holds: " + mainunit::NameOf(EntryOf(group, track)));
+                simulation.Fail("the store does not hold what the unit holds: " + library::NameOf(EntryOf(group, track)));
                 return;
             }
         }

@@ -55,7 +55,7 @@ WorldOutcome RunWorld(const WorldOptions& options);
 // The unit and its line, and the checks of what the link puts on it.
 class UnitPeer : public SerialPeer {
 public:
-    UnitPeer(Simulation& simulation, const WorldOptions& options, mainunit::UnitLibrary library);
+    UnitPeer(Simulation& simulation, const WorldOptions& options, library::UnitLibrary library);
 
     void OnBytes(std::string_view bytes, std::uint64_t firstByteUs, std::uint64_t lastByteUs) override;
     void Attach(SerialLine& newLine);
@@ -65,13 +65,13 @@ public:
     // The queue of the link was emptied by a stop, a start or the end of an operation: the next request may come at once.
     void Released() { released = true; }
 
-    const mainunit::UnitLibrary& Library() const { return unit.library(); }
+    const library::UnitLibrary& Library() const { return unit.library(); }
     // The latest frames of both directions in words, and the notes of the world.
     std::string Dialogue() const;
     void Note(std::string line);
-    bool EverHeld(const mainunit::Entry& entry, const std::string& text) const;
+    bool EverHeld(const library::Entry& entry, const std::string& text) const;
     // The virtual time at which a text last went out in a TitleData for the entry, 0 for never.
-    std::uint64_t SentAt(const mainunit::Entry& entry, const std::string& text) const;
+    std::uint64_t SentAt(const library::Entry& entry, const std::string& text) const;
 
 private:
     using Key = std::pair<std::string, std::string>;  // name of the entry, text
@@ -94,7 +94,7 @@ private:
     std::uint64_t lastRequestTime = 0;
     bool released = true;
     std::uint64_t lastArrival = 0;  // of bytes that were sent to the program
-    mainunit::Entry writing;
+    library::Entry writing;
     std::set<std::string> accepted;  // entries whose latest TitleWrite the unit has accepted, by name
     std::set<Key> held;
     std::map<Key, std::uint64_t> sent;

@@ -3,6 +3,7 @@
 
 #include "Dialogue.h"
 #include "LinkWorld.h"
+#include "UnitFrames.h"
 #include "UnitRequest.h"
 
 using mainunit::UnitRequest;
@@ -24,7 +25,7 @@ mainunit::UnitSettings SettingsOf(const WorldOptions& options) {
 
 }  // namespace
 
-UnitPeer::UnitPeer(Simulation& newSimulation, const WorldOptions& newOptions, mainunit::UnitLibrary library)
+UnitPeer::UnitPeer(Simulation& newSimulation, const WorldOptions& newOptions, library::UnitLibrary library)
     : simulation(newSimulation),
       options(newOptions),
       unit(std::move(library), SettingsOf(newOptions)),
@@ -85,7 +86,7 @@ void UnitPeer::NoteAcceptance(const std::string& received, const std::vector<mai
     const std::string acceptance = mainunit::BlockReply(mainunit::SubType::TitleWrite, mainunit::kAccepted);
     if (mainunit::ReadRequest(received, request, problem) && request.kind == UnitRequest::Kind::TitleWrite &&
         std::any_of(replies.begin(), replies.end(), [&](const auto& reply) { return reply.bytes == acceptance; })) {
-        accepted.insert(mainunit::NameOf(request.entry));
+        accepted.insert(library::NameOf(request.entry));
     }
 }
 
@@ -104,8 +105,8 @@ void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
     lastWrite = timeUs;
     if (request.kind == UnitRequest::Kind::TitleData) {
         const std::string text = request.text.substr(0, request.text.find_last_not_of(' ') + 1);
-        sent[{mainunit::NameOf(writing), text}] = timeUs;
-        if (options.repliesInTime && accepted.erase(mainunit::NameOf(writing)) == 0) {
+        sent[{library::NameOf(writing), text}] = timeUs;
+        if (options.repliesInTime && accepted.erase(library::NameOf(writing)) == 0) {
             simulation.Fail("a title goes out for a write that the unit has not accepted");
         }
         return;
@@ -132,14 +133,14 @@ void UnitPeer::CheckOrder(const std::string& bytes, std::uint64_t timeUs) {
 }
 
 void UnitPeer::Remember() {
-    for (const mainunit::GroupKind kind : {mainunit::GroupKind::Disc, mainunit::GroupKind::Album}) {
+    for (const library::GroupKind kind : {library::GroupKind::Disc, library::GroupKind::Album}) {
         for (const auto& [number, group] : unit.library().GroupsOf(kind)) {
             if (group.title) {
-                held.insert({mainunit::NameOf({kind, number, 0}), *group.title});
+                held.insert({library::NameOf({kind, number, 0}), *group.title});
             }
             for (const auto& [track, title] : group.tracks) {
                 if (title) {
-                    held.insert({mainunit::NameOf({kind, number, track}), *title});
+                    held.insert({library::NameOf({kind, number, track}), *title});
                 }
             }
         }
@@ -162,11 +163,11 @@ std::string UnitPeer::Dialogue() const {
     return text;
 }
 
-bool UnitPeer::EverHeld(const mainunit::Entry& entry, const std::string& text) const {
-    return held.contains({mainunit::NameOf(entry), text});
+bool UnitPeer::EverHeld(const library::Entry& entry, const std::string& text) const {
+    return held.contains({library::NameOf(entry), text});
 }
 
-std::uint64_t UnitPeer::SentAt(const mainunit::Entry& entry, const std::string& text) const {
-    const auto found = sent.find({mainunit::NameOf(entry), text});
+std::uint64_t UnitPeer::SentAt(const library::Entry& entry, const std::string& text) const {
+    const auto found = sent.find({library::NameOf(entry), text});
     return found != sent.end() ? found->second : 0;
 }

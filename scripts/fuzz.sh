@@ -3,7 +3,7 @@
 #
 #   scripts/fuzz.sh SECONDS [TARGET...]
 #
-# What was found before (fuzz/regressions/TARGET) is replayed first. A new finding fails the run and is put there: keep it in
+# What was found before (tests/fuzz/regressions/TARGET) is replayed first. A new finding fails the run and is put there: keep it in
 # the repository together with its fix. Inputs that reach new code collect in build/fuzz/corpus/TARGET from run to run.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
@@ -45,7 +45,7 @@ fuzz() {
     local target=$1 program found log
     program=$folder/bin/fuzz_$target
     [ -x "$program" ] || { say "There is no fuzz target $target"; return 2; }
-    found=$root/fuzz/regressions/$target
+    found=$root/tests/fuzz/regressions/$target
     log=$folder/$target.log
     mkdir -p "$folder/corpus/$target" "$found"
 
@@ -55,9 +55,9 @@ fuzz() {
         return 1
     fi
     if ! "$program" -max_total_time="$seconds" -max_len="$(longest "$target")" -use_value_profile="$(value_profile "$target")" -timeout=20 \
-        -artifact_prefix="$found/" "$folder/corpus/$target" "$root/fuzz/corpus/$target" >"$log" 2>&1; then
+        -artifact_prefix="$found/" "$folder/corpus/$target" "$root/tests/fuzz/corpus/$target" >"$log" 2>&1; then
         grep -n -m 1 -A 25 -E 'does not hold|ERROR: |runtime error' "$log" >&2 || tail -n 40 "$log" >&2
-        say "$target: a finding, kept in fuzz/regressions/$target; the whole report is $log"
+        say "$target: a finding, kept in tests/fuzz/regressions/$target; the whole report is $log"
         return 1
     fi
     { grep -E ' cov: ' "$log" | tail -n 1 | sed "s/^.*cov:/$target: cov:/"; tail -n 1 "$log" | sed "s/^/$target: /"; } >&2

@@ -34,7 +34,7 @@ picture() {
 unset LC_ALL LC_CTYPE LC_MESSAGES
 # The dialog of the ranges is as high as the language's font makes it.
 while read -r folder locale height; do
-    LANG=$locale "$root/tools/tour/session.sh" "$bin" "$work/$folder" >"$work/log" </dev/null || { cat "$work/log" >&2; exit 1; }
+    LANG=$locale "$root/tests/tour/session.sh" "$bin" "$work/$folder" >"$work/log" </dev/null || { cat "$work/log" >&2; exit 1; }
     picture "$folder" titles main
     picture "$folder" editor editor 596x235+0+0
     picture "$folder" edited edited 596x235+0+0

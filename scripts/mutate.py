@@ -29,7 +29,7 @@ PROGRAMS = {
     "files": [["files_tests"]],
 }
 # On real threads and a pseudo terminal: the simulation has a line and threads of its own.
-REAL_LINE = ["e2e_tests", "--gtest_filter=SerialPort*:WorkerThread*"]
+REAL_LINE = ["link_thread_tests"]
 MORE_PROGRAMS = {"link/SerialPort.cpp": [REAL_LINE], "link/WorkerThread.cpp": [REAL_LINE]}
 # The chooser belongs to the desktop; the window tests look at it.
 LEFT_OUT = {"files/TitleFileDialog.cpp"}

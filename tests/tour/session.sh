@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # A whole session of the program with a simulated main unit on COM1, all by itself on a screen of its own, a picture of each stage:
 #
-#   tools/tour/session.sh BIN FOLDER      BIN holds the programs; the language is taken from LANG
+#   tests/tour/session.sh BIN FOLDER      BIN holds the programs; the language is taken from LANG
 #
 # The pictures go to FOLDER, and what the unit holds before and after to before.json and after.json there; titles.csv is imported
 # from it and saved.csv exported to it. Settings, ports and titles of the user's stay untouched.

@@ -78,8 +78,7 @@ void Points(const char* name, bool withRival, double switchChance, const std::fu
     double seconds = 0;
     const bool done = simulation.Run(
         [&] {
-            HANDLE rival = CreateThread(
-                nullptr, 0, [](LPVOID) -> DWORD { return 0; }, nullptr, 0, nullptr);
+            HANDLE rival = CreateThread(nullptr, 0, [](LPVOID) -> DWORD { return 0; }, nullptr, 0, nullptr);
             if (!withRival) {
                 WaitForSingleObject(rival, INFINITE);
             }

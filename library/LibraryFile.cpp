@@ -27,10 +27,12 @@ std::string LastError() {
 bool WriteAll(int file, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
+        if (written < 0 && errno == EINTR) {
             continue;
-        if (written <= 0)
+        }
+        if (written <= 0) {
             return false;
+        }
         text.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
@@ -39,8 +41,9 @@ bool WriteAll(int file, std::string_view text) {
 // The rename itself is on the disk only once the folder is.
 bool SyncFolder(const std::string& folder) {
     const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (file < 0)
+    if (file < 0) {
         return false;
+    }
     // Some file systems cannot do that for a folder, and then the rename is all that there is.
     const bool synced = fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
     close(file);
@@ -50,8 +53,9 @@ bool SyncFolder(const std::string& folder) {
 // The file that the name stands for, so that a link is followed and not replaced.
 std::string ResolveLink(const std::string& path) {
     char* const real = realpath(path.c_str(), nullptr);
-    if (!real)
+    if (!real) {
         return path;
+    }
     std::string resolved(real);
     free(real);
     return resolved;
@@ -59,7 +63,7 @@ std::string ResolveLink(const std::string& path) {
 
 // An existing library keeps its permissions; a new one is readable for all.
 mode_t ModeFor(const std::string& path) {
-    struct stat info {};
+    struct stat info{};
     return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777 : 0644;
 }
 
@@ -84,8 +88,9 @@ bool LoadLibrary(const std::string& path, UnitLibrary& library, std::string& err
         error = path + ": cannot be read";
         return false;
     }
-    if (ParseLibrary(text, library, error))
+    if (ParseLibrary(text, library, error)) {
         return true;
+    }
     error = path + ": " + error;
     return false;
 }
@@ -101,8 +106,9 @@ bool SaveLibrary(const std::string& path, const UnitLibrary& library, std::strin
         return false;
     }
     bool saved = WriteAll(file, FormatLibrary(library)) && fchmod(file, ModeFor(target)) == 0 && fsync(file) == 0;
-    if (!saved)
+    if (!saved) {
         error = path + ": " + LastError();
+    }
     if (close(file) != 0 && saved) {
         error = path + ": " + LastError();
         saved = false;

@@ -22,8 +22,9 @@ public:
             open_.pop_back();
         } else if (event == Json::parse_event_t::key) {
             const auto& name = value.get_ref<const std::string&>();
-            if (!open_.back().insert(name).second && first_.empty())
+            if (!open_.back().insert(name).second && first_.empty()) {
                 first_ = name;
+            }
         }
         return true;
     }
@@ -52,13 +53,16 @@ public:
     explicit LibraryReader(UnitLibrary& library) : library_(library) {}
 
     bool Read(const Json& root) {
-        if (!root.is_object())
+        if (!root.is_object()) {
             return Fail("library", "is no object");
+        }
         for (const auto& [name, value] : root.items()) {
-            if (name != "discs" && name != "albums")
+            if (name != "discs" && name != "albums") {
                 return Fail("library", "has the unknown name \"" + name + "\"");
-            if (!ReadGroups(name == "discs" ? GroupKind::Disc : GroupKind::Album, name, value))
+            }
+            if (!ReadGroups(name == "discs" ? GroupKind::Disc : GroupKind::Album, name, value)) {
                 return false;
+            }
         }
         return true;
     }
@@ -72,51 +76,63 @@ private:
     }
 
     bool ReadGroups(GroupKind kind, const std::string& where, const Json& groups) {
-        if (!groups.is_object())
+        if (!groups.is_object()) {
             return Fail(where, "is no object");
+        }
         for (const auto& [name, value] : groups.items()) {
             const std::optional<int> number = ReadNumber(name, kLastGroup);
-            if (!number)
+            if (!number) {
                 return Fail(where, "has \"" + name + "\" where a number from 1 to 999 is due");
-            if (!ReadGroup({kind, *number, 0}, value))
+            }
+            if (!ReadGroup({kind, *number, 0}, value)) {
                 return false;
+            }
         }
         return true;
     }
 
     bool ReadGroup(const Entry& group, const Json& value) {
-        if (!value.is_object())
+        if (!value.is_object()) {
             return Fail(NameOf(group), "is no object");
+        }
         library_.Add(group);
         for (const auto& [name, part] : value.items()) {
-            if (name != "title" && name != "tracks")
+            if (name != "title" && name != "tracks") {
                 return Fail(NameOf(group), "has the unknown name \"" + name + "\"");
-            if (name == "title" ? !ReadTitle(group, part) : !ReadTracks(group, part))
+            }
+            if (name == "title" ? !ReadTitle(group, part) : !ReadTracks(group, part)) {
                 return false;
+            }
         }
         return true;
     }
 
     bool ReadTracks(const Entry& group, const Json& tracks) {
-        if (!tracks.is_object())
+        if (!tracks.is_object()) {
             return Fail(NameOf(group) + " tracks", "is no object");
+        }
         for (const auto& [name, value] : tracks.items()) {
             const std::optional<int> number = ReadNumber(name, kLastTrack);
-            if (!number)
+            if (!number) {
                 return Fail(NameOf(group) + " tracks", "has \"" + name + "\" where a number from 1 to 99 is due");
-            if (!ReadTitle({group.kind, group.group, *number}, value))
+            }
+            if (!ReadTitle({group.kind, group.group, *number}, value)) {
                 return false;
+            }
         }
         return true;
     }
 
     bool ReadTitle(const Entry& entry, const Json& value) {
-        if (value.is_null())
+        if (value.is_null()) {
             return library_.Add(entry);
-        if (!value.is_string())
+        }
+        if (!value.is_string()) {
             return Fail(NameOf(entry), "has a title that is neither text nor null");
-        if (!library_.SetTitle(entry, value.get_ref<const std::string&>()))
+        }
+        if (!library_.SetTitle(entry, value.get_ref<const std::string&>())) {
             return Fail(NameOf(entry), "has a title that is longer than 32 characters or not printable ASCII");
+        }
         return true;
     }
 
@@ -132,8 +148,9 @@ Json GroupsValue(const UnitLibrary::Groups& groups) {
     Json list = Json::object();
     for (const auto& [number, group] : groups) {
         Json tracks = Json::object();
-        for (const auto& [track, title] : group.tracks)
+        for (const auto& [track, title] : group.tracks) {
             tracks[std::to_string(track)] = TitleValue(title);
+        }
         Json value = Json::object();
         value["title"] = TitleValue(group.title);
         value["tracks"] = std::move(tracks);

@@ -14,7 +14,7 @@ constexpr int kMostBytes = 1000;
 
 struct RateName {
     std::string_view name;
-    double FaultRates::*rate;
+    double FaultRates::* rate;
 };
 constexpr RateName kRates[] = {
     {"lost", &FaultRates::lost},       {"corrupted", &FaultRates::corrupted}, {"split", &FaultRates::split},
@@ -25,7 +25,7 @@ constexpr RateName kRates[] = {
 
 struct LimitName {
     std::string_view name;
-    int FaultRates::*limit;
+    int FaultRates::* limit;
     int most;
 };
 constexpr LimitName kLimits[] = {
@@ -47,8 +47,9 @@ bool ReadWhole(std::string_view text, Number& number) {
 bool SetOne(std::string_view name, std::string_view value, FaultRates& rates, std::string& error) {
     for (const RateName& known : kRates) {
         double rate = 0;
-        if (known.name != name)
+        if (known.name != name) {
             continue;
+        }
         if (!ReadWhole(value, rate) || !(rate >= 0 && rate <= 1)) {
             error = std::string(name) + " takes a rate from 0 to 1";
             return false;
@@ -58,8 +59,9 @@ bool SetOne(std::string_view name, std::string_view value, FaultRates& rates, st
     }
     for (const LimitName& known : kLimits) {
         int limit = 0;
-        if (known.name != name)
+        if (known.name != name) {
             continue;
+        }
         if (!ReadWhole(value, limit) || limit < 0 || limit > known.most) {
             error = std::string(name) + " takes a number from 0 to " + std::to_string(known.most);
             return false;
@@ -87,8 +89,9 @@ bool ParseFaultRates(std::string_view text, FaultRates& rates, std::string& erro
             error = "\"" + std::string(part) + "\" is not of the form name=value";
             return false;
         }
-        if (!SetOne(part.substr(0, equals), part.substr(equals + 1), read, error))
+        if (!SetOne(part.substr(0, equals), part.substr(equals + 1), read, error)) {
             return false;
+        }
         text = comma == std::string_view::npos ? std::string_view() : text.substr(comma + 1);
     }
     if (read.lateMinMs > read.lateMaxMs) {
@@ -101,8 +104,9 @@ bool ParseFaultRates(std::string_view text, FaultRates& rates, std::string& erro
 
 Faults::Faults(std::uint64_t seed, const FaultRates& rates) : rates_(rates) {
     UnitRandom seeds(seed);
-    for (std::size_t kind = 0; kind < kKinds; ++kind)
+    for (std::size_t kind = 0; kind < kKinds; ++kind) {
         randoms_.emplace_back(seeds.Next());
+    }
 }
 
 void Faults::SetRates(const FaultRates& rates) {
@@ -112,8 +116,9 @@ void Faults::SetRates(const FaultRates& rates) {
 
 std::vector<Chunk> Faults::Apply(const std::vector<Reply>& replies) {
     std::vector<Chunk> chunks;
-    for (const Reply& reply : replies)
+    for (const Reply& reply : replies) {
         Deliver(reply, chunks);
+    }
     std::stable_sort(chunks.begin(), chunks.end(), [](const Chunk& a, const Chunk& b) { return a.delayMs < b.delayMs; });
     return chunks;
 }
@@ -130,31 +135,36 @@ bool Faults::Swallowed() {
         ++counts_[static_cast<std::size_t>(Kind::Silence)];
         return true;
     }
-    if (!Strikes(Kind::Silence, rates_.silence))
+    if (!Strikes(Kind::Silence, rates_.silence)) {
         return false;
+    }
     silenceLeft_ = Of(Kind::Silence).Between(1, rates_.silenceReplies) - 1;
     return true;
 }
 
 void Faults::Deliver(const Reply& reply, std::vector<Chunk>& chunks) {
-    if (Swallowed() || Strikes(Kind::Lost, rates_.lost))
+    if (Swallowed() || Strikes(Kind::Lost, rates_.lost)) {
         return;
+    }
     Chunk whole{reply.bytes, reply.delayMs};
     if (IsBlock(whole.bytes) && Strikes(Kind::Refused, rates_.refused)) {
         const auto result = static_cast<std::uint8_t>(Of(Kind::Refused).Between(kNoSuchEntry, kNoTitle));
         whole.bytes = BlockFrame(whole.bytes.substr(5, 2) + Hex(result, 2));
     }
-    if (Strikes(Kind::Corrupted, rates_.corrupted))
+    if (Strikes(Kind::Corrupted, rates_.corrupted)) {
         Corrupt(whole.bytes);
-    if (Strikes(Kind::Late, rates_.late))
+    }
+    if (Strikes(Kind::Late, rates_.late)) {
         whole.delayMs += Of(Kind::Late).Between(rates_.lateMinMs, rates_.lateMaxMs);
+    }
     if (Strikes(Kind::Foreign, rates_.foreign)) {
         chunks.push_back({ShortReply(kCommandReply, 0), whole.delayMs});
         whole.delayMs += Of(Kind::Foreign).Between(0, rates_.foreignLeadMs);
     }
     const Chunk copy = whole;
-    if (Strikes(Kind::Stray, rates_.stray))
+    if (Strikes(Kind::Stray, rates_.stray)) {
         AddStray(whole.bytes);
+    }
     if (Strikes(Kind::Junk, rates_.junk)) {
         const bool before = Of(Kind::Junk).Chance(0.5);
         whole.bytes = before ? Junk() + whole.bytes : whole.bytes + Junk();
@@ -212,8 +222,9 @@ void Faults::AddStray(std::string& bytes) {
 std::string Faults::Junk() {
     UnitRandom& random = Of(Kind::Junk);
     std::string junk(static_cast<std::size_t>(random.Between(1, rates_.junkBytes)), ' ');
-    for (char& byte : junk)
+    for (char& byte : junk) {
         byte = static_cast<char>(random.Between(0, 255));
+    }
     return junk;
 }
 

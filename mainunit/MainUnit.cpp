@@ -12,10 +12,12 @@ namespace {
 
 // The command that brings the unit out of a state, if it needs one.
 std::optional<std::uint8_t> CommandFor(std::uint8_t status) {
-    if (status == 0xFD)
+    if (status == 0xFD) {
         return kCommandBd;
-    if (status >= 0x04 && status <= 0x08)
+    }
+    if (status >= 0x04 && status <= 0x08) {
         return kCommandBe;
+    }
     return std::nullopt;
 }
 
@@ -59,8 +61,9 @@ std::vector<Reply> MainUnit::Receive(std::string_view bytes) {
         } else if (const std::optional<std::string> answer = Answer(request, problem)) {
             replies.push_back({*answer, settings_.latencyMs});
         }
-        if (log_)
+        if (log_) {
             log_(piece, problem);
+        }
     }
     return replies;
 }
@@ -75,8 +78,9 @@ std::optional<std::string> MainUnit::Answer(const UnitRequest& request, std::str
     }
     // Only the very next frame can carry the title; a client that asks for something else has given the write up.
     const std::optional<Entry> abandoned = std::exchange(awaited_, std::nullopt);
-    if (abandoned && !(request.kind == UnitRequest::Kind::TitleWrite && request.entry == *abandoned))
+    if (abandoned && !(request.kind == UnitRequest::Kind::TitleWrite && request.entry == *abandoned)) {
         problem = "the accepted TitleWrite of " + NameOf(*abandoned) + " got no TitleData";
+    }
     switch (request.kind) {
         case UnitRequest::Kind::ModelQuery: return ModelReply(settings_.model);
         case UnitRequest::Kind::StatusQuery: return AnswerStatus(request);
@@ -94,32 +98,38 @@ std::uint8_t MainUnit::CurrentStatus() const {
 }
 
 void MainUnit::NextStatus() {
-    if (statusIndex_ + 1 < settings_.status.size())
+    if (statusIndex_ + 1 < settings_.status.size()) {
         ++statusIndex_;
+    }
 }
 
 std::string MainUnit::AnswerStatus(const UnitRequest& request) {
-    if (request.code == kParameterMenu)
+    if (request.code == kParameterMenu) {
         return ShortReply(kStatusReply, settings_.menu);
+    }
     const std::uint8_t status = CurrentStatus();
     told_ = status;
-    if (!CommandFor(status))
+    if (!CommandFor(status)) {
         NextStatus();
+    }
     return ShortReply(kStatusReply, status);
 }
 
 std::string MainUnit::AnswerCommand(const UnitRequest& request) {
-    if (CommandFor(CurrentStatus()) == request.code)
+    if (CommandFor(CurrentStatus()) == request.code) {
         NextStatus();
+    }
     return ShortReply(kCommandReply, 0);
 }
 
 std::string MainUnit::AnswerMap(const UnitRequest& request) const {
-    if (request.probe)
+    if (request.probe) {
         return BlockReply(SubType::Map, settings_.probeAccepted ? kAccepted : kNoSuchEntry);
+    }
     const bool tracks = request.map == MapKind::Tracks;
-    if (settings_.refuseMaps || (tracks && !library_.Exists(request.entry)))
+    if (settings_.refuseMaps || (tracks && !library_.Exists(request.entry))) {
         return BlockReply(SubType::Map, kNoSuchEntry);
+    }
     if (tracks) {
         const UnitLibrary::Groups& groups = library_.GroupsOf(request.entry.kind);
         return BlockReply(SubType::Map, kAccepted, BitmapDigits(groups.at(request.entry.group).tracks));
@@ -130,8 +140,9 @@ std::string MainUnit::AnswerMap(const UnitRequest& request) const {
 
 std::string MainUnit::AnswerRead(const UnitRequest& request) const {
     const std::string* title = library_.Title(request.entry);
-    if (!title)
+    if (!title) {
         return BlockReply(SubType::TitleRead, library_.Exists(request.entry) ? kNoTitle : kNoSuchEntry);
+    }
     std::string field = *title;
     field.resize(kTitleBytes, ' ');
     return BlockReply(SubType::TitleRead, kAccepted, field);
@@ -140,8 +151,9 @@ std::string MainUnit::AnswerRead(const UnitRequest& request) const {
 std::string MainUnit::AnswerWrite(const UnitRequest& request) {
     // The tracks of an album belong to discs and are named there.
     const bool albumTrack = request.entry.kind == GroupKind::Album && request.entry.track > 0;
-    if (albumTrack || !library_.Exists(request.entry) || (settings_.writeNeedsReady && told_ != kReady))
+    if (albumTrack || !library_.Exists(request.entry) || (settings_.writeNeedsReady && told_ != kReady)) {
         return BlockReply(SubType::TitleWrite, kNoSuchEntry);
+    }
     awaited_ = request.entry;
     return BlockReply(SubType::TitleWrite, kAccepted);
 }
@@ -149,12 +161,14 @@ std::string MainUnit::AnswerWrite(const UnitRequest& request) {
 // The unit's display knows ASCII alone; it keeps a blank for any other byte.
 bool MainUnit::TakeTitle(const std::string& text) {
     const std::optional<Entry> entry = std::exchange(awaited_, std::nullopt);
-    if (!entry)
+    if (!entry) {
         return false;
+    }
     std::string title = text;
     for (char& byte : title) {
-        if (!IsPrintable(byte))
+        if (!IsPrintable(byte)) {
             byte = ' ';
+        }
     }
     library_.SetTitle(*entry, title);
     changed_ = true;

@@ -22,10 +22,12 @@ std::int64_t PacedLine::ArrivalNs(std::size_t count, std::int64_t nowNs) {
 }
 
 bool PacedLine::Add(std::string bytes, std::int64_t dueNs) {
-    if (bytes.empty())
+    if (bytes.empty()) {
         return true;
-    if (queuedBytes_ + bytes.size() > kMostQueued)
+    }
+    if (queuedBytes_ + bytes.size() > kMostQueued) {
         return false;
+    }
     queuedBytes_ += bytes.size();
     // A chunk that is already on the line cannot be overtaken.
     const auto first = queue_.begin() + (!queue_.empty() && queue_.front().sent > 0 ? 1 : 0);
@@ -40,8 +42,9 @@ PacedLine::Taken PacedLine::Take(std::int64_t nowNs) {
     while (!queue_.empty()) {
         Waiting& front = queue_.front();
         const std::int64_t endNs = std::max(outFreeNs_, front.dueNs) + byteNs_;
-        if (endNs > nowNs)
+        if (endNs > nowNs) {
             break;
+        }
         outFreeNs_ = endNs;
         taken.bytes += front.bytes[front.sent++];
         --queuedBytes_;
@@ -54,8 +57,9 @@ PacedLine::Taken PacedLine::Take(std::int64_t nowNs) {
 }
 
 std::optional<std::int64_t> PacedLine::NextNs() const {
-    if (queue_.empty())
+    if (queue_.empty()) {
         return std::nullopt;
+    }
     const Waiting& front = queue_.front();
     const std::size_t bunch = std::min(kBunchBytes, front.bytes.size() - front.sent);
     return std::max(outFreeNs_, front.dueNs) + static_cast<std::int64_t>(bunch) * byteNs_;

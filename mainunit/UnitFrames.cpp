@@ -19,8 +19,9 @@ std::optional<int> ReadDigits(std::string_view field, int base) {
     int value = 0;
     for (const char byte : field) {
         const std::size_t digit = kDigits.substr(0, static_cast<std::size_t>(base)).find(byte);
-        if (digit == std::string_view::npos)
+        if (digit == std::string_view::npos) {
             return std::nullopt;
+        }
         value = value * base + static_cast<int>(digit);
     }
     return value;
@@ -46,8 +47,9 @@ std::optional<int> ReadDec(std::string_view field) {
 
 std::uint8_t SumOf(std::string_view bytes) {
     unsigned sum = 0;
-    for (const char byte : bytes)
+    for (const char byte : bytes) {
         sum += static_cast<unsigned char>(byte);
+    }
     return static_cast<std::uint8_t>(sum & 0xFF);
 }
 

@@ -19,8 +19,9 @@ public:
 
     // `low` to `high`, both included; `low` when the range is empty.
     int Between(int low, int high) {
-        if (high <= low)
+        if (high <= low) {
             return low;
+        }
         const auto span = static_cast<std::uint64_t>(std::int64_t{high} - low) + 1;
         return static_cast<int>(low + static_cast<std::int64_t>(Next() % span));
     }

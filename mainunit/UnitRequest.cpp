@@ -26,8 +26,9 @@ bool Refuse(std::string& problem, const char* why) {
 }
 
 bool ReadModelQuery(std::string_view frame, UnitRequest& request, std::string& problem) {
-    if (frame.size() != kModelQueryBytes || frame.substr(1, 3) != "000")
+    if (frame.size() != kModelQueryBytes || frame.substr(1, 3) != "000") {
         return Refuse(problem, "a frame from DC1 that is no ModelQuery");
+    }
     request.kind = UnitRequest::Kind::ModelQuery;
     return true;
 }
@@ -36,31 +37,37 @@ bool ReadModelQuery(std::string_view frame, UnitRequest& request, std::string& p
 bool ReadStatusQuery(std::string_view digits, UnitRequest& request, std::string& problem) {
     const int high = digits[0] - 0x30;
     const int low = digits[1] - 0x30;
-    if (high < 0 || high > 15 || low < 0 || low > 15)
+    if (high < 0 || high > 15 || low < 0 || low > 15) {
         return Refuse(problem, "StatusQuery: parameter digit out of range");
+    }
     request.kind = UnitRequest::Kind::StatusQuery;
     request.code = static_cast<std::uint8_t>(high * 16 + low);
-    if (request.code != kParameterStatus && request.code != kParameterMenu)
+    if (request.code != kParameterStatus && request.code != kParameterMenu) {
         return Refuse(problem, "StatusQuery: parameter not known");
+    }
     return true;
 }
 
 bool ReadUnitCommand(std::string_view digits, UnitRequest& request, std::string& problem) {
     const std::optional<int> command = ReadHex(digits);
-    if (!command || (*command != kCommandBd && *command != kCommandBe))
+    if (!command || (*command != kCommandBd && *command != kCommandBe)) {
         return Refuse(problem, "UnitCommand: command not known");
+    }
     request.kind = UnitRequest::Kind::UnitCommand;
     request.code = static_cast<std::uint8_t>(*command);
     return true;
 }
 
 bool ReadShort(std::string_view frame, UnitRequest& request, std::string& problem) {
-    if (frame.size() != kShortBytes)
+    if (frame.size() != kShortBytes) {
         return Refuse(problem, "short frame of a wrong length");
-    if (frame.substr(1, 3) == "520")
+    }
+    if (frame.substr(1, 3) == "520") {
         return ReadStatusQuery(frame.substr(4, 2), request, problem);
-    if (frame.substr(1, 3) == "07C")
+    }
+    if (frame.substr(1, 3) == "07C") {
         return ReadUnitCommand(frame.substr(4, 2), request, problem);
+    }
     return Refuse(problem, "short frame of no known kind");
 }
 
@@ -70,21 +77,24 @@ bool ReadGroupCode(std::string_view code, UnitRequest& request, std::string& pro
         return true;
     }
     const std::optional<int> number = ReadDec(code.substr(1));
-    if ((code[0] != '0' && code[0] != '2') || !number || *number == 0)
+    if ((code[0] != '0' && code[0] != '2') || !number || *number == 0) {
         return Refuse(problem, "MapQuery: group code out of range");
+    }
     request.entry = {code[0] == '0' ? GroupKind::Disc : GroupKind::Album, *number, 0};
     return true;
 }
 
 bool ReadMapQuery(std::string_view payload, UnitRequest& request, std::string& problem) {
     const std::optional<int> map = ReadHex(payload.substr(2, 2));
-    if (!map || *map > static_cast<int>(MapKind::Tracks))
+    if (!map || *map > static_cast<int>(MapKind::Tracks)) {
         return Refuse(problem, "MapQuery: kind out of range");
+    }
     request.kind = UnitRequest::Kind::MapQuery;
     request.map = static_cast<MapKind>(*map);
     const std::string_view code = payload.substr(4, 4);
-    if (request.map == MapKind::Tracks)
+    if (request.map == MapKind::Tracks) {
         return ReadGroupCode(code, request, problem);
+    }
     return code == "0000" || Refuse(problem, "MapQuery: group code without tracks");
 }
 
@@ -92,35 +102,43 @@ bool ReadTitleRequest(std::string_view payload, UnitRequest& request, std::strin
     const char kind = payload[2];
     const std::optional<int> group = ReadDec(payload.substr(3, 3));
     const std::optional<int> track = ReadDec(payload.substr(6, 2));
-    if ((kind != '0' && kind != '2') || !group || *group == 0 || !track)
+    if ((kind != '0' && kind != '2') || !group || *group == 0 || !track) {
         return Refuse(problem, "title frame: group or track out of range");
+    }
     request.kind = payload[1] == '5' ? UnitRequest::Kind::TitleRead : UnitRequest::Kind::TitleWrite;
     request.entry = {kind == '0' ? GroupKind::Disc : GroupKind::Album, *group, *track};
     return true;
 }
 
 bool ReadBlock(std::string_view frame, UnitRequest& request, std::string& problem) {
-    if (frame.size() < kBlockOverhead || frame.substr(1, 2) != "50")
+    if (frame.size() < kBlockOverhead || frame.substr(1, 2) != "50") {
         return Refuse(problem, "block frame with a wrong head");
+    }
     const std::optional<int> length = ReadHex(frame.substr(3, 2));
-    if (!length || frame.size() != static_cast<std::size_t>(*length) + kBlockOverhead)
+    if (!length || frame.size() != static_cast<std::size_t>(*length) + kBlockOverhead) {
         return Refuse(problem, "block frame of a wrong length");
+    }
     const std::string_view payload = frame.substr(5, static_cast<std::size_t>(*length));
-    if (ReadHex(frame.substr(frame.size() - 3, 2)) != SumOf(frame.substr(1, frame.size() - 4)))
+    if (ReadHex(frame.substr(frame.size() - 3, 2)) != SumOf(frame.substr(1, frame.size() - 4))) {
         return Refuse(problem, "block frame with a wrong check sum");
+    }
     if (payload.size() == kTitleBytes) {
         request.kind = UnitRequest::Kind::TitleData;
         request.text = payload;
         return true;
     }
-    if (payload.size() != kRequestPayload)
+    if (payload.size() != kRequestPayload) {
         return Refuse(problem, "block frame of no known length");
-    if (payload.substr(8) != kPadding)
+    }
+    if (payload.substr(8) != kPadding) {
         return Refuse(problem, "block frame without its eight zeros");
-    if (payload.starts_with("03"))
+    }
+    if (payload.starts_with("03")) {
         return ReadMapQuery(payload, request, problem);
-    if (payload.starts_with("05") || payload.starts_with("06"))
+    }
+    if (payload.starts_with("05") || payload.starts_with("06")) {
         return ReadTitleRequest(payload, request, problem);
+    }
     return Refuse(problem, "block frame of no known kind");
 }
 
@@ -128,12 +146,15 @@ bool ReadBlock(std::string_view frame, UnitRequest& request, std::string& proble
 
 bool ReadRequest(std::string_view piece, UnitRequest& request, std::string& problem) {
     request = {};
-    if (piece.empty() || kRequestStarts.find(piece.front()) == std::string_view::npos)
+    if (piece.empty() || kRequestStarts.find(piece.front()) == std::string_view::npos) {
         return Refuse(problem, "bytes outside a frame");
-    if (piece.back() != kEtx)
+    }
+    if (piece.back() != kEtx) {
         return Refuse(problem, "frame without its end");
-    if (piece.find('\0') != std::string_view::npos)
+    }
+    if (piece.find('\0') != std::string_view::npos) {
         return Refuse(problem, "frame with a zero byte");
+    }
     switch (piece.front()) {
         case kDc1: return ReadModelQuery(piece, request, problem);
         case kStx: return ReadShort(piece, request, problem);
@@ -152,8 +173,9 @@ PieceCutter PieceCutter::ForReplies() {
 std::vector<std::string> PieceCutter::Feed(std::string_view bytes) {
     std::vector<std::string> pieces;
     const auto flush = [&] {
-        if (!held_.empty())
+        if (!held_.empty()) {
             pieces.push_back(std::exchange(held_, {}));
+        }
         inFrame_ = false;
     };
     for (const char byte : bytes) {
@@ -162,12 +184,14 @@ std::vector<std::string> PieceCutter::Feed(std::string_view bytes) {
             inFrame_ = true;
         }
         held_ += byte;
-        if ((inFrame_ && byte == kEtx) || held_.size() > longest_)
+        if ((inFrame_ && byte == kEtx) || held_.size() > longest_) {
             flush();
+        }
     }
     // What belongs to no frame has nothing to wait for.
-    if (!inFrame_)
+    if (!inFrame_) {
         flush();
+    }
     return pieces;
 }
 

@@ -11,7 +11,7 @@ constexpr int kCaptionSize = 100;
 struct Field {
     int id;
     WPARAM digits;
-    std::int32_t DisplayRanges::*number;
+    std::int32_t DisplayRanges::* number;
 };
 
 constexpr Field kFields[] = {

@@ -54,7 +54,7 @@ private:
 
 struct RangeValue {
     const char* name;
-    std::int32_t DisplayRanges::*number;
+    std::int32_t DisplayRanges::* number;
 };
 
 constexpr RangeValue kRangeValues[] = {
@@ -65,7 +65,7 @@ constexpr RangeValue kRangeValues[] = {
 
 struct FontNumber {
     const char* name;
-    LONG LOGFONTA::*number;
+    LONG LOGFONTA::* number;
 };
 
 constexpr FontNumber kFontNumbers[] = {
@@ -75,7 +75,7 @@ constexpr FontNumber kFontNumbers[] = {
 
 struct FontByte {
     const char* name;
-    BYTE LOGFONTA::*number;
+    BYTE LOGFONTA::* number;
 };
 
 constexpr FontByte kFontBytes[] = {

@@ -27,12 +27,14 @@ LineSpy::LineSpy(UnitPort& client, UnitPort& unit, std::FILE* log)
 
 bool LineSpy::Run(const volatile std::sig_atomic_t& stop, const sigset_t& waitMask) {
     bool alive = true;
-    while (alive && !stop)
+    while (alive && !stop) {
         alive = Wait(waitMask) && (!hasRequest_ || Carry(requests_)) && (!hasReply_ || Carry(replies_));
+    }
     // Half a frame may be what the fault report is about.
     for (const Direction* direction : {&requests_, &replies_}) {
-        if (!direction->cutter.heldBytes().empty())
+        if (!direction->cutter.heldBytes().empty()) {
             Note(*direction, direction->cutter.heldBytes());
+        }
     }
     return alive;
 }
@@ -42,13 +44,15 @@ bool LineSpy::Wait(const sigset_t& waitMask) {
     pollfd files[] = {{client.file(), POLLIN, 0}, {client.departures(), POLLIN, 0}, {requests_.to.file(), POLLIN, 0}};
     hasRequest_ = hasReply_ = false;
     if (ppoll(files, std::size(files), nullptr, &waitMask) < 0) {
-        if (errno == EINTR)
+        if (errno == EINTR) {
             return true;
+        }
         std::perror("mainunit: ppoll");
         return false;
     }
-    if (files[1].revents != 0)
+    if (files[1].revents != 0) {
         client.ClientLeft();
+    }
     hasRequest_ = files[0].revents != 0;
     hasReply_ = files[2].revents != 0;
     return true;
@@ -63,10 +67,12 @@ bool LineSpy::Carry(Direction& direction) {
         return false;
     }
     const std::size_t passed = direction.to.Write(bytes);
-    for (const std::string& piece : direction.cutter.Feed(bytes))
+    for (const std::string& piece : direction.cutter.Feed(bytes)) {
         Note(direction, piece);
-    if (passed < bytes.size())
+    }
+    if (passed < bytes.size()) {
         std::fprintf(log_, "%zu bytes are lost: nobody reads them\n", bytes.size() - passed);
+    }
     std::fflush(log_);
     return true;
 }
@@ -75,8 +81,9 @@ void LineSpy::Note(const Direction& direction, const std::string& piece) {
     const std::int64_t now = ClockMs() - startMs_;
     UnitRequest request;
     std::string problem;
-    if (direction.isRequest)
+    if (direction.isRequest) {
         ReadRequest(piece, request, problem);
+    }
     const std::string line =
         direction.isRequest ? Dialogue::RequestLine(now, piece, problem) : Dialogue::ReplyLine(now, piece);
     std::fprintf(log_, "%s\n", line.c_str());

@@ -17,8 +17,9 @@ template <class Number>
 bool ReadNumber(std::string_view text, Number& number, Number most, int base = 10) {
     Number read = 0;
     const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), read, base);
-    if (problem != std::errc() || end != text.data() + text.size() || read < 0 || read > most)
+    if (problem != std::errc() || end != text.data() + text.size() || read < 0 || read > most) {
         return false;
+    }
     number = read;
     return true;
 }
@@ -48,8 +49,9 @@ bool SetStatus(Options& options, std::string_view value, std::string& error) {
         const std::size_t comma = value.find(',');
         const std::string_view part = value.substr(0, comma);
         unsigned status = 0;
-        if (part.size() != 2 || !ReadNumber(part, status, 0xFFU, 16))
+        if (part.size() != 2 || !ReadNumber(part, status, 0xFFU, 16)) {
             return false;
+        }
         options.unit.status.push_back(static_cast<std::uint8_t>(status));
         more = comma != std::string_view::npos;
         value.remove_prefix(more ? comma + 1 : value.size());
@@ -124,14 +126,15 @@ bool GoesWithSpy(const std::string& name) {
 
 bool CheckTogether(const Options& options, const std::vector<std::string>& given, std::string& error) {
     const auto odd = std::find_if_not(given.begin(), given.end(), GoesWithSpy);
-    if (!options.spy.empty() && odd != given.end())
+    if (!options.spy.empty() && odd != given.end()) {
         error = *odd + " does not go with --spy, which passes on what a real unit says";
-    else if (!options.device.empty() && !options.link.empty())
+    } else if (!options.device.empty() && !options.link.empty()) {
         error = "--link needs the pseudo terminal; a client of --device opens the other end of the cable";
-    else if (!options.ports.empty() && options.link.empty())
+    } else if (!options.ports.empty() && options.link.empty()) {
         error = "--ports needs --link";
-    else
+    } else {
         return true;
+    }
     return false;
 }
 

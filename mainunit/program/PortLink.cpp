@@ -24,8 +24,9 @@ bool Fail(std::string& error, const fs::path& path, const std::error_code& probl
 
 std::string DefaultPortsFolder() {
     const std::string configuration = Environment("XDG_CONFIG_HOME");
-    if (configuration.starts_with('/'))
+    if (configuration.starts_with('/')) {
         return configuration + "/tesselia/ports";
+    }
     const std::string home = Environment("HOME");
     return home.empty() ? "" : home + "/.config/tesselia/ports";
 }
@@ -33,19 +34,22 @@ std::string DefaultPortsFolder() {
 PortLink::~PortLink() {
     // Another unit may have taken the name over in the meantime; its link stays.
     std::error_code problem;
-    if (!path_.empty() && fs::read_symlink(path_, problem) == target_)
+    if (!path_.empty() && fs::read_symlink(path_, problem) == target_) {
         fs::remove(path_, problem);
+    }
 }
 
 bool PortLink::Create(const std::string& folder, const std::string& name, const std::string& target, std::string& error) {
     std::error_code problem;
     fs::create_directories(folder, problem);
-    if (problem)
+    if (problem) {
         return Fail(error, folder, problem);
+    }
     std::string file = name;
     for (char& letter : file) {
-        if (letter >= 'A' && letter <= 'Z')
+        if (letter >= 'A' && letter <= 'Z') {
             letter = static_cast<char>(letter - 'A' + 'a');
+        }
     }
     const fs::path path = fs::path(folder) / file;
     const fs::file_status there = fs::symlink_status(path, problem);
@@ -57,8 +61,9 @@ bool PortLink::Create(const std::string& folder, const std::string& name, const 
         return false;
     }
     fs::create_symlink(target, path, problem);
-    if (problem)
+    if (problem) {
         return Fail(error, path, problem);
+    }
     path_ = path.string();
     target_ = target;
     return true;

@@ -49,8 +49,9 @@ std::int64_t UnitServer::NowNs() const {
 }
 
 void UnitServer::Note(const std::string& line) {
-    if (!log_)
+    if (!log_) {
         return;
+    }
     std::fprintf(log_, "%s\n", line.c_str());
     std::fflush(log_);
 }
@@ -61,8 +62,9 @@ bool UnitServer::Run(const volatile std::sig_atomic_t& stop, const sigset_t& wai
         alive = Wait(waitMask) && (!incoming_ || TakeIn());
         SendOut();
     }
-    if (unsaved_)
+    if (unsaved_) {
         Save();
+    }
     return alive && !unsaved_;
 }
 
@@ -78,13 +80,15 @@ bool UnitServer::Wait(const sigset_t& waitMask) {
     }
     incoming_ = false;
     if (ppoll(files, std::size(files), nextNs ? &time : nullptr, &waitMask) < 0) {
-        if (errno == EINTR)
+        if (errno == EINTR) {
             return true;
+        }
         std::perror("mainunit: ppoll");
         return false;
     }
-    if (files[1].revents != 0)
+    if (files[1].revents != 0) {
         port_.ClientLeft();
+    }
     incoming_ = files[0].revents != 0;
     return true;
 }
@@ -98,31 +102,37 @@ bool UnitServer::TakeIn() {
     }
     const std::int64_t arrivedNs = line_.ArrivalNs(bytes.size(), NowNs());
     for (const Chunk& chunk : faults_.Apply(unit_.Receive(bytes))) {
-        if (!line_.Add(chunk.bytes, arrivedNs + chunk.delayMs * kMillisecondNs))
+        if (!line_.Add(chunk.bytes, arrivedNs + chunk.delayMs * kMillisecondNs)) {
             Note("a reply is dropped: too many wait for the line");
+        }
     }
-    if (unit_.TakeChanged() && !libraryPath_.empty())
+    if (unit_.TakeChanged() && !libraryPath_.empty()) {
         Save();
+    }
     return true;
 }
 
 void UnitServer::SendOut() {
     const PacedLine::Taken taken = line_.Take(NowNs());
-    if (taken.bytes.empty())
+    if (taken.bytes.empty()) {
         return;
+    }
     const std::size_t written = port_.Write(taken.bytes);
-    for (const std::string& chunk : taken.finished)
+    for (const std::string& chunk : taken.finished) {
         Note(Dialogue::ReplyLine(NowMs(), chunk));
-    if (written < taken.bytes.size())
+    }
+    if (written < taken.bytes.size()) {
         Note(std::to_string(taken.bytes.size() - written) + " bytes are lost: nobody reads them");
+    }
 }
 
 // A change that cannot be saved is tried again with the next one and at the end.
 void UnitServer::Save() {
     std::string error;
     unsaved_ = !SaveLibrary(libraryPath_, unit_.library(), error);
-    if (unsaved_)
+    if (unsaved_) {
         std::fprintf(stderr, "mainunit: the library is not saved: %s\n", error.c_str());
+    }
 }
 
 }  // namespace mainunit

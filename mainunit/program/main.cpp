@@ -39,8 +39,9 @@ std::string SamplePath() {
     std::error_code problem;
     const fs::path folder = fs::read_symlink("/proc/self/exe", problem).parent_path();
     const fs::path beside = folder / "sample-library.json";
-    if (fs::exists(beside, problem))
+    if (fs::exists(beside, problem)) {
         return beside.string();
+    }
     return (folder / "../share/tesselia/sample-library.json").lexically_normal().string();
 }
 
@@ -48,8 +49,9 @@ bool PrepareLibrary(const Options& options, UnitLibrary& library, std::string& e
     std::error_code problem;
     const bool missing = !options.library.empty() && !fs::exists(options.library, problem) && !problem;
     if (options.library.empty() || (missing && options.sample)) {
-        if (options.sample && !LoadLibrary(SamplePath(), library, error))
+        if (options.sample && !LoadLibrary(SamplePath(), library, error)) {
             return false;
+        }
         return !missing || SaveLibrary(options.library, library, error);
     }
     return LoadLibrary(options.library, library, error);
@@ -57,7 +59,7 @@ bool PrepareLibrary(const Options& options, UnitLibrary& library, std::string& e
 
 // Stop signals arrive only while the server waits, so none can slip in between its look at the flag and its wait.
 sigset_t PrepareSignals() {
-    struct sigaction action {};
+    struct sigaction action{};
     action.sa_handler = AskStop;
     sigset_t stops;
     sigset_t waitMask;
@@ -67,8 +69,9 @@ sigset_t PrepareSignals() {
         sigaction(number, &action, nullptr);
     }
     pthread_sigmask(SIG_BLOCK, &stops, &waitMask);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         sigdelset(&waitMask, number);
+    }
     // A reader of the log that goes away is no reason to leave the link behind.
     action.sa_handler = SIG_IGN;
     sigaction(SIGPIPE, &action, nullptr);
@@ -76,23 +79,27 @@ sigset_t PrepareSignals() {
 }
 
 std::FILE* OpenLog(const Options& options) {
-    if (options.quiet)
+    if (options.quiet) {
         return nullptr;
-    if (options.log.empty())
+    }
+    if (options.log.empty()) {
         return stderr;
+    }
     return options.log == "-" ? stdout : std::fopen(options.log.c_str(), "we");
 }
 
 bool CloseLog(std::FILE* log) {
     const bool isComplete = !log || (std::fflush(log) == 0 && !std::ferror(log));
-    if (!isComplete)
+    if (!isComplete) {
         Fail(kFailed, "the log is not complete");
+    }
     return isComplete;
 }
 
 bool MakeLink(const Options& options, const UnitPort& port, PortLink& link, std::string& error) {
-    if (options.link.empty())
+    if (options.link.empty()) {
         return true;
+    }
     const std::string folder = options.ports.empty() ? DefaultPortsFolder() : options.ports;
     if (folder.empty()) {
         error = "there is no configuration folder for the link; name one with --ports";
@@ -107,11 +114,13 @@ int Spy(const Options& options) {
     UnitPort unit;
     PortLink link;
     std::FILE* const log = OpenLog(options);
-    if (!log)
+    if (!log) {
         return Fail(kFailed, options.log + ": cannot be written");
+    }
     const sigset_t waitMask = PrepareSignals();
-    if (!unit.OpenDevice(options.spy, error) || !client.OpenTerminal(error) || !MakeLink(options, client, link, error))
+    if (!unit.OpenDevice(options.spy, error) || !client.OpenTerminal(error) || !MakeLink(options, client, link, error)) {
         return Fail(kFailed, error);
+    }
     std::printf("ready: %s\n", client.path().c_str());
     std::fflush(stdout);
     const bool passed = LineSpy(client, unit, log).Run(stopAsked, waitMask);
@@ -123,15 +132,18 @@ int Serve(const Options& options) {
     UnitLibrary library;
     UnitPort port;
     PortLink link;
-    if (!PrepareLibrary(options, library, error))
+    if (!PrepareLibrary(options, library, error)) {
         return Fail(kFailed, error);
+    }
     std::FILE* const log = OpenLog(options);
-    if (!log && !options.quiet)
+    if (!log && !options.quiet) {
         return Fail(kFailed, options.log + ": cannot be written");
+    }
     const sigset_t waitMask = PrepareSignals();
     if (!(options.device.empty() ? port.OpenTerminal(error) : port.OpenDevice(options.device, error)) ||
-        !MakeLink(options, port, link, error))
+        !MakeLink(options, port, link, error)) {
         return Fail(kFailed, error);
+    }
     UnitServer server(options, std::move(library), port, log);
     std::printf("ready: %s\n", port.path().c_str());
     std::fflush(stdout);
@@ -144,8 +156,9 @@ int Serve(const Options& options) {
 int main(int argc, char** argv) {
     Options options;
     std::string error;
-    if (!ParseOptions(std::vector<std::string>(argv + 1, argv + argc), options, error))
+    if (!ParseOptions(std::vector<std::string>(argv + 1, argv + argc), options, error)) {
         return Fail(kWrongUsage, error + "; see mainunit --help");
+    }
     if (options.help) {
         std::fputs(Usage(), stdout);
         return 0;

@@ -44,8 +44,9 @@ public:
     // UTF-16 up to a zero, which is taken as well.
     std::u16string Text() {
         std::u16string text;
-        while (const char16_t unit = U16())
+        while (const char16_t unit = U16()) {
             text += unit;
+        }
         return text;
     }
 
@@ -53,8 +54,9 @@ private:
     std::uint32_t Number(std::size_t size) {
         const Bytes bytes = Take(size);
         std::uint32_t number = 0;
-        for (std::size_t i = 0; i < bytes.size(); ++i)
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
             number |= std::to_integer<std::uint32_t>(bytes[i]) << (8 * i);
+        }
         return number;
     }
 

@@ -20,8 +20,9 @@ std::atomic<unsigned> gPage{0};  // 0 until it is looked up or chosen.
 
 // "ja", "ja_JP.UTF-8", "ja@..." and "japanese", but not another language that begins alike.
 bool IsJapanese(std::string_view locale) {
-    if (locale.starts_with("japanese"))
+    if (locale.starts_with("japanese")) {
         return true;
+    }
     return locale.starts_with("ja") &&
            (locale.size() == 2 || std::string_view("_.@").find(locale[2]) != std::string_view::npos);
 }
@@ -41,8 +42,9 @@ public:
 
     // Converts from the front of the input as far as it can, adds to the output, and takes what it has converted away.
     void Convert(std::string_view& input, std::string& output) {
-        if (converter_ == reinterpret_cast<iconv_t>(-1))
+        if (converter_ == reinterpret_cast<iconv_t>(-1)) {
             return;
+        }
         const std::lock_guard guard(lock_);
         iconv(converter_, nullptr, nullptr, nullptr, nullptr);
         bool more = true;
@@ -96,8 +98,9 @@ void ReplaceUndefined(unsigned page, std::string_view& bytes, std::string& text)
 unsigned CodePageOfLocale() {
     for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
         const char* value = std::getenv(name);
-        if (value && *value)
+        if (value && *value) {
             return IsJapanese(value) ? kJapanesePage : kWesternPage;
+        }
     }
     return kWesternPage;
 }
@@ -116,36 +119,42 @@ void SetCodePage(unsigned page) {
 }
 
 std::string ToUtf8(std::string_view bytes) {
-    if (IsAscii(bytes))
+    if (IsAscii(bytes)) {
         return std::string(bytes);
+    }
     const unsigned page = CodePage();
     std::string text;
     while (!bytes.empty()) {
         ToText(page).Convert(bytes, text);
-        if (!bytes.empty())
+        if (!bytes.empty()) {
             ReplaceUndefined(page, bytes, text);
+        }
     }
     return text;
 }
 
 std::optional<std::string> FromUtf8(std::string_view text) {
-    if (IsAscii(text))
+    if (IsAscii(text)) {
         return std::string(text);
+    }
     const unsigned page = CodePage();
     std::string bytes;
     std::string_view rest = text;
     while (!rest.empty()) {
         ToPage(page).Convert(rest, bytes);
-        if (rest.empty())
+        if (rest.empty()) {
             break;
+        }
         // The control characters that stand for the undefined bytes of page 1252 go back to them.
-        if (page != kWesternPage || rest.size() < 2 || rest[0] != '\xC2')
+        if (page != kWesternPage || rest.size() < 2 || rest[0] != '\xC2') {
             return std::nullopt;
+        }
         bytes += rest[1];
         rest.remove_prefix(2);
     }
-    if (ToUtf8(bytes) != text)
+    if (ToUtf8(bytes) != text) {
         return std::nullopt;
+    }
     return bytes;
 }
 

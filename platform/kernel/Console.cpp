@@ -25,8 +25,9 @@ void WriteDown(int signal) {
 
 void Deliver(int signalNumber) {
     const PHANDLER_ROUTINE handler = gHandler.load();
-    if (handler(signalNumber == SIGINT ? CTRL_C_EVENT : CTRL_BREAK_EVENT))
+    if (handler(signalNumber == SIGINT ? CTRL_C_EVENT : CTRL_BREAK_EVENT)) {
         return;
+    }
     // Ends as if nobody had asked for the signal, so that the parent process sees the reason.
     signal(signalNumber, SIG_DFL);
     kill(getpid(), signalNumber);
@@ -36,21 +37,24 @@ void* DeliverAll(void*) {
     for (;;) {
         unsigned char number;
         const ssize_t got = read(gPipe[0], &number, 1);
-        if (got == 1)
+        if (got == 1) {
             Deliver(number);
-        else if (got == 0 || errno != EINTR)
+        } else if (got == 0 || errno != EINTR) {
             return nullptr;
+        }
     }
 }
 
 bool StartDelivery() {
-    if (pipe2(gPipe, O_CLOEXEC) != 0)
+    if (pipe2(gPipe, O_CLOEXEC) != 0) {
         return false;
+    }
     // Only the end that the signal handler uses must not block.
     fcntl(gPipe[1], F_SETFL, O_NONBLOCK);
     pthread_t thread;
-    if (pthread_create(&thread, nullptr, DeliverAll, nullptr) != 0)
+    if (pthread_create(&thread, nullptr, DeliverAll, nullptr) != 0) {
         return false;
+    }
     pthread_detach(thread);
     struct sigaction action = {};
     action.sa_handler = WriteDown;
@@ -62,8 +66,9 @@ bool StartDelivery() {
 }  // namespace
 
 BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add) {
-    if (!handler || !add)
+    if (!handler || !add) {
         return kernel::Unsupported("removing a console handler");
+    }
     gHandler = handler;
     static const bool started = StartDelivery();
     return started ? TRUE : kernel::Fail(ERROR_NOT_ENOUGH_MEMORY);

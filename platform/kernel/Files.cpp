@@ -31,12 +31,14 @@ public:
         read = 0;
         while (read < count) {
             const ssize_t got = ::read(file_, static_cast<char*>(buffer) + read, count - read);
-            if (got == 0)
+            if (got == 0) {
                 break;
-            if (got > 0)
+            }
+            if (got > 0) {
                 read += static_cast<DWORD>(got);
-            else if (errno != EINTR)
+            } else if (errno != EINTR) {
                 return Fail(errno == EIO ? ERROR_READ_FAULT : ErrorFromErrno(errno));
+            }
         }
         return TRUE;
     }
@@ -45,10 +47,11 @@ public:
         written = 0;
         while (written < count) {
             const ssize_t put = ::write(file_, static_cast<const char*>(buffer) + written, count - written);
-            if (put >= 0)
+            if (put >= 0) {
                 written += static_cast<DWORD>(put);
-            else if (errno != EINTR)
+            } else if (errno != EINTR) {
                 return Fail(errno == EIO ? ERROR_WRITE_FAULT : ErrorFromErrno(errno));
+            }
         }
         return TRUE;
     }
@@ -68,13 +71,16 @@ private:
 
 // Windows tells a file that is not there from a folder on the way that is not there.
 DWORD PathError(const std::string& path, int error) {
-    if (error != ENOENT)
+    if (error != ENOENT) {
         return ErrorFromErrno(error);
+    }
     const std::size_t slash = path.find_last_of('/');
-    if (path.empty())
+    if (path.empty()) {
         return ERROR_PATH_NOT_FOUND;
-    if (slash == std::string::npos || slash == 0)
+    }
+    if (slash == std::string::npos || slash == 0) {
         return ERROR_FILE_NOT_FOUND;
+    }
     struct stat status;
     const bool folder = stat(path.substr(0, slash).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     return folder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
@@ -82,8 +88,9 @@ DWORD PathError(const std::string& path, int error) {
 
 int OpenFlags(DWORD access, DWORD disposition) {
     int flags = O_RDONLY;
-    if ((access & GENERIC_WRITE) != 0)
+    if ((access & GENERIC_WRITE) != 0) {
         flags = (access & GENERIC_READ) != 0 ? O_RDWR : O_WRONLY;
+    }
     switch (disposition) {
         case CREATE_NEW: flags |= O_CREAT | O_EXCL; break;
         case CREATE_ALWAYS: flags |= O_CREAT | O_TRUNC; break;
@@ -106,8 +113,9 @@ Ref<KernelObject> OpenFile(LPCSTR name, DWORD access, DWORD disposition) {
     }
     struct stat status;
     if (fstat(file, &status) == 0 && !S_ISDIR(status.st_mode) && !S_ISFIFO(status.st_mode)) {
-        if (auto* object = new (std::nothrow) File(file))
+        if (auto* object = new (std::nothrow) File(file)) {
             return Ref<KernelObject>(object);
+        }
     }
     close(file);
     Fail(ERROR_ACCESS_DENIED);
@@ -131,38 +139,44 @@ HANDLE CreateFileA(LPCSTR name, DWORD access, DWORD, LPSECURITY_ATTRIBUTES secur
     }
     Ref<KernelObject> object;
     if (const int port = PortNumber(name)) {
-        if (disposition != OPEN_EXISTING)
+        if (disposition != OPEN_EXISTING) {
             Fail(ERROR_INVALID_PARAMETER);  // As on Windows: a port cannot be created.
-        else
+        } else {
             object = Ref<KernelObject>(Port::Open(port).Detach());
+        }
     } else {
         object = OpenFile(name, access, disposition);
     }
-    if (!object)
+    if (!object) {
         return INVALID_HANDLE_VALUE;
+    }
     HANDLE handle = AddHandle(std::move(object));
     return handle ? handle : INVALID_HANDLE_VALUE;
 }
 
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD read, LPOVERLAPPED overlapped) {
-    if (overlapped)
+    if (overlapped) {
         return kernel::Unsupported("overlapped reading");
+    }
     DWORD bytes = 0;
     const auto stream = kernel::FindHandle<kernel::Stream>(file);
     const BOOL result = stream ? stream->Read(buffer, count, bytes) : FALSE;
-    if (read)
+    if (read) {
         *read = bytes;
+    }
     return result;
 }
 
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD written, LPOVERLAPPED overlapped) {
-    if (overlapped)
+    if (overlapped) {
         return kernel::Unsupported("overlapped writing");
+    }
     DWORD bytes = 0;
     const auto stream = kernel::FindHandle<kernel::Stream>(file);
     const BOOL result = stream ? stream->Write(buffer, count, bytes) : FALSE;
-    if (written)
+    if (written) {
         *written = bytes;
+    }
     return result;
 }
 
@@ -170,8 +184,9 @@ DWORD GetFileSize(HANDLE file, LPDWORD high) {
     using namespace kernel;
     const auto object = FindHandle<File>(file);
     const std::optional<std::uint64_t> size = object ? object->Size() : std::nullopt;
-    if (!size)
+    if (!size) {
         return INVALID_FILE_SIZE;
+    }
     if (high) {
         *high = static_cast<DWORD>(*size >> 32);
     } else if (*size >> 32 != 0) {
@@ -185,8 +200,9 @@ DWORD GetFileSize(HANDLE file, LPDWORD high) {
 
 BOOL DeleteFileA(LPCSTR name) {
     using namespace kernel;
-    if (!name)
+    if (!name) {
         return Fail(ERROR_INVALID_PARAMETER);
+    }
     const std::string path = LinuxPath(name);
     return unlink(path.c_str()) == 0 ? TRUE : Fail(PathError(path, errno));
 }
@@ -200,8 +216,9 @@ DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer) {
     }
     // A folder that the code page cannot name has this other name for as long as the process does not leave it.
     const std::string path = WindowsPath(folder.get()).value_or("\\proc\\self\\cwd");
-    if (!buffer || size <= path.size())
+    if (!buffer || size <= path.size()) {
         return static_cast<DWORD>(path.size() + 1);
+    }
     std::memcpy(buffer, path.c_str(), path.size() + 1);
     return static_cast<DWORD>(path.size());
 }

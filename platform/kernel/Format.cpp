@@ -37,8 +37,9 @@ Field ReadField(std::string_view& format) {
         field.fill = '0';
         c = take();
     }
-    for (; c >= '0' && c <= '9'; c = take())
+    for (; c >= '0' && c <= '9'; c = take()) {
         field.width = std::min(field.width * 10 + static_cast<std::size_t>(c - '0'), kBufferSize);
+    }
     field.type = c;
     return field;
 }
@@ -47,10 +48,12 @@ Field ReadField(std::string_view& format) {
 std::string Padded(std::string text, const Field& field) {
     const std::size_t missing = field.width > text.size() ? field.width - text.size() : 0;
     const bool number = field.type != 's' && field.type != 'c';
-    if (field.left)
+    if (field.left) {
         return text.append(missing, ' ');
-    if (number && field.fill == '0')
+    }
+    if (number && field.fill == '0') {
         return text.insert(text.starts_with('-') ? 1 : 0, missing, '0');
+    }
     return text.insert(0, missing, ' ');
 }
 

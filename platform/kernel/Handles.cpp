@@ -36,10 +36,12 @@ std::uint32_t gUsedSlots = 0;
 // The index of a slot to use, or kSlots.
 std::uint32_t TakeSlot() {
     const std::lock_guard guard(gFreeLock);
-    if (gUsedSlots < kSlots && gFreeCount < kFreeReserve)
+    if (gUsedSlots < kSlots && gFreeCount < kFreeReserve) {
         return gUsedSlots++;
-    if (gFreeCount == 0)
+    }
+    if (gFreeCount == 0) {
         return kSlots;
+    }
     const std::uint32_t index = gFirstFree;
     gFirstFree = gSlots[index].nextFree;
     --gFreeCount;
@@ -48,10 +50,11 @@ std::uint32_t TakeSlot() {
 
 void GiveSlotBack(std::uint32_t index) {
     const std::lock_guard guard(gFreeLock);
-    if (gFreeCount++ == 0)
+    if (gFreeCount++ == 0) {
         gFirstFree = index;
-    else
+    } else {
         gSlots[gLastFree].nextFree = index;
+    }
     gLastFree = index;
 }
 
@@ -63,8 +66,9 @@ HANDLE MakeHandle(std::uint32_t index, std::uint32_t generation) {
 // The slot that the value points to, or none if no handle has such a value.
 Slot* SlotOf(HANDLE handle, std::uint32_t& index, std::uint32_t& generation) {
     const auto value = reinterpret_cast<std::uintptr_t>(handle);
-    if (value % 4 != 0 || value > INT32_MAX)
+    if (value % 4 != 0 || value > INT32_MAX) {
         return nullptr;
+    }
     index = static_cast<std::uint32_t>(value >> 2) % kSlots;
     generation = static_cast<std::uint32_t>(value >> 2) >> kIndexBits;
     return &gSlots[index];
@@ -108,11 +112,13 @@ BOOL CloseHandle(HANDLE handle) {
     Ref<KernelObject> object;
     if (Slot* slot = SlotOf(handle, index, generation)) {
         const std::lock_guard guard(slot->lock);
-        if (slot->object && slot->generation == generation)
+        if (slot->object && slot->generation == generation) {
             object = Ref<KernelObject>(std::exchange(slot->object, nullptr));
+        }
     }
-    if (!object)
+    if (!object) {
         return Fail(ERROR_INVALID_HANDLE);
+    }
     GiveSlotBack(index);
     object->HandleClosed();
     return TRUE;

@@ -32,8 +32,9 @@ public:
         if (bitsPerPixel_ >= 8) {
             ByteReader pixel(row.subspan(x * bitsPerPixel_ / 8, bitsPerPixel_ / 8));
             std::uint32_t value = 0;
-            for (unsigned shift = 0; shift < bitsPerPixel_; shift += 8)
+            for (unsigned shift = 0; shift < bitsPerPixel_; shift += 8) {
                 value |= std::uint32_t{pixel.U8()} << shift;
+            }
             return value;
         }
         const std::size_t bit = x * bitsPerPixel_;
@@ -62,43 +63,52 @@ std::optional<Header> ReadHeader(ByteReader& reader) {
 
     const unsigned bits = header.bitsPerPixel;
     const bool knownDepth = bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
-    if (reader.Failed() || size != kHeaderSize || planes != 1 || compression != 0 || !knownDepth)
+    if (reader.Failed() || size != kHeaderSize || planes != 1 || compression != 0 || !knownDepth) {
         return std::nullopt;
-    if (header.width < 1 || header.width > kMaxSide || header.height < 1 || header.height > kMaxSide)
+    }
+    if (header.width < 1 || header.width > kMaxSide || header.height < 1 || header.height > kMaxSide) {
         return std::nullopt;
+    }
     return header;
 }
 
 std::vector<std::uint32_t> ReadPalette(ByteReader& reader, const Header& header) {
     std::vector<std::uint32_t> palette;
-    if (header.bitsPerPixel > 8)
+    if (header.bitsPerPixel > 8) {
         return palette;
+    }
     const std::uint32_t possible = 1u << header.bitsPerPixel;
     const std::uint32_t count = header.coloursUsed == 0 || header.coloursUsed > possible ? possible : header.coloursUsed;
-    for (std::uint32_t i = 0; i < count; ++i)
+    for (std::uint32_t i = 0; i < count; ++i) {
         palette.push_back(reader.U32() & 0xFFFFFF);
+    }
     palette.resize(possible);  // A pixel may name a colour that is not there; it is black.
     return palette;
 }
 
 bool HasAlpha(const Rows& picture, const IconImage& image) {
-    for (int y = 0; y < image.height; ++y)
-        for (int x = 0; x < image.width; ++x)
-            if (picture.At(static_cast<std::size_t>(x), static_cast<std::size_t>(y)) & kOpaque)
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            if (picture.At(static_cast<std::size_t>(x), static_cast<std::size_t>(y)) & kOpaque) {
                 return true;
+            }
+        }
+    }
     return false;
 }
 
 std::optional<IconImage> ParseIcon(Bytes bytes) {
     ByteReader reader(bytes);
     const std::optional<Header> header = ReadHeader(reader);
-    if (!header)
+    if (!header) {
         return std::nullopt;
+    }
     const std::vector<std::uint32_t> palette = ReadPalette(reader, *header);
     const Rows picture(reader, *header, header->bitsPerPixel);
     const Rows mask(reader, *header, 1);
-    if (reader.Failed())
+    if (reader.Failed()) {
         return std::nullopt;
+    }
 
     IconImage image;
     image.width = header->width;
@@ -126,17 +136,20 @@ std::vector<IconImage> ParseIconGroup(Bytes group, const IconBytes& iconBytes) {
     ByteReader reader(group);
     std::vector<IconImage> images;
     reader.Skip(2);
-    if (reader.U16() != kIcon)
+    if (reader.U16() != kIcon) {
         return images;
+    }
     const unsigned count = reader.U16();
     for (unsigned i = 0; i < count; ++i) {
         // Sizes and depths stand here as well, but the image itself says what it is.
         reader.Skip(12);
         const WORD id = reader.U16();
-        if (reader.Failed())
+        if (reader.Failed()) {
             break;
-        if (std::optional<IconImage> image = ParseIcon(iconBytes(id)))
+        }
+        if (std::optional<IconImage> image = ParseIcon(iconBytes(id))) {
             images.push_back(*std::move(image));
+        }
     }
     return images;
 }

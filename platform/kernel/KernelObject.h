@@ -21,8 +21,9 @@ public:
     }
     void AddReference() { references_.fetch_add(1, std::memory_order_relaxed); }
     void Release() {
-        if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             delete this;
+        }
     }
 
     // The handle is gone. Calls that other threads are in still hold references; a long one should come to its end.
@@ -40,8 +41,9 @@ public:
     Ref() = default;
     explicit Ref(T* object) : object_(object) {}
     Ref(const Ref& other) : object_(other.object_) {
-        if (object_)
+        if (object_) {
             object_->AddReference();
+        }
     }
     Ref(Ref&& other) noexcept : object_(other.Detach()) {}
     Ref& operator=(Ref other) noexcept {
@@ -50,8 +52,9 @@ public:
     }
     ~Ref() {
         // The checker does not follow a count that is atomic.
-        if (object_)
+        if (object_) {
             object_->Release();  // NOLINT(clang-analyzer-cplusplus.NewDelete)
+        }
     }
 
     T* Get() const { return object_; }

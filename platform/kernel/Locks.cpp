@@ -26,16 +26,19 @@ void InitializeCriticalSection(LPCRITICAL_SECTION section) {
 }
 
 void EnterCriticalSection(LPCRITICAL_SECTION section) {
-    if (pthread_mutex_lock(MutexOf(section)) != 0)
+    if (pthread_mutex_lock(MutexOf(section)) != 0) {
         kernel::Unsupported("a critical section that was not initialized, or entered without end");
+    }
 }
 
 void LeaveCriticalSection(LPCRITICAL_SECTION section) {
-    if (pthread_mutex_unlock(MutexOf(section)) != 0)
+    if (pthread_mutex_unlock(MutexOf(section)) != 0) {
         kernel::Unsupported("leaving a critical section that this thread is not in");
+    }
 }
 
 void DeleteCriticalSection(LPCRITICAL_SECTION section) {
-    if (pthread_mutex_destroy(MutexOf(section)) != 0)
+    if (pthread_mutex_destroy(MutexOf(section)) != 0) {
         kernel::Unsupported("deleting a critical section that a thread is in");
+    }
 }

@@ -12,8 +12,9 @@ HLOCAL LocalAlloc(UINT flags, SIZE_T bytes) {
     // A block of no bytes is a block all the same: 0 means failure.
     const SIZE_T size = bytes == 0 ? 1 : bytes;
     void* block = (flags & LMEM_ZEROINIT) != 0 ? std::calloc(1, size) : std::malloc(size);
-    if (!block)
+    if (!block) {
         kernel::Fail(ERROR_NOT_ENOUGH_MEMORY);
+    }
     return block;
 }
 

@@ -28,15 +28,18 @@ std::list<Library>& Libraries() {
 Library gProgram;
 
 Library* FindLibrary(LPCSTR name) {
-    for (Library& library : Libraries())
-        if (strcasecmp(library.name.c_str(), name) == 0)
+    for (Library& library : Libraries()) {
+        if (strcasecmp(library.name.c_str(), name) == 0) {
             return &library;
+        }
+    }
     return nullptr;
 }
 
 HMODULE HandleOf(Library* library) {
-    if (!library)
+    if (!library) {
         Fail(ERROR_MOD_NOT_FOUND);
+    }
     return reinterpret_cast<HMODULE>(library);
 }
 
@@ -45,8 +48,9 @@ HMODULE HandleOf(Library* library) {
 void RegisterLibrary(LPCSTR name, WORD ordinal, FARPROC function) {
     const std::lock_guard guard(gLock);
     Library* library = FindLibrary(name);
-    if (!library)
+    if (!library) {
         library = &Libraries().emplace_back(Library{name, {}});
+    }
     library->functions[ordinal] = function;
 }
 
@@ -73,8 +77,9 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
     const std::lock_guard guard(gLock);
     for (Library& library : Libraries()) {
         const auto found = library.functions.find(static_cast<WORD>(ordinal));
-        if (HandleOf(&library) == module && found != library.functions.end())
+        if (HandleOf(&library) == module && found != library.functions.end()) {
             return found->second;
+        }
     }
     Fail(ERROR_PROC_NOT_FOUND);
     return nullptr;

@@ -32,8 +32,9 @@ bool IsPlain(char c) {
 // With its dot; empty if there is none, or none that would fit into a short name.
 std::string Extension(const std::string& path) {
     const std::size_t dot = path.find_last_of("./");
-    if (dot == std::string::npos || path[dot] == '/')
+    if (dot == std::string::npos || path[dot] == '/') {
         return {};
+    }
     const std::string extension = path.substr(dot + 1);
     const bool plain = std::all_of(extension.begin(), extension.end(), IsPlain);
     return plain && extension.size() <= kLongestExtension ? "." + extension : std::string();
@@ -61,8 +62,9 @@ std::string WithBackslashes(std::string path) {
 std::string LinuxPath(std::string_view name) {
     std::string path = ToUtf8(name);
     std::replace(path.begin(), path.end(), '\\', '/');
-    if (!path.starts_with(kAliasFolder))
+    if (!path.starts_with(kAliasFolder)) {
         return path;
+    }
     Aliases& all = TheAliases();
     const std::lock_guard guard(all.lock);
     const auto found = all.paths.find(path);
@@ -70,14 +72,16 @@ std::string LinuxPath(std::string_view name) {
 }
 
 std::optional<std::string> WindowsPath(std::string path) {
-    if (path.find('\\') != std::string::npos)
+    if (path.find('\\') != std::string::npos) {
         return std::nullopt;
+    }
     return FromUtf8(WithBackslashes(std::move(path)));
 }
 
 std::optional<std::string> WindowsPathOrAlias(const std::string& path, std::size_t limit) {
-    if (auto whole = WindowsPath(path); whole && whole->size() < limit)
+    if (auto whole = WindowsPath(path); whole && whole->size() < limit) {
         return whole;
+    }
     std::string alias = WithBackslashes(AliasOf(path));
     return alias.size() < limit ? std::optional(std::move(alias)) : std::nullopt;
 }

@@ -19,8 +19,9 @@ constexpr int kBuiltInPorts = 4;
 std::string ConfigurationFolder() {
     // A relative folder there is invalid and to be ignored.
     const char* folder = std::getenv("XDG_CONFIG_HOME");
-    if (folder && folder[0] == '/')
+    if (folder && folder[0] == '/') {
         return folder;
+    }
     const char* home = std::getenv("HOME");
     return home && *home ? std::string(home) + "/.config" : std::string();
 }
@@ -29,17 +30,20 @@ std::string ConfigurationFolder() {
 std::vector<unsigned> NumbersBehind(const std::string& folder, std::string_view prefix) {
     std::vector<unsigned> numbers;
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
-    if (!entries)
+    if (!entries) {
         return numbers;
+    }
     while (const dirent* entry = readdir(entries.get())) {
         const std::string_view name = entry->d_name;
-        if (!name.starts_with(prefix))
+        if (!name.starts_with(prefix)) {
             continue;
+        }
         unsigned number;
         const char* end = name.data() + name.size();
         const auto [rest, error] = std::from_chars(name.data() + prefix.size(), end, number);
-        if (error == std::errc() && rest == end)
+        if (error == std::errc() && rest == end) {
             numbers.push_back(number);
+        }
     }
     std::sort(numbers.begin(), numbers.end());
     return numbers;
@@ -49,8 +53,9 @@ std::vector<unsigned> NumbersBehind(const std::string& folder, std::string_view 
 
 int PortNumber(std::string_view name) {
     constexpr std::string_view kPrefix = "COM";
-    if (name.size() != kPrefix.size() + 1)
+    if (name.size() != kPrefix.size() + 1) {
         return 0;
+    }
     const bool prefixed = std::equal(kPrefix.begin(), kPrefix.end(), name.begin(),
                                      [](char a, char b) { return a == std::toupper(static_cast<unsigned char>(b)); });
     return prefixed && name[3] >= '1' && name[3] <= '8' ? name[3] - '0' : 0;
@@ -61,11 +66,13 @@ std::string PortDevice(int number) {
     if (!folder.empty()) {
         std::string link = folder + "/tesselia/ports/com" + std::to_string(number);
         struct stat status;
-        if (lstat(link.c_str(), &status) == 0)
+        if (lstat(link.c_str(), &status) == 0) {
             return link;
+        }
     }
-    if (number <= kBuiltInPorts)
+    if (number <= kBuiltInPorts) {
         return "/dev/ttyS" + std::to_string(number - 1);
+    }
     const std::vector<std::string> ports = UsbPorts("/dev");
     const auto index = static_cast<std::size_t>(number - kBuiltInPorts - 1);
     return index < ports.size() ? ports[index] : std::string();
@@ -74,8 +81,9 @@ std::string PortDevice(int number) {
 std::vector<std::string> UsbPorts(const std::string& folder) {
     std::vector<std::string> ports;
     for (const char* prefix : {"ttyUSB", "ttyACM"}) {
-        for (const unsigned number : NumbersBehind(folder, prefix))
+        for (const unsigned number : NumbersBehind(folder, prefix)) {
             ports.push_back(folder + "/" + prefix + std::to_string(number));
+        }
     }
     return ports;
 }

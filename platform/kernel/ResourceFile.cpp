@@ -9,10 +9,11 @@ constexpr unsigned kNumberFollows = 0xFFFF;
 ResourceId ReadId(ByteReader& reader) {
     ResourceId id;
     const char16_t first = reader.U16();
-    if (first == kNumberFollows)
+    if (first == kNumberFollows) {
         id.number = reader.U16();
-    else if (first != 0)
+    } else if (first != 0) {
         id.name = first + reader.Text();
+    }
     return id;
 }
 
@@ -24,8 +25,9 @@ std::vector<Resource> ReadResourceFile(Bytes file) {
     while (reader.Left() > 0) {
         const std::uint32_t dataSize = reader.U32();
         const std::uint32_t headerSize = reader.U32();
-        if (headerSize < 8)
+        if (headerSize < 8) {
             break;
+        }
         // Both sizes are multiples of four before this header, so it may count its padding from its own start.
         ByteReader header(reader.Take(headerSize - 8));
         Resource resource;
@@ -36,11 +38,13 @@ std::vector<Resource> ReadResourceFile(Bytes file) {
         resource.language = header.U16();
         resource.data = reader.Take(dataSize);
         reader.Align();
-        if (reader.Failed() || header.Failed())
+        if (reader.Failed() || header.Failed()) {
             break;
+        }
         // The file begins with an empty resource of type 0, which marks the format.
-        if (resource.type != ResourceId())
+        if (resource.type != ResourceId()) {
             resources.push_back(std::move(resource));
+        }
     }
     return resources;
 }

@@ -39,8 +39,9 @@ ResourceId IdOf(LPCSTR name) {
     } else if (name[0] == '#') {
         std::from_chars(name + 1, name + std::strlen(name), id.number);
     } else {
-        for (const char* c = name; *c; ++c)
+        for (const char* c = name; *c; ++c) {
             id.name += static_cast<char16_t>(*c >= 'a' && *c <= 'z' ? *c - 'a' + 'A' : static_cast<unsigned char>(*c));
+        }
     }
     return id;
 }
@@ -51,18 +52,23 @@ const Resource* Find(const ResourceId& type, const ResourceId& name, WORD langua
     const Resource* found = nullptr;
     const WORD wanted = language != 0 ? language : ResourceLanguage();
     for (const Resource& resource : ProgramResources()) {
-        if (resource.type != type)
+        if (resource.type != type) {
             continue;
+        }
         typeKnown = true;
-        if (resource.name != name)
+        if (resource.name != name) {
             continue;
-        if (resource.language == wanted)
+        }
+        if (resource.language == wanted) {
             return &resource;
-        if (!found)
+        }
+        if (!found) {
             found = &resource;
+        }
     }
-    if (found && language == 0)
+    if (found && language == 0) {
         return found;
+    }
     Fail(found ? ERROR_RESOURCE_LANG_NOT_FOUND : typeKnown ? ERROR_RESOURCE_NAME_NOT_FOUND : ERROR_RESOURCE_TYPE_NOT_FOUND);
     return nullptr;
 }
@@ -71,9 +77,11 @@ const Resource* Find(const ResourceId& type, const ResourceId& name, WORD langua
 const Resource* ResourceOf(HRSRC handle) {
     const std::vector<Resource>& resources = ProgramResources();
     const auto* resource = reinterpret_cast<const Resource*>(handle);
-    for (const Resource& each : resources)
-        if (&each == resource)
+    for (const Resource& each : resources) {
+        if (&each == resource) {
             return resource;
+        }
+    }
     return nullptr;
 }
 
@@ -137,18 +145,21 @@ DWORD SizeofResource(HMODULE, HRSRC resource) {
 
 int LoadStringA(HINSTANCE, UINT id, LPSTR buffer, int size) {
     using namespace kernel;
-    if (!buffer || size < 0)
+    if (!buffer || size < 0) {
         return Unsupported("LoadStringA without a buffer");
-    if (size == 0)
+    }
+    if (size == 0) {
         return -1;
+    }
     const Bytes block = ResourceBytes(MAKEINTRESOURCEA(StringBlockOf(id)), RT_STRING);
     const std::u16string text = StringInBlock(block, StringIndexOf(id));
     std::size_t length = 0;
     for (std::size_t position = 0; position < text.size();) {
         // A character of two bytes goes in whole or not at all.
         const std::string bytes = BytesOf(NextCharacter(text, position));
-        if (bytes.size() >= static_cast<std::size_t>(size) - length)
+        if (bytes.size() >= static_cast<std::size_t>(size) - length) {
             break;
+        }
         std::memcpy(buffer + length, bytes.data(), bytes.size());
         length += bytes.size();
     }

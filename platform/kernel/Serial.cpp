@@ -52,10 +52,11 @@ int OpenExclusively(const std::string& device) {
     }
     // Names of built-in ports exist without the hardware; those, like files that are no line at all, are no terminals.
     DWORD error = ERROR_SUCCESS;
-    if (!isatty(file))
+    if (!isatty(file)) {
         error = ERROR_FILE_NOT_FOUND;
-    else if (flock(file, LOCK_EX | LOCK_NB) != 0)
+    } else if (flock(file, LOCK_EX | LOCK_NB) != 0) {
         error = ERROR_ACCESS_DENIED;
+    }
     if (error != ERROR_SUCCESS) {
         close(file);
         Fail(error);
@@ -97,15 +98,17 @@ void SetWire(int file, int wire, bool on) {
 
 Ref<Port> Port::Open(int number) {
     const int file = OpenExclusively(PortDevice(number));
-    if (file < 0)
+    if (file < 0) {
         return {};
+    }
     termios before;
     if (tcgetattr(file, &before) == 0) {
         const termios raw = RawSettings(before);
         if (tcsetattr(file, TCSANOW, &raw) == 0) {
             tcflush(file, TCIOFLUSH);
-            if (auto* port = new (std::nothrow) Port(file, before))
+            if (auto* port = new (std::nothrow) Port(file, before)) {
                 return Ref<Port>(port);
+            }
         }
     }
     // A device that was pulled out between the calls is as good as missing.
@@ -117,11 +120,13 @@ Ref<Port> Port::Open(int number) {
 
 Port::~Port() {
     // Closing the file would wait for unsent bytes for as long as the driver likes, which is half a minute.
-    if (!dead_)
+    if (!dead_) {
         WaitUntilSent();
+    }
     int unsent = 0;
-    if (dead_ || (ioctl(file_, TIOCOUTQ, &unsent) == 0 && unsent > 0))
+    if (dead_ || (ioctl(file_, TIOCOUTQ, &unsent) == 0 && unsent > 0)) {
         tcflush(file_, TCOFLUSH);
+    }
     tcsetattr(file_, TCSANOW, &before_);
     ioctl(file_, TIOCNXCL);
     close(file_);
@@ -131,13 +136,15 @@ void Port::WaitUntilSent() {
     const std::int64_t end = MonotonicNs() + kCloseDrainNs;
     while (MonotonicNs() < end) {
         int unsent = 0;
-        if (ioctl(file_, TIOCOUTQ, &unsent) != 0)
+        if (ioctl(file_, TIOCOUTQ, &unsent) != 0) {
             return;
+        }
         // The driver's queue is empty before the chip's own has gone out; a change of settings would garble the rest.
         int chip = 0;
         const bool chipBusy = ioctl(file_, TIOCSERGETLSR, &chip) == 0 && (chip & TIOCSER_TEMT) == 0;
-        if (unsent == 0 && !chipBusy)
+        if (unsent == 0 && !chipBusy) {
             return;
+        }
         usleep(kDrainPollUs);
     }
 }
@@ -157,14 +164,18 @@ Port::Line Port::LookAtLine(int& bytes) {
     for (int look = 0; look < 2; ++look) {
         pollfd line{file_, POLLIN, 0};
         const int ready = poll(&line, 1, 0);
-        if (ready == 0 || (ready < 0 && errno == EINTR))
+        if (ready == 0 || (ready < 0 && errno == EINTR)) {
             return Line::Quiet;
-        if (ready < 0 || (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+        }
+        if (ready < 0 || (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
             return Line::Dead;
-        if (ioctl(file_, FIONREAD, &bytes) != 0)
+        }
+        if (ioctl(file_, FIONREAD, &bytes) != 0) {
             return Line::Dead;
-        if (bytes > 0)
+        }
+        if (bytes > 0) {
             return Line::Readable;
+        }
     }
     return Line::Dead;
 }
@@ -173,8 +184,9 @@ BOOL Port::Waiting(DWORD& bytes) {
     bytes = 0;
     const std::lock_guard guard(readLock_);
     int count;
-    if (dead_ || LookAtLine(count) == Line::Dead)
+    if (dead_ || LookAtLine(count) == Line::Dead) {
         return Die(ERROR_GEN_FAILURE);
+    }
     bytes = static_cast<DWORD>(count);
     return TRUE;
 }
@@ -182,8 +194,9 @@ BOOL Port::Waiting(DWORD& bytes) {
 BOOL Port::Read(void* buffer, DWORD count, DWORD& read) {
     read = 0;
     const std::lock_guard guard(readLock_);
-    if (dead_)
+    if (dead_) {
         return Fail(ERROR_GEN_FAILURE);
+    }
     while (read < count) {
         const ssize_t got = ::read(file_, static_cast<char*>(buffer) + read, count - read);
         if (got > 0) {
@@ -204,14 +217,17 @@ bool Port::WaitForRoom(std::int64_t untilNs) {
     while (!closed_ && !dead_) {
         // Rounded up, so that the last look is not before the time.
         const std::int64_t left = (untilNs - MonotonicNs() + kNsPerMs - 1) / kNsPerMs;
-        if (left <= 0)
+        if (left <= 0) {
             return false;
+        }
         pollfd line{file_, POLLOUT, 0};
         const int ready = poll(&line, 1, static_cast<int>(std::min<std::int64_t>(left, kWritePollMs)));
-        if (ready > 0)
+        if (ready > 0) {
             return (line.revents & (POLLHUP | POLLERR | POLLNVAL)) == 0;
-        if (ready < 0 && errno != EINTR)
+        }
+        if (ready < 0 && errno != EINTR) {
             return false;
+        }
     }
     return false;
 }
@@ -219,8 +235,9 @@ bool Port::WaitForRoom(std::int64_t untilNs) {
 BOOL Port::Write(const void* buffer, DWORD count, DWORD& written) {
     written = 0;
     const std::lock_guard guard(writeLock_);
-    if (dead_)
+    if (dead_) {
         return Fail(ERROR_GEN_FAILURE);
+    }
     std::int64_t deadline = MonotonicNs() + kWriteStallNs;
     while (written < count) {
         const ssize_t put = ::write(file_, static_cast<const char*>(buffer) + written, count - written);
@@ -240,8 +257,9 @@ BOOL Port::GetState(DCB& state) {
     state = {};
     state.DCBlength = sizeof state;
     termios settings;
-    if (dead_ || tcgetattr(file_, &settings) != 0)
+    if (dead_ || tcgetattr(file_, &settings) != 0) {
         return Die(ERROR_GEN_FAILURE);
+    }
     const auto* speed = std::find_if(std::begin(kSpeeds), std::end(kSpeeds),
                                      [&](const Speed& s) { return s.code == cfgetospeed(&settings); });
     state.BaudRate = speed != std::end(kSpeeds) ? speed->baud : 0;
@@ -260,17 +278,21 @@ BOOL Port::GetState(DCB& state) {
 BOOL Port::SetState(const DCB& state) {
     const auto* speed =
         std::find_if(std::begin(kSpeeds), std::end(kSpeeds), [&](const Speed& s) { return s.baud == state.BaudRate; });
-    if (!IsSupported(state) || speed == std::end(kSpeeds))
+    if (!IsSupported(state) || speed == std::end(kSpeeds)) {
         return Fail(ERROR_INVALID_PARAMETER);
-    if (dead_)
+    }
+    if (dead_) {
         return Fail(ERROR_GEN_FAILURE);
+    }
     termios settings;
-    if (tcgetattr(file_, &settings) != 0)
+    if (tcgetattr(file_, &settings) != 0) {
         return Die(ERROR_GEN_FAILURE);
+    }
     cfsetispeed(&settings, speed->code);
     cfsetospeed(&settings, speed->code);
-    if (tcsetattr(file_, TCSANOW, &settings) != 0)
+    if (tcsetattr(file_, TCSANOW, &settings) != 0) {
         return Die(ERROR_GEN_FAILURE);
+    }
     SetWire(file_, TIOCM_DTR, state.fDtrControl == 1);
     SetWire(file_, TIOCM_RTS, state.fRtsControl == 1);
     return TRUE;
@@ -293,16 +315,20 @@ BOOL SetCommTimeouts(HANDLE port, COMMTIMEOUTS*) {
 }
 
 BOOL ClearCommError(HANDLE port, LPDWORD errors, COMSTAT* status) {
-    if (errors)
+    if (errors) {
         *errors = 0;
-    if (status)
+    }
+    if (status) {
         *status = {};
+    }
     const auto object = kernel::FindHandle<kernel::Port>(port);
-    if (!object)
+    if (!object) {
         return FALSE;
+    }
     DWORD waiting;
     const BOOL result = object->Waiting(waiting);
-    if (status)
+    if (status) {
         status->cbInQue = waiting;
+    }
     return result;
 }

@@ -35,12 +35,14 @@ bool RunFlsCallbacksOnce() {
     for (DWORD i = 0; i < count && i < kFlsSlots; ++i) {
         const PFLS_CALLBACK_FUNCTION callback = gFlsCallbacks[i].load(std::memory_order_acquire);
         LPVOID value = tFlsValues[i];
-        if (!value || !callback)
+        if (!value || !callback) {
             continue;
+        }
         // The callback still finds its own value, as on Windows, and the slot is empty afterwards.
         callback(value);
-        if (tFlsValues[i] == value)
+        if (tFlsValues[i] == value) {
             tFlsValues[i] = nullptr;
+        }
         any = true;
     }
     return any;
@@ -74,14 +76,16 @@ void* RunThread(void* parameter) {
 // The thread takes over one reference.
 bool StartDetached(Ref<Thread> thread) {
     pthread_attr_t attributes;
-    if (pthread_attr_init(&attributes) != 0)
+    if (pthread_attr_init(&attributes) != 0) {
         return false;
+    }
     pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
     pthread_t id;
     const bool started = pthread_create(&id, &attributes, RunThread, thread.Get()) == 0;
     pthread_attr_destroy(&attributes);
-    if (started)
+    if (started) {
         thread.Detach();
+    }
     return started;
 }
 
@@ -102,10 +106,12 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T, LPTHREAD_START_ROUTI
     }
     // The handle first: a thread that runs cannot be taken back.
     HANDLE handle = AddHandle(Ref<KernelObject>(Ref<Thread>(thread).Detach()));
-    if (!handle)
+    if (!handle) {
         return nullptr;
-    if (threadId)
+    }
+    if (threadId) {
         *threadId = thread->Id();
+    }
     if (!StartDetached(thread)) {
         CloseHandle(handle);
         Fail(ERROR_NOT_ENOUGH_MEMORY);
@@ -115,8 +121,9 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T, LPTHREAD_START_ROUTI
 }
 
 DWORD GetCurrentThreadId() {
-    if (kernel::tThreadId == 0)
+    if (kernel::tThreadId == 0) {
         kernel::tThreadId = kernel::NewThreadId();
+    }
     return kernel::tThreadId;
 }
 
@@ -144,8 +151,9 @@ LPVOID FlsGetValue(DWORD index) {
 
 BOOL FlsSetValue(DWORD index, LPVOID value) {
     using namespace kernel;
-    if (index >= gFlsCount.load(std::memory_order_acquire))
+    if (index >= gFlsCount.load(std::memory_order_acquire)) {
         return Fail(ERROR_INVALID_PARAMETER);
+    }
     tFlsValues[index] = value;
     return TRUE;
 }

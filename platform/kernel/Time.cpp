@@ -23,8 +23,9 @@ std::atomic<int> gPreciseHolders{0};
 // that sleep on the beat lose nothing by it: their wake-ups fall together anyway.
 void AskForPreciseTimer() {
     thread_local bool tAsked = false;
-    if (!tAsked)
+    if (!tAsked) {
         prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
+    }
     tAsked = true;
 }
 
@@ -66,19 +67,22 @@ DWORD GetTickCount() {
 }
 
 MMRESULT timeBeginPeriod(UINT periodMs) {
-    if (periodMs != 1)
+    if (periodMs != 1) {
         return TIMERR_NOCANDO;
+    }
     kernel::gPreciseHolders.fetch_add(1);
     return TIMERR_NOERROR;
 }
 
 MMRESULT timeEndPeriod(UINT periodMs) {
-    if (periodMs != 1)
+    if (periodMs != 1) {
         return TIMERR_NOCANDO;
+    }
     int holders = kernel::gPreciseHolders.load();
     while (holders > 0) {
-        if (kernel::gPreciseHolders.compare_exchange_weak(holders, holders - 1))
+        if (kernel::gPreciseHolders.compare_exchange_weak(holders, holders - 1)) {
             return TIMERR_NOERROR;
+        }
     }
     return TIMERR_NOCANDO;
 }

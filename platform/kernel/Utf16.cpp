@@ -5,11 +5,13 @@ namespace kernel {
 
 char32_t NextCharacter(std::u16string_view text, std::size_t& position) {
     const char16_t first = text[position++];
-    if (first < 0xD800 || first > 0xDFFF)
+    if (first < 0xD800 || first > 0xDFFF) {
         return first;
+    }
     const char16_t second = position < text.size() ? text[position] : u'\0';
-    if (first > 0xDBFF || second < 0xDC00 || second > 0xDFFF)
+    if (first > 0xDBFF || second < 0xDC00 || second > 0xDFFF) {
         return 0xFFFD;
+    }
     ++position;
     return 0x10000 + ((first - 0xD800u) << 10) + (second - 0xDC00u);
 }
@@ -36,8 +38,9 @@ void AppendUtf8(std::string& text, char32_t character) {
 
 std::string Utf8Of(std::u16string_view text) {
     std::string result;
-    for (std::size_t position = 0; position < text.size();)
+    for (std::size_t position = 0; position < text.size();) {
         AppendUtf8(result, NextCharacter(text, position));
+    }
     return result;
 }
 

@@ -33,8 +33,9 @@ void Waiter::Block(DWORD milliseconds) {
         // The bitset form is the one that takes a moment of the monotonic clock instead of a duration.
         const long result = syscall(SYS_futex, &word_, FUTEX_WAIT_BITSET_PRIVATE, 0,
                                     milliseconds == INFINITE ? nullptr : &until, nullptr, FUTEX_BITSET_MATCH_ANY);
-        if (result != 0 && errno == ETIMEDOUT)
+        if (result != 0 && errno == ETIMEDOUT) {
             return;
+        }
     }
 }
 
@@ -52,17 +53,20 @@ void Waitable::Signal() {
         while (first_ && !(used && autoReset_)) {
             WaitEntry& entry = *first_;
             Unlink(entry);
-            if (!entry.waiter->Claim(entry.result))
+            if (!entry.waiter->Claim(entry.result)) {
                 continue;
-            if (sleeper)
+            }
+            if (sleeper) {
                 Waiter::Wake(sleeper);
+            }
             sleeper = entry.waiter->Word();
             used = true;
         }
         signalled_ = !(used && autoReset_);
     }
-    if (sleeper)
+    if (sleeper) {
         Waiter::Wake(sleeper);
+    }
 }
 
 void Waitable::Reset() {
@@ -73,8 +77,9 @@ void Waitable::Reset() {
 bool Waitable::Enter(WaitEntry& entry) {
     const std::lock_guard guard(lock_);
     if (signalled_) {
-        if (entry.waiter->Claim(entry.result) && autoReset_)
+        if (entry.waiter->Claim(entry.result) && autoReset_) {
             signalled_ = false;
+        }
         return false;
     }
     entry.next = nullptr;
@@ -87,8 +92,9 @@ bool Waitable::Enter(WaitEntry& entry) {
 
 void Waitable::Leave(WaitEntry& entry) {
     const std::lock_guard guard(lock_);
-    if (entry.linked)
+    if (entry.linked) {
         Unlink(entry);
+    }
 }
 
 void Waitable::Unlink(WaitEntry& entry) {
@@ -110,16 +116,18 @@ HANDLE CreateEventA(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initi
 
 BOOL SetEvent(HANDLE event) {
     const auto object = kernel::FindHandle<kernel::Event>(event);
-    if (!object)
+    if (!object) {
         return FALSE;
+    }
     object->Signal();
     return TRUE;
 }
 
 BOOL ResetEvent(HANDLE event) {
     const auto object = kernel::FindHandle<kernel::Event>(event);
-    if (!object)
+    if (!object) {
         return FALSE;
+    }
     object->Reset();
     return TRUE;
 }
@@ -141,22 +149,26 @@ DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, D
     std::array<Ref<Waitable>, MAXIMUM_WAIT_OBJECTS> objects;
     for (DWORD i = 0; i < count; ++i) {
         objects[i] = FindHandle<Waitable>(handles[i]);
-        if (!objects[i])
+        if (!objects[i]) {
             return WAIT_FAILED;
+        }
     }
     Waiter waiter;
     std::array<WaitEntry, MAXIMUM_WAIT_OBJECTS> entries;
     DWORD entered = 0;
     for (; entered < count; ++entered) {
         entries[entered] = {&waiter, WAIT_OBJECT_0 + entered, nullptr, nullptr, false};
-        if (!objects[entered]->Enter(entries[entered]))
+        if (!objects[entered]->Enter(entries[entered])) {
             break;
+        }
     }
-    if (entered == count && milliseconds > 0)
+    if (entered == count && milliseconds > 0) {
         waiter.Block(milliseconds);
+    }
     // An object that signals at the last moment wins over the timeout, or its signal would be lost.
     waiter.Claim(WAIT_TIMEOUT);
-    for (DWORD i = 0; i < entered; ++i)
+    for (DWORD i = 0; i < entered; ++i) {
         objects[i]->Leave(entries[i]);
+    }
     return waiter.Result();
 }

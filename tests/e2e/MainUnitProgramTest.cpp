@@ -28,8 +28,9 @@ public:
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
     ~Client() {
-        if (file_ >= 0)
+        if (file_ >= 0) {
             close(file_);
+        }
     }
 
     std::string Ask(const std::string& request) const {
@@ -41,8 +42,9 @@ public:
         std::string bytes;
         pollfd waiting{file_, POLLIN, 0};
         char byte = 0;
-        while (!bytes.ends_with(kEtx) && poll(&waiting, 1, kLimitMs) == 1 && read(file_, &byte, 1) == 1)
+        while (!bytes.ends_with(kEtx) && poll(&waiting, 1, kLimitMs) == 1 && read(file_, &byte, 1) == 1) {
             bytes += byte;
+        }
         return bytes;
     }
     void Tell(const std::string& bytes) const {
@@ -72,8 +74,9 @@ public:
 
     // The exit code, after the signal if one is given.
     int End(int signal = 0) {
-        if (signal != 0)
+        if (signal != 0) {
             Signal(signal);
+        }
         return Process::End();
     }
 };
@@ -159,8 +162,9 @@ TEST_F(MainUnitProgramTest, SavesEachTitleThatIsWritten) {
     EXPECT_EQ(program.End(SIGTERM), 0);
     const std::string log = ReadFile(folder_ / "dialogue.log");
     for (const char* line :
-         {" > TitleWrite Disc 12 track 3 ", " < TitleWriteReply accepted ", " > TitleData \"High Water\" "})
+         {" > TitleWrite Disc 12 track 3 ", " < TitleWriteReply accepted ", " > TitleData \"High Water\" "}) {
         EXPECT_NE(log.find(line), std::string::npos) << log;
+    }
 }
 
 TEST_F(MainUnitProgramTest, PassesEveryByteUnchanged) {
@@ -174,8 +178,9 @@ TEST_F(MainUnitProgramTest, PassesEveryByteUnchanged) {
     EXPECT_EQ(program.End(SIGTERM), 0);
     std::string dump;
     for (std::istringstream lines(program.Output()); std::getline(lines, dump);) {
-        if (dump.find("outside a frame") != std::string::npos)
+        if (dump.find("outside a frame") != std::string::npos) {
             break;
+        }
     }
     EXPECT_TRUE(dump.ends_with("  03 04 13 1A 0D 0A")) << program.Output();
 }

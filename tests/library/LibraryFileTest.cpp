@@ -51,8 +51,9 @@ TEST(UnitLibrary, KeepsItsLimits) {
         EXPECT_FALSE(library.Add(entry)) << NameOf(entry);
         EXPECT_FALSE(library.SetTitle(entry, "x")) << NameOf(entry);
     }
-    for (const std::string& text : {std::string(33, 'x'), std::string("tab\t"), std::string("\x7F"), std::string("\xE9")})
+    for (const std::string& text : {std::string(33, 'x'), std::string("tab\t"), std::string("\x7F"), std::string("\xE9")}) {
         EXPECT_FALSE(library.SetTitle({GroupKind::Disc, 1, 0}, text));
+    }
     EXPECT_EQ(library, UnitLibrary());
 }
 

@@ -24,8 +24,9 @@ TEST(Dialogue, NamesRequests) {
         {BlockFrame("Low\tWater                       "), "TitleData \"Low.Water\""},
         {"?!", "2 bytes"},
     };
-    for (const auto& one : cases)
+    for (const auto& one : cases) {
         EXPECT_EQ(Dialogue::DescribeRequest(one.frame), one.meaning);
+    }
 }
 
 TEST(Dialogue, NamesReplies) {
@@ -51,8 +52,9 @@ TEST(Dialogue, NamesReplies) {
         {std::string("\x06"), "1 byte, no sound frame"},
         {"", "0 bytes, no sound frame"},
     };
-    for (const auto& one : cases)
+    for (const auto& one : cases) {
         EXPECT_EQ(Dialogue::DescribeReply(one.frame), one.meaning);
+    }
 }
 
 TEST(Dialogue, WritesALineOfTimeDirectionMeaningAndBytes) {

@@ -14,8 +14,9 @@ const Reply kStatus{ShortReply(kStatusReply, 0x40), 20};
 
 std::string Joined(const std::vector<Chunk>& chunks) {
     std::string bytes;
-    for (const Chunk& chunk : chunks)
+    for (const Chunk& chunk : chunks) {
         bytes += chunk.bytes;
+    }
     return bytes;
 }
 
@@ -32,8 +33,9 @@ constexpr char kEverything[] =
 std::vector<Chunk> Drive(Faults& faults, int rounds) {
     std::vector<Chunk> all;
     for (int round = 0; round < rounds; ++round) {
-        for (Chunk& chunk : faults.Apply({round % 2 == 0 ? kTitle : kStatus}))
+        for (Chunk& chunk : faults.Apply({round % 2 == 0 ? kTitle : kStatus})) {
             all.push_back(std::move(chunk));
+        }
     }
     return all;
 }
@@ -63,8 +65,9 @@ TEST(Faults, StrikeAtTheirRateAndEachKindIsCounted) {
     }
     // The silence of six replies that is drawn here ends when the faults are turned off.
     faults.SetRates({});
-    for (int round = 0; round < 10; ++round)
+    for (int round = 0; round < 10; ++round) {
         EXPECT_EQ(faults.Apply({kStatus}), (std::vector<Chunk>{{kStatus.bytes, 20}}));
+    }
 }
 
 TEST(Faults, LoseAndSilence) {
@@ -90,8 +93,9 @@ TEST(Faults, CorruptOneByteOrTheCheckSum) {
         ASSERT_EQ(bytes.size(), kTitle.bytes.size());
         const bool onlySum = bytes.substr(0, bytes.size() - 3) == kTitle.bytes.substr(0, bytes.size() - 3);
         int different = 0;
-        for (std::size_t at = 0; at < bytes.size(); ++at)
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
             different += bytes[at] != kTitle.bytes[at] ? 1 : 0;
+        }
         EXPECT_TRUE(different == 1 || (onlySum && different == 2)) << different;
         (onlySum ? wrongSums : soundSums)++;
     }
@@ -163,8 +167,9 @@ TEST(Faults, AddStrayAndJunkBytesAroundTheReply) {
         EXPECT_LE(noisy.size(), kStatus.bytes.size() + 9);
         EXPECT_TRUE(noisy.starts_with(kStatus.bytes) || noisy.ends_with(kStatus.bytes));
     }
-    for (const char byte : strays)
+    for (const char byte : strays) {
         EXPECT_NE(seen.find(byte), std::string::npos) << static_cast<int>(byte);
+    }
 }
 
 TEST(Faults, PutAForeignReplyInFront) {

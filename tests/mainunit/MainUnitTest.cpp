@@ -43,8 +43,9 @@ class MainUnitTest : public testing::Test {
 protected:
     void Start(const UnitSettings& settings = {}) {
         unit_.emplace(SmallLibrary(), settings, [this](std::string_view, std::string_view problem) {
-            if (!problem.empty())
+            if (!problem.empty()) {
                 problems_.emplace_back(problem);
+            }
         });
     }
 

@@ -54,8 +54,9 @@ TEST(PacedLine, CountsTheTimeOfWhatComesIn) {
 TEST(PacedLine, HoldsNoMoreThanItsLimit) {
     PacedLine line(10'000);
     const std::string block(1024, 'x');
-    for (int count = 0; count < 64; ++count)
+    for (int count = 0; count < 64; ++count) {
         EXPECT_TRUE(line.Add(block, 0));
+    }
     EXPECT_FALSE(line.Add("x", 0));
     line.Take(kByteNs);
     EXPECT_TRUE(line.Add("x", 0));

@@ -116,8 +116,9 @@ TEST(PieceCutter, PutsFramesTogetherAtAnyPartition) {
     for (std::size_t cut = 0; cut <= stream.size(); ++cut) {
         PieceCutter cutter = PieceCutter::ForRequests();
         std::vector<std::string> pieces = cutter.Feed(stream.substr(0, cut));
-        for (const std::string& piece : cutter.Feed(stream.substr(cut)))
+        for (const std::string& piece : cutter.Feed(stream.substr(cut))) {
             pieces.push_back(piece);
+        }
         EXPECT_EQ(pieces, (std::vector{first, second})) << "cut at " << cut;
         EXPECT_EQ(cutter.held(), 0U);
     }
@@ -131,8 +132,9 @@ TEST(PieceCutter, RecoversAndHoldsNoMoreThanAFrame) {
     EXPECT_EQ(cutter.Feed("\r\n" + query + "x"), (std::vector<std::string>{"\r\n", query, "x"}));
 
     std::size_t passed = 0;
-    for (const std::string& piece : cutter.Feed(kDc4 + std::string(100'000, 'x')))
+    for (const std::string& piece : cutter.Feed(kDc4 + std::string(100'000, 'x'))) {
         passed += piece.size();
+    }
     EXPECT_EQ(passed + cutter.held(), 100'001U);
     EXPECT_LE(cutter.held(), 40U);
     EXPECT_EQ(cutter.Feed(query).back(), query);

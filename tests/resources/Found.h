@@ -15,8 +15,9 @@ inline constexpr WORD kBoth[] = {kEnglish, kJapanese};
 // Empty if the resource is not there in that language.
 inline kernel::Bytes Found(LPCSTR type, int id, WORD language) {
     HRSRC resource = FindResourceExA(nullptr, type, MAKEINTRESOURCEA(id), language);
-    if (!resource)
+    if (!resource) {
         return {};
+    }
     return kernel::Bytes(static_cast<const std::byte*>(LockResource(LoadResource(nullptr, resource))),
                          SizeofResource(nullptr, resource));
 }

@@ -35,8 +35,9 @@ TEST(IconResource, HasTwoSizesInTwoDepths) {
     EXPECT_EQ(promised, expected);
 
     std::vector<Kind> held;
-    for (const kernel::IconImage& image : kernel::ParseIconGroup(group, Image))
+    for (const kernel::IconImage& image : kernel::ParseIconGroup(group, Image)) {
         held.push_back({image.width, image.height, image.bitsPerPixel});
+    }
     EXPECT_EQ(held, expected);
 }
 

@@ -24,10 +24,11 @@ void AddBlocks(kernel::Bytes bytes, const std::string& path, std::map<std::strin
         const bool isText = block.U16() == 1;
         const std::string name = path + kernel::Utf8Of(block.Text());
         block.Align();
-        if (isText && valueLength > 0)
+        if (isText && valueLength > 0) {
             texts[name] = kernel::Utf8Of(block.Text());
-        else if (valueLength > 0)
+        } else if (valueLength > 0) {
             values[name] = block.Take(valueLength);
+        }
         block.Align();
         AddBlocks(block.Take(block.Left()), name + "/", texts, values);
     }

@@ -82,10 +82,7 @@ constexpr Stage kStages[] = {
          Type("Not meant");
          Press({VK_RETURN});
      }},
-    {"undone", kShortStillMs,
-     [](HWND) {
-         Press({VK_CONTROL, 'U'});
-     }},
+    {"undone", kShortStillMs, [](HWND) { Press({VK_CONTROL, 'U'}); }},
     {"menu-file", kShortStillMs, [](HWND) { OpenMenu('F'); }},
     {"import", kShortStillMs, [](HWND) { Press({'I'}); }},
     {"imported", kLongStillMs, [](HWND) { desktop::ChooseFile("titles.csv"); }},

@@ -49,8 +49,7 @@ void Scan(std::string_view text, Plain plain, Marked marked) {
 
 std::string WithoutMarks(std::string_view text) {
     std::string result;
-    Scan(
-        text, [&](std::string_view bytes) { result += bytes; }, [](char) {});
+    Scan(text, [&](std::string_view bytes) { result += bytes; }, [](char) {});
     return result;
 }
 

@@ -59,7 +59,7 @@ TEST_F(RegistryFileTest, OnlyTheUserMayReadWhatIsSaved) {
     EXPECT_TRUE(file.HasChanges());
     ASSERT_TRUE(file.Save());
     EXPECT_FALSE(file.HasChanges());
-    struct stat status {};
+    struct stat status{};
     ASSERT_EQ(stat(Path().toLocal8Bit().constData(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
     EXPECT_EQ(Content(),

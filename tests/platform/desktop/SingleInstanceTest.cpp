@@ -149,7 +149,7 @@ TEST(SingleInstance, OnlyTheUserReachesTheSocketAndNonsenseDoesNoHarm) {
     QStringList added = Sockets();
     added.removeIf([&](const QString& name) { return before.contains(name); });
     const QString path = QString::fromStdString(kernel::RuntimeFolder()) + '/' + added.value(0);
-    struct stat status {};
+    struct stat status{};
     ASSERT_EQ(stat(path.toLocal8Bit().constData(), &status), 0);
     EXPECT_EQ(status.st_mode & 077, 0u);
     for (const QByteArray& nonsense : {QByteArray(100000, 'x'), QByteArray("\0\0\0", 3), QByteArray("Zwhat\0", 6)}) {

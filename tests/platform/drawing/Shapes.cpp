@@ -240,14 +240,8 @@ const std::vector<Shape>& Shapes() {
         {"frames", 124, 92, DrawFrames},
         {"clipped", 60, 60, DrawClipped},
         {"list with cap", 134, 120, DrawListWithCap},
-        {"list with flare", 134, 120,
-         [](HDC dc) {
-             DrawListWithFlare(dc, {134, 120, 40, 16});
-         }},
-        {"list with a flare that is cut off", 101, 119,
-         [](HDC dc) {
-             DrawListWithFlare(dc, {101, 119, 92, 17});
-         }},
+        {"list with flare", 134, 120, [](HDC dc) { DrawListWithFlare(dc, {134, 120, 40, 16}); }},
+        {"list with a flare that is cut off", 101, 119, [](HDC dc) { DrawListWithFlare(dc, {101, 119, 92, 17}); }},
     };
     return shapes;
 }

@@ -43,8 +43,9 @@ TEST(CodePage, EveryByteOfTheWesternPageComesBack) {
     EXPECT_EQ(FromUtf8(text), bytes);
     EXPECT_EQ(ToUtf8("\x80 \xE9 \x81"), "\u20AC \u00E9 \xC2\x81");
     // No byte, no text that looks alike, and no half character.
-    for (const char* none : {"\u8868", "\xC2\x80", "a\xC3", "\xFF"})
+    for (const char* none : {"\u8868", "\xC2\x80", "a\xC3", "\xFF"}) {
         EXPECT_EQ(FromUtf8(none), std::nullopt) << none;
+    }
 }
 
 TEST(CodePage, DoubleBytesOfTheJapanesePage) {
@@ -59,8 +60,9 @@ TEST(CodePage, DoubleBytesOfTheJapanesePage) {
     EXPECT_EQ(FromUtf8("\u8868\u30DD\u9154\uFF71"), bytes);
     EXPECT_EQ(ToUtf8("C:\\~"), "C:\\~");
     // A yen sign is no backslash here, or it would cut a path in two.
-    for (const char* none : {"\u00A5", "\u20AC", "\xE8\xA1"})
+    for (const char* none : {"\u00A5", "\u20AC", "\xE8\xA1"}) {
         EXPECT_EQ(FromUtf8(none), std::nullopt) << none;
+    }
 }
 
 TEST(CodePage, BrokenJapaneseTextLosesOnlyWhatIsBroken) {

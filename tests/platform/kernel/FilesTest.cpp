@@ -28,8 +28,9 @@ protected:
     // Opens and closes. Gives the error, or ERROR_SUCCESS.
     static DWORD TryOpen(const std::string& path, DWORD access, DWORD disposition) {
         HANDLE file = Open(path, access, disposition);
-        if (file == INVALID_HANDLE_VALUE)
+        if (file == INVALID_HANDLE_VALUE) {
             return GetLastError();
+        }
         EXPECT_TRUE(CloseHandle(file));
         return ERROR_SUCCESS;
     }
@@ -47,8 +48,9 @@ protected:
 
 TEST_F(Files, WhatIsWrittenIsReadAgain) {
     std::string data(300'000, '\0');
-    for (std::size_t i = 0; i < data.size(); ++i)
+    for (std::size_t i = 0; i < data.size(); ++i) {
         data[i] = static_cast<char>(i * 7 + i / 256);
+    }
     HANDLE file = Open(Windows("data.bin"), GENERIC_WRITE, OPEN_ALWAYS);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     DWORD count = 0;

@@ -78,8 +78,9 @@ TEST(Handles, EachThreadHasItsOwnLastError) {
 TEST(Memory, BlocksAreZeroedWhereAskedAndNeverNone) {
     auto* block = static_cast<unsigned char*>(LocalAlloc(LPTR, 100));
     ASSERT_NE(block, nullptr);
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         EXPECT_EQ(block[i], 0);
+    }
     EXPECT_EQ(LocalFree(block), nullptr);
     HLOCAL empty = LocalAlloc(LMEM_FIXED, 0);
     EXPECT_NE(empty, nullptr);

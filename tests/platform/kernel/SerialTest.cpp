@@ -39,8 +39,9 @@ public:
     const std::string& Device() const { return device_; }
     void PullOut() {
         for (int* file : {&file_, &keeper_}) {
-            if (*file >= 0)
+            if (*file >= 0) {
                 close(*file);
+            }
             *file = -1;
         }
     }
@@ -52,8 +53,9 @@ public:
         WaitUntil([&] {
             char buffer[512];
             const ssize_t got = read(file_, buffer, sizeof buffer);
-            if (got > 0)
+            if (got > 0) {
                 received.append(buffer, static_cast<std::size_t>(got));
+            }
             return received.size() >= count;
         });
         return received;
@@ -89,8 +91,9 @@ protected:
         Link("com3", far_.Device());
     }
     void TearDown() override {
-        if (port_ != INVALID_HANDLE_VALUE)
+        if (port_ != INVALID_HANDLE_VALUE) {
             CloseHandle(port_);
+        }
     }
 
     void Link(const char* name, const std::string& device) const {
@@ -141,8 +144,9 @@ protected:
 
 std::string EveryByte() {
     std::string bytes;
-    for (int i = 0; i < 256; ++i)
+    for (int i = 0; i < 256; ++i) {
         bytes += static_cast<char>(i);
+    }
     return bytes;
 }
 
@@ -232,8 +236,9 @@ TEST_F(Serial, NamesLeadToDevices) {
     EXPECT_NE(port_, INVALID_HANDLE_VALUE);
     EXPECT_EQ(CreateFileA("COM3", GENERIC_READ, 0, nullptr, CREATE_ALWAYS, 0, nullptr), INVALID_HANDLE_VALUE);
 
-    for (const char* none : {"COM0", "COM9", "COM", "COM10", "COM1 ", "LPT1", ""})
+    for (const char* none : {"COM0", "COM9", "COM", "COM10", "COM1 ", "LPT1", ""}) {
         EXPECT_EQ(kernel::PortNumber(none), 0) << none;
+    }
     EXPECT_EQ(kernel::PortDevice(4), "/dev/ttyS3");
     const EnvironmentVariable noFolder("XDG_CONFIG_HOME", "relative");
     const EnvironmentVariable home("HOME", folder_.Path().c_str());
@@ -245,8 +250,9 @@ TEST_F(Serial, NamesLeadToDevices) {
 
 TEST_F(Serial, UsbAdaptersStandInOrderOfTheirNumbers) {
     const std::string folder = folder_.Path().string();
-    for (const char* name : {"ttyACM0", "ttyUSB10", "ttyUSB2", "ttyUSB", "ttyUSBx", "ttyS0"})
+    for (const char* name : {"ttyACM0", "ttyUSB10", "ttyUSB2", "ttyUSB", "ttyUSBx", "ttyS0"}) {
         std::ofstream(folder_.Path() / name) << "";
+    }
     const std::vector<std::string> expected = {folder + "/ttyUSB2", folder + "/ttyUSB10", folder + "/ttyACM0"};
     EXPECT_EQ(kernel::UsbPorts(folder), expected);
     EXPECT_TRUE(kernel::UsbPorts(folder + "/none").empty());
@@ -268,8 +274,9 @@ TEST_F(Serial, APulledOutDeviceFailsAtOnceAndCostsNothing) {
     };
     const std::int64_t cpu = cpuNs();
     const std::int64_t start = kernel::MonotonicNs();
-    for (int i = 0; i < 10'000; ++i)
+    for (int i = 0; i < 10'000; ++i) {
         ASSERT_FALSE(ClearCommError(port_, nullptr, &status));
+    }
     EXPECT_LT(cpuNs() - cpu, 500 * kernel::kNsPerMs);
     EXPECT_LT(kernel::MonotonicNs() - start, 5000 * kernel::kNsPerMs);
     EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));

@@ -15,13 +15,15 @@ using Buffer = std::vector<std::byte>;
 class Writer {
 public:
     Writer& Put(std::uint32_t value, int size) {
-        for (int i = 0; i < size; ++i)
+        for (int i = 0; i < size; ++i) {
             bytes_.push_back(static_cast<std::byte>(value >> (8 * i)));
+        }
         return *this;
     }
     Writer& Repeat(int count, std::uint32_t value, int size) {
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             Put(value, size);
+        }
         return *this;
     }
     const Buffer& Bytes() const { return bytes_; }
@@ -74,14 +76,16 @@ TEST(Templates, ChangedBytesAreSurvived) {
     for (const Buffer& whole : {Whole(RT_MENU), Whole(RT_DIALOG), icon.Bytes()}) {
         for (int run = 0; run < 2000; ++run) {
             Buffer bytes = whole;
-            for (int i = 0; i < 3; ++i)
+            for (int i = 0; i < 3; ++i) {
                 bytes[random() % bytes.size()] = static_cast<std::byte>(random());
+            }
             kernel::ParseMenu(bytes);
             kernel::ParseDialog(bytes);
             kernel::ParseAccelerators(bytes);
             kernel::StringInBlock(bytes, random() % 16);
-            for (const kernel::IconImage& image : ParseOneIcon(bytes))
+            for (const kernel::IconImage& image : ParseOneIcon(bytes)) {
                 ASSERT_EQ(image.pixels.size(), static_cast<std::size_t>(image.width * image.height));
+            }
         }
     }
 }

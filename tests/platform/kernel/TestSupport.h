@@ -18,8 +18,9 @@ template <class Condition>
 bool WaitUntil(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
+        if (std::chrono::steady_clock::now() > end) {
             return false;
+        }
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
     return true;
@@ -36,10 +37,11 @@ public:
         setenv(name, value, 1);
     }
     ~EnvironmentVariable() {
-        if (had_)
+        if (had_) {
             setenv(name_, old_.c_str(), 1);
-        else
+        } else {
             unsetenv(name_);
+        }
     }
     EnvironmentVariable(const EnvironmentVariable&) = delete;
     EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;

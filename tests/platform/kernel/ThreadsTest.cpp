@@ -131,8 +131,9 @@ TEST(Locks, RecursiveUnderContention) {
     Counter counter;
     InitializeCriticalSection(&counter.lock);
     std::vector<HANDLE> threads;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         threads.push_back(CreateThread(nullptr, 0, CountUp, &counter, 0, nullptr));
+    }
     for (HANDLE thread : threads) {
         EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
         CloseHandle(thread);

@@ -33,8 +33,9 @@ DWORD WINAPI WaitInCrowd(LPVOID parameter) {
 
 std::vector<HANDLE> StartCrowd(Crowd& crowd, int size) {
     std::vector<HANDLE> threads;
-    for (int i = 0; i < size; ++i)
+    for (int i = 0; i < size; ++i) {
         threads.push_back(CreateThread(nullptr, 0, WaitInCrowd, &crowd, 0, nullptr));
+    }
     EXPECT_TRUE(WaitUntil([&] { return crowd.waiting == size; }));
     return threads;
 }
@@ -86,15 +87,17 @@ TEST(Waiting, SignalsAreKeptOnceUntilSomebodyWaits) {
 
 TEST(Waiting, TheFirstOfSeveralWinsAndOnlyItIsConsumed) {
     std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> events;
-    for (HANDLE& event : events)
+    for (HANDLE& event : events) {
         event = AutoReset();
+    }
     SetEvent(events[63]);
     SetEvent(events[5]);
     EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, INFINITE), WAIT_OBJECT_0 + 5);
     EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, INFINITE), WAIT_OBJECT_0 + 63);
     EXPECT_EQ(WaitForMultipleObjects(64, events.data(), FALSE, 0), WAIT_TIMEOUT);
-    for (HANDLE event : events)
+    for (HANDLE event : events) {
         CloseHandle(event);
+    }
 }
 
 TEST(Waiting, ATimeoutIsNotEarly) {
@@ -131,8 +134,9 @@ DWORD WINAPI TakeItems(LPVOID parameter) {
     for (DWORD i = 0; !exchange->stop; ++i) {
         const DWORD result = WaitForMultipleObjects(2, handles, FALSE, i % 2);
         EXPECT_NE(result, WAIT_FAILED);
-        if (result != WAIT_TIMEOUT)
+        if (result != WAIT_TIMEOUT) {
             ++exchange->taken;
+        }
     }
     return 0;
 }
@@ -141,8 +145,9 @@ TEST(Waiting, SignalsThatMeetTimeoutsAreNeitherLostNorDoubled) {
     constexpr int kRounds = 3000;
     Exchange exchange;
     std::vector<HANDLE> threads;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         threads.push_back(CreateThread(nullptr, 0, TakeItems, &exchange, 0, nullptr));
+    }
     for (int i = 1; i <= kRounds; ++i) {
         SetEvent(exchange.items);
         SetEvent(exchange.other);

@@ -147,9 +147,7 @@ TEST(Schedule, FailuresOfMemoryAndThreadsAreDrawn) {
     ExpectDone(simulation, [&] {
         simulation.SetFaults({.memoryFailure = 1, .threadFailure = 1});
         EXPECT_EQ(LocalAlloc(LPTR, 10), nullptr);
-        EXPECT_EQ(CreateThread(
-                      nullptr, 0, [](LPVOID) -> DWORD { return 0; }, nullptr, 0, nullptr),
-                  nullptr);
+        EXPECT_EQ(CreateThread(nullptr, 0, [](LPVOID) -> DWORD { return 0; }, nullptr, 0, nullptr), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
         simulation.SetFaults({});
         auto* block = static_cast<char*>(LocalAlloc(LPTR, 10));

@@ -83,8 +83,7 @@ TEST(Time, TicksCountMillisecondsAndWrapAround) {
 // Time jumps to the next thing that happens, and to nothing else.
 TEST(Time, DaysPassAtOnce) {
     Simulation simulation({.jitterMs = 0});
-    ExpectDone(
-        simulation, [&] { Sleep(24 * 3600 * 1000); }, 25 * kHour);
+    ExpectDone(simulation, [&] { Sleep(24 * 3600 * 1000); }, 25 * kHour);
     EXPECT_EQ(simulation.Now(), 24 * kHour);
     EXPECT_LE(simulation.Switches(), 3U);
 }

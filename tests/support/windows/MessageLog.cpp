@@ -17,8 +17,7 @@ struct Named {
     const char* name;
 };
 
-#define NAMED(message) \
-    { message, #message }
+#define NAMED(message) {message, #message}
 
 constexpr Named kNames[] = {
     NAMED(WM_CREATE),        NAMED(WM_DESTROY),           NAMED(WM_MOVE),           NAMED(WM_SIZE),

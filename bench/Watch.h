@@ -8,11 +8,11 @@
 class Watch {
 public:
     double Milliseconds() const {
-        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin_).count();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
     }
 
 private:
-    std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
 };
 
 // Of at least one value.

@@ -10,7 +10,7 @@
 
 namespace {
 
-enum class Tag {
+enum class TagId {
     kNone,
     kComment,
     kAbstract,
@@ -38,7 +38,7 @@ enum class Tag {
 
 enum class Form { kNone, kText, kContainer, kContainerOrEmpty, kEmpty };
 
-constexpr unsigned Bit(Tag tag) {
+constexpr unsigned Bit(TagId tag) {
     return 1U << static_cast<unsigned>(tag);
 }
 
@@ -48,7 +48,7 @@ constexpr unsigned In(Tags... tags) {
 }
 
 struct TagRow {
-    Tag tag;
+    TagId tag;
     std::string_view name;
     Form form;
     unsigned parents;  // of Bit; the top of the document is kNone
@@ -56,28 +56,28 @@ struct TagRow {
 
 // A comment and a skin may stand nowhere.
 constexpr std::array<TagRow, 22> kTags = {{
-    {Tag::kComment, "!--", Form::kNone, 0},
-    {Tag::kAbstract, "ABSTRACT", Form::kText, In(Tag::kAsx, Tag::kBanner, Tag::kEntry)},
-    {Tag::kAsx, "ASX", Form::kContainer, In(Tag::kNone)},
-    {Tag::kAuthor, "AUTHOR", Form::kText, In(Tag::kAsx, Tag::kEntry)},
-    {Tag::kBanner, "BANNER", Form::kContainerOrEmpty, In(Tag::kAsx, Tag::kEntry)},
-    {Tag::kBase, "BASE", Form::kEmpty, In(Tag::kAsx, Tag::kEntry)},
-    {Tag::kCopyright, "COPYRIGHT", Form::kText, In(Tag::kAsx, Tag::kEntry)},
-    {Tag::kDuration, "DURATION", Form::kEmpty, In(Tag::kEntry, Tag::kRef)},
-    {Tag::kEndMarker, "ENDMARKER", Form::kEmpty, In(Tag::kEntry, Tag::kRef)},
-    {Tag::kEntry, "ENTRY", Form::kContainer, In(Tag::kAsx, Tag::kEvent, Tag::kRepeat)},
-    {Tag::kEntryRef, "ENTRYREF", Form::kEmpty, In(Tag::kAsx, Tag::kEvent, Tag::kRepeat)},
-    {Tag::kEvent, "EVENT", Form::kContainer, In(Tag::kAsx)},
-    {Tag::kLogo, "LOGO", Form::kEmpty, In(Tag::kAsx, Tag::kEntry)},
-    {Tag::kMoreInfo, "MOREINFO", Form::kEmpty, In(Tag::kAsx, Tag::kBanner, Tag::kEntry)},
-    {Tag::kParam, "PARAM", Form::kEmpty, In(Tag::kAsx, Tag::kEntry)},
-    {Tag::kPreviewDuration, "PREVIEWDURATION", Form::kEmpty, In(Tag::kAsx, Tag::kEntry, Tag::kRef)},
-    {Tag::kRef, "REF", Form::kContainerOrEmpty, In(Tag::kEntry)},
-    {Tag::kRepeat, "REPEAT", Form::kContainer, In(Tag::kAsx)},
-    {Tag::kSkin, "SKIN", Form::kEmpty, 0},
-    {Tag::kStartMarker, "STARTMARKER", Form::kEmpty, In(Tag::kEntry, Tag::kRef)},
-    {Tag::kStartTime, "STARTTIME", Form::kEmpty, In(Tag::kEntry, Tag::kRef)},
-    {Tag::kTitle, "TITLE", Form::kText, In(Tag::kAsx, Tag::kEntry)},
+    {TagId::kComment, "!--", Form::kNone, 0},
+    {TagId::kAbstract, "ABSTRACT", Form::kText, In(TagId::kAsx, TagId::kBanner, TagId::kEntry)},
+    {TagId::kAsx, "ASX", Form::kContainer, In(TagId::kNone)},
+    {TagId::kAuthor, "AUTHOR", Form::kText, In(TagId::kAsx, TagId::kEntry)},
+    {TagId::kBanner, "BANNER", Form::kContainerOrEmpty, In(TagId::kAsx, TagId::kEntry)},
+    {TagId::kBase, "BASE", Form::kEmpty, In(TagId::kAsx, TagId::kEntry)},
+    {TagId::kCopyright, "COPYRIGHT", Form::kText, In(TagId::kAsx, TagId::kEntry)},
+    {TagId::kDuration, "DURATION", Form::kEmpty, In(TagId::kEntry, TagId::kRef)},
+    {TagId::kEndMarker, "ENDMARKER", Form::kEmpty, In(TagId::kEntry, TagId::kRef)},
+    {TagId::kEntry, "ENTRY", Form::kContainer, In(TagId::kAsx, TagId::kEvent, TagId::kRepeat)},
+    {TagId::kEntryRef, "ENTRYREF", Form::kEmpty, In(TagId::kAsx, TagId::kEvent, TagId::kRepeat)},
+    {TagId::kEvent, "EVENT", Form::kContainer, In(TagId::kAsx)},
+    {TagId::kLogo, "LOGO", Form::kEmpty, In(TagId::kAsx, TagId::kEntry)},
+    {TagId::kMoreInfo, "MOREINFO", Form::kEmpty, In(TagId::kAsx, TagId::kBanner, TagId::kEntry)},
+    {TagId::kParam, "PARAM", Form::kEmpty, In(TagId::kAsx, TagId::kEntry)},
+    {TagId::kPreviewDuration, "PREVIEWDURATION", Form::kEmpty, In(TagId::kAsx, TagId::kEntry, TagId::kRef)},
+    {TagId::kRef, "REF", Form::kContainerOrEmpty, In(TagId::kEntry)},
+    {TagId::kRepeat, "REPEAT", Form::kContainer, In(TagId::kAsx)},
+    {TagId::kSkin, "SKIN", Form::kEmpty, 0},
+    {TagId::kStartMarker, "STARTMARKER", Form::kEmpty, In(TagId::kEntry, TagId::kRef)},
+    {TagId::kStartTime, "STARTTIME", Form::kEmpty, In(TagId::kEntry, TagId::kRef)},
+    {TagId::kTitle, "TITLE", Form::kText, In(TagId::kAsx, TagId::kEntry)},
 }};
 
 constexpr int kNowhere = -1;
@@ -91,18 +91,18 @@ constexpr bool IsWhite(char byte) {
 // At most so many bytes of what was read; more than that changes nothing.
 class Buffer {
 public:
-    bool IsFull() const { return length_ == bytes_.size(); }
+    bool IsFull() const { return length == bytes.size(); }
     void Add(char byte) {
         if (!IsFull()) {
-            bytes_[length_++] = byte;
+            bytes[length++] = byte;
         }
     }
-    void Clear() { length_ = 0; }
-    std::string_view View() const { return {bytes_.data(), length_}; }
+    void Clear() { length = 0; }
+    std::string_view View() const { return {bytes.data(), length}; }
 
 private:
-    std::array<char, kBufferSize> bytes_{};
-    std::size_t length_ = 0;
+    std::array<char, kBufferSize> bytes{};
+    std::size_t length = 0;
 };
 
 char Capital(char letter) {
@@ -126,7 +126,7 @@ bool HasClosing(Form form) {
 
 // The closing name of the row, as in "/TITLE"; of a comment "--".
 bool IsClosingOf(std::string_view name, const TagRow& row) {
-    if (row.tag == Tag::kComment) {
+    if (row.tag == TagId::kComment) {
         return name == "--";
     }
     return HasClosing(row.form) && !name.empty() && name[0] == '/' && IsCapitalsOf(name.substr(1), row.name);
@@ -134,63 +134,63 @@ bool IsClosingOf(std::string_view name, const TagRow& row) {
 
 class AsxReader {
 public:
-    AsxReader(std::string_view text, TitleFile& titles) : text_(text), titles_(titles) {}
+    AsxReader(std::string_view text, TitleFile& titles) : text(text), titles(titles) {}
 
-    bool ReadElement(int track, Tag parent);
+    bool ReadElement(int track, TagId parent);
 
 private:
-    bool IsAt(char byte) const { return at_ < text_.size() && text_[at_] == byte; }
-    bool IsAtEmptyEnd() const { return text_.substr(at_, 2) == "/>"; }
+    bool IsAt(char byte) const { return at < text.size() && text[at] == byte; }
+    bool IsAtEmptyEnd() const { return text.substr(at, 2) == "/>"; }
     void SkipWhite();
     bool GoBehindNext(char byte);
     bool ReadName(std::string_view& name);
-    bool ReadAttributes(Tag tag, Buffer& value);
+    bool ReadAttributes(TagId tag, Buffer& value);
     bool ReadAttribute(bool& isLast);
     bool ReadValue();
-    bool ReadContent(const TagRow& row, int track, Tag parent);
-    bool ReadText(Tag tag, int track);
+    bool ReadContent(const TagRow& row, int track, TagId parent);
+    bool ReadText(TagId tag, int track);
 
-    std::string_view text_;
-    TitleFile& titles_;
-    std::size_t at_ = 0;
+    std::string_view text;
+    TitleFile& titles;
+    std::size_t at = 0;
     // The attribute in hand.
-    Buffer attributeName_;
-    Buffer attributeValue_;
+    Buffer attributeName;
+    Buffer attributeValue;
 };
 
 void AsxReader::SkipWhite() {
-    while (at_ < text_.size() && IsWhite(text_[at_])) {
-        ++at_;
+    while (at < text.size() && IsWhite(text[at])) {
+        ++at;
     }
 }
 
 bool AsxReader::GoBehindNext(char byte) {
-    const std::size_t found = text_.find(byte, at_);
+    const std::size_t found = text.find(byte, at);
     if (found == std::string_view::npos) {
         return false;
     }
-    at_ = found + 1;
+    at = found + 1;
     return true;
 }
 
 // Up to white space or the end of the tag. A slash is part of the name.
 bool AsxReader::ReadName(std::string_view& name) {
-    const std::size_t begin = at_;
-    while (at_ < text_.size() && !IsWhite(text_[at_]) && text_[at_] != '>') {
-        if (++at_ - begin > kLongestName) {
+    const std::size_t begin = at;
+    while (at < text.size() && !IsWhite(text[at]) && text[at] != '>') {
+        if (++at - begin > kLongestName) {
             return false;
         }
     }
-    name = text_.substr(begin, at_ - begin);
-    return at_ < text_.size();
+    name = text.substr(begin, at - begin);
+    return at < text.size();
 }
 
-bool AsxReader::ReadElement(int track, Tag parent) {
+bool AsxReader::ReadElement(int track, TagId parent) {
     SkipWhite();
     if (!IsAt('<')) {
         return false;
     }
-    ++at_;
+    ++at;
     std::string_view name;
     if (!ReadName(name)) {
         return false;
@@ -204,36 +204,36 @@ bool AsxReader::ReadElement(int track, Tag parent) {
         return false;
     }
     if (track >= 0 && !value.View().empty()) {
-        titles_.AddTitle(track, value.View());
+        titles.AddTitle(track, value.View());
     }
     const bool mayBeEmpty = row->form == Form::kEmpty || row->form == Form::kContainerOrEmpty;
     if (mayBeEmpty && IsAtEmptyEnd()) {
-        at_ += 2;
+        at += 2;
         return true;
     }
     if (!HasClosing(row->form) || !IsAt('>')) {
         return false;
     }
-    ++at_;
+    ++at;
     return ReadContent(*row, track, parent);
 }
 
 // Only the one that names its element gives a value: NAME="NAME" and, behind it, VALUE with the title.
-bool AsxReader::ReadAttributes(Tag tag, Buffer& value) {
+bool AsxReader::ReadAttributes(TagId tag, Buffer& value) {
     enum { kWantsName, kWantsValue, kHasValue } stage = kWantsName;
     bool isLast = false;
     while (!isLast) {
         if (!ReadAttribute(isLast)) {
             return false;
         }
-        if (tag != Tag::kParam) {
+        if (tag != TagId::kParam) {
             continue;
         }
-        if (stage == kWantsName && IsCapitalsOf(attributeName_.View(), "NAME") &&
-            IsCapitalsOf(attributeValue_.View(), "NAME")) {
+        if (stage == kWantsName && IsCapitalsOf(attributeName.View(), "NAME") &&
+            IsCapitalsOf(attributeValue.View(), "NAME")) {
             stage = kWantsValue;
-        } else if (stage == kWantsValue && IsCapitalsOf(attributeName_.View(), "VALUE")) {
-            value = attributeValue_;
+        } else if (stage == kWantsValue && IsCapitalsOf(attributeName.View(), "VALUE")) {
+            value = attributeValue;
             stage = kHasValue;
         }
     }
@@ -242,26 +242,26 @@ bool AsxReader::ReadAttributes(Tag tag, Buffer& value) {
 
 // White space inside a name is dropped.
 bool AsxReader::ReadAttribute(bool& isLast) {
-    attributeName_.Clear();
-    attributeValue_.Clear();
+    attributeName.Clear();
+    attributeValue.Clear();
     while (true) {
         SkipWhite();
-        if (at_ >= text_.size()) {
+        if (at >= text.size()) {
             return false;
         }
-        const char byte = text_[at_];
+        const char byte = text[at];
         if (byte == '>' || IsAtEmptyEnd()) {
             isLast = true;
             return true;
         }
-        ++at_;
+        ++at;
         if (byte == '=') {
             return ReadValue();
         }
-        if (attributeName_.IsFull()) {
+        if (attributeName.IsFull()) {
             return false;
         }
-        attributeName_.Add(byte);
+        attributeName.Add(byte);
         if (byte == '"' && !GoBehindNext('"')) {
             return false;
         }
@@ -271,31 +271,31 @@ bool AsxReader::ReadAttribute(bool& isLast) {
 // A value without quotes is none; its first byte is passed over.
 bool AsxReader::ReadValue() {
     SkipWhite();
-    if (at_ >= text_.size()) {
+    if (at >= text.size()) {
         return false;
     }
-    if (text_[at_++] != '"') {
+    if (text[at++] != '"') {
         return true;
     }
-    const std::size_t begin = at_;
+    const std::size_t begin = at;
     if (!GoBehindNext('"')) {
         return false;
     }
-    for (const char byte : text_.substr(begin, std::min(at_ - 1 - begin, kBufferSize))) {
-        attributeValue_.Add(byte);
+    for (const char byte : text.substr(begin, std::min(at - 1 - begin, kBufferSize))) {
+        attributeValue.Add(byte);
     }
     return true;
 }
 
 // A play list counts its own entries. What stands elsewhere has a title for nobody.
-bool AsxReader::ReadContent(const TagRow& row, int track, Tag parent) {
+bool AsxReader::ReadContent(const TagRow& row, int track, TagId parent) {
     int entries = 0;
     while (true) {
         SkipWhite();
         const TagRow* opening = nullptr;
         if (IsAt('<')) {
-            const std::size_t begin = at_;
-            ++at_;
+            const std::size_t begin = at;
+            ++at;
             SkipWhite();
             std::string_view name;
             if (!ReadName(name)) {
@@ -305,18 +305,18 @@ bool AsxReader::ReadContent(const TagRow& row, int track, Tag parent) {
                 return GoBehindNext('>');
             }
             opening = FindOpening(name);
-            at_ = begin;
+            at = begin;
         }
         bool isRead = false;
         if (row.form == Form::kText) {
             // No tag stands in a text.
             isRead = !IsAt('<') && ReadText(row.tag, track);
-        } else if (row.tag == Tag::kAsx) {
-            const bool isEntry = opening != nullptr && opening->tag == Tag::kEntry;
+        } else if (row.tag == TagId::kAsx) {
+            const bool isEntry = opening != nullptr && opening->tag == TagId::kEntry;
             entries += isEntry ? 1 : 0;
             isRead = ReadElement(isEntry ? entries : track, row.tag);
         } else {
-            const bool isOwnEntry = row.tag == Tag::kEntry && parent == Tag::kAsx;
+            const bool isOwnEntry = row.tag == TagId::kEntry && parent == TagId::kAsx;
             isRead = ReadElement(isOwnEntry ? track : kNowhere, row.tag);
         }
         if (!isRead) {
@@ -325,20 +325,20 @@ bool AsxReader::ReadContent(const TagRow& row, int track, Tag parent) {
     }
 }
 
-bool AsxReader::ReadText(Tag tag, int track) {
-    const std::size_t end = text_.find('<', at_);
+bool AsxReader::ReadText(TagId tag, int track) {
+    const std::size_t end = text.find('<', at);
     if (end == std::string_view::npos) {
         return false;
     }
-    if (tag == Tag::kTitle && track >= 0) {
-        titles_.AddTitle(track, text_.substr(at_, std::min(end - at_, kBufferSize)));
+    if (tag == TagId::kTitle && track >= 0) {
+        titles.AddTitle(track, text.substr(at, std::min(end - at, kBufferSize)));
     }
-    at_ = end;
+    at = end;
     return true;
 }
 
 }  // namespace
 
 int TitleFile::ReadAsx(std::string_view text) {
-    return AsxReader(text, *this).ReadElement(0, Tag::kNone) ? 1 : 0;
+    return AsxReader(text, *this).ReadElement(0, TagId::kNone) ? 1 : 0;
 }

@@ -35,42 +35,42 @@ std::size_t EndOfField(std::string_view text) {
 // Gives the value of a CSV field byte by byte: without the quotes around its quoted part, doubled ones once.
 class FieldReader {
 public:
-    explicit FieldReader(std::string_view field) : field_(field) {
-        if (!field_.empty() && field_[0] == '"') {
-            isQuoted_ = true;
-            at_ = 1;
-            searchStart_ = 1;
+    explicit FieldReader(std::string_view field) : field(field) {
+        if (!field.empty() && field[0] == '"') {
+            isQuoted = true;
+            at = 1;
+            searchStart = 1;
         }
     }
 
     bool Next(char& byte) {
-        if (isQuoted_ && at_ < field_.size() && field_[at_] == '"') {
-            if (at_ > searchStart_ && IsLeadByte(field_[at_ - 1])) {
+        if (isQuoted && at < field.size() && field[at] == '"') {
+            if (at > searchStart && IsLeadByte(field[at - 1])) {
                 // The second byte of a character, and no quote.
-                searchStart_ = at_ + 1;
-            } else if (at_ + 1 < field_.size() && field_[at_ + 1] == '"') {
+                searchStart = at + 1;
+            } else if (at + 1 < field.size() && field[at + 1] == '"') {
                 byte = '"';
-                at_ += 2;
-                searchStart_ = at_;
+                at += 2;
+                searchStart = at;
                 return true;
             } else {
-                isQuoted_ = false;
-                ++at_;
+                isQuoted = false;
+                ++at;
             }
         }
         // Half a character at the end has no second byte.
-        if (at_ >= field_.size() || (at_ + 1 == field_.size() && IsLeadByte(field_[at_]))) {
+        if (at >= field.size() || (at + 1 == field.size() && IsLeadByte(field[at]))) {
             return false;
         }
-        byte = field_[at_++];
+        byte = field[at++];
         return true;
     }
 
 private:
-    std::string_view field_;
-    std::size_t at_ = 0;
-    std::size_t searchStart_ = 0;
-    bool isQuoted_ = false;
+    std::string_view field;
+    std::size_t at = 0;
+    std::size_t searchStart = 0;
+    bool isQuoted = false;
 };
 
 int NumberOf(std::string_view field) {

@@ -70,24 +70,24 @@ void CleanTitle(std::string_view raw, char (&title)[kTitleSize]) {
 }
 
 bool NumberReader::Take(char byte) {
-    if (!hasBegun_ && kWhiteSpace.find(byte) != std::string_view::npos) {
+    if (!hasBegun && kWhiteSpace.find(byte) != std::string_view::npos) {
         return true;
     }
-    if (!hasBegun_ && (byte == '-' || byte == '+')) {
-        isNegative_ = byte == '-';
-        hasBegun_ = true;
+    if (!hasBegun && (byte == '-' || byte == '+')) {
+        isNegative = byte == '-';
+        hasBegun = true;
         return true;
     }
-    hasBegun_ = true;
+    hasBegun = true;
     if (byte < '0' || byte > '9') {
         return false;
     }
-    number_ = std::min<long long>(number_ * 10 + (byte - '0'), INT_MAX);
+    number = std::min<long long>(number * 10 + (byte - '0'), INT_MAX);
     return true;
 }
 
 int NumberReader::Number() const {
-    return static_cast<int>(isNegative_ ? -number_ : number_);
+    return static_cast<int>(isNegative ? -number : number);
 }
 
 int ReadNumber(std::string_view text) {

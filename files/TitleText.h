@@ -29,8 +29,8 @@ public:
     int Number() const;
 
 private:
-    bool isNegative_ = false;
-    bool hasBegun_ = false;
-    long long number_ = 0;
+    bool isNegative = false;
+    bool hasBegun = false;
+    long long number = 0;
 };
 int ReadNumber(std::string_view text);

@@ -17,23 +17,23 @@ class DoubledNames {
 public:
     bool operator()(int, Json::parse_event_t event, Json& value) {
         if (event == Json::parse_event_t::object_start) {
-            open_.emplace_back();
+            open.emplace_back();
         } else if (event == Json::parse_event_t::object_end) {
-            open_.pop_back();
+            open.pop_back();
         } else if (event == Json::parse_event_t::key) {
             const auto& name = value.get_ref<const std::string&>();
-            if (!open_.back().insert(name).second && first_.empty()) {
-                first_ = name;
+            if (!open.back().insert(name).second && first.empty()) {
+                first = name;
             }
         }
         return true;
     }
 
-    const std::string& first() const { return first_; }
+    const std::string& First() const { return first; }
 
 private:
-    std::vector<std::set<std::string>> open_;
-    std::string first_;
+    std::vector<std::set<std::string>> open;
+    std::string first;
 };
 
 // 1 to `last`, with no leading zeros or signs, so that one number has one name.
@@ -50,7 +50,7 @@ std::optional<int> ReadNumber(const std::string& name, int last) {
 // Fills a library from the parsed text and remembers the first thing that is wrong.
 class LibraryReader {
 public:
-    explicit LibraryReader(UnitLibrary& library) : library_(library) {}
+    explicit LibraryReader(UnitLibrary& library) : library(library) {}
 
     bool Read(const Json& root) {
         if (!root.is_object()) {
@@ -60,18 +60,18 @@ public:
             if (name != "discs" && name != "albums") {
                 return Fail("library", "has the unknown name \"" + name + "\"");
             }
-            if (!ReadGroups(name == "discs" ? GroupKind::Disc : GroupKind::Album, name, value)) {
+            if (!ReadGroups(name == "discs" ? GroupKind::kDisc : GroupKind::kAlbum, name, value)) {
                 return false;
             }
         }
         return true;
     }
 
-    const std::string& error() const { return error_; }
+    const std::string& Error() const { return error; }
 
 private:
     bool Fail(const std::string& where, const std::string& what) {
-        error_ = where + " " + what;
+        error = where + " " + what;
         return false;
     }
 
@@ -95,7 +95,7 @@ private:
         if (!value.is_object()) {
             return Fail(NameOf(group), "is no object");
         }
-        library_.Add(group);
+        library.Add(group);
         for (const auto& [name, part] : value.items()) {
             if (name != "title" && name != "tracks") {
                 return Fail(NameOf(group), "has the unknown name \"" + name + "\"");
@@ -125,19 +125,19 @@ private:
 
     bool ReadTitle(const Entry& entry, const Json& value) {
         if (value.is_null()) {
-            return library_.Add(entry);
+            return library.Add(entry);
         }
         if (!value.is_string()) {
             return Fail(NameOf(entry), "has a title that is neither text nor null");
         }
-        if (!library_.SetTitle(entry, value.get_ref<const std::string&>())) {
+        if (!library.SetTitle(entry, value.get_ref<const std::string&>())) {
             return Fail(NameOf(entry), "has a title that is longer than 32 characters or not printable ASCII");
         }
         return true;
     }
 
-    UnitLibrary& library_;
-    std::string error_;
+    UnitLibrary& library;
+    std::string error;
 };
 
 Json TitleValue(const std::optional<std::string>& title) {
@@ -170,14 +170,14 @@ bool ParseLibrary(std::string_view text, UnitLibrary& library, std::string& erro
         error = failure.what();
         return false;
     }
-    if (!doubled.first().empty()) {
-        error = "\"" + doubled.first() + "\" stands twice in the same place";
+    if (!doubled.First().empty()) {
+        error = "\"" + doubled.First() + "\" stands twice in the same place";
         return false;
     }
     UnitLibrary read;
     LibraryReader reader(read);
     if (!reader.Read(root)) {
-        error = reader.error();
+        error = reader.Error();
         return false;
     }
     library = std::move(read);
@@ -186,8 +186,8 @@ bool ParseLibrary(std::string_view text, UnitLibrary& library, std::string& erro
 
 std::string FormatLibrary(const UnitLibrary& library) {
     Json root = Json::object();
-    root["discs"] = GroupsValue(library.GroupsOf(GroupKind::Disc));
-    root["albums"] = GroupsValue(library.GroupsOf(GroupKind::Album));
+    root["discs"] = GroupsValue(library.GroupsOf(GroupKind::kDisc));
+    root["albums"] = GroupsValue(library.GroupsOf(GroupKind::kAlbum));
     return root.dump(2) + "\n";
 }
 

@@ -5,7 +5,7 @@
 namespace library {
 
 std::string NameOf(const Entry& entry) {
-    std::string name = entry.kind == GroupKind::Disc ? "Disc " : "Album ";
+    std::string name = entry.kind == GroupKind::kDisc ? "Disc " : "Album ";
     name += std::to_string(entry.group);
     if (entry.track > 0) {
         name += " track " + std::to_string(entry.track);

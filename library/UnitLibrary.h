@@ -7,7 +7,7 @@
 
 namespace library {
 
-enum class GroupKind { Disc = 0, Album = 1 };
+enum class GroupKind { kDisc = 0, kAlbum = 1 };
 
 inline constexpr int kLastGroup = 999;
 inline constexpr int kLastTrack = 99;
@@ -15,7 +15,7 @@ inline constexpr std::size_t kLongestTitle = 32;
 
 // A disc or an album with track 0, or one of its tracks.
 struct Entry {
-    GroupKind kind = GroupKind::Disc;
+    GroupKind kind = GroupKind::kDisc;
     int group = 1;  // 1 to 999
     int track = 0;  // 0 is the group's own title, 1 to 99 a track
 
@@ -56,16 +56,16 @@ public:
     // Null for an entry that has no title or does not exist. Valid until the entry changes.
     const std::string* Title(const Entry& entry) const;
 
-    const Groups& GroupsOf(GroupKind kind) const { return kind == GroupKind::Disc ? discs_ : albums_; }
+    const Groups& GroupsOf(GroupKind kind) const { return kind == GroupKind::kDisc ? discs : albums; }
 
     bool operator==(const UnitLibrary&) const = default;
 
 private:
-    Groups& MutableGroups(GroupKind kind) { return kind == GroupKind::Disc ? discs_ : albums_; }
+    Groups& MutableGroups(GroupKind kind) { return kind == GroupKind::kDisc ? discs : albums; }
     const std::optional<std::string>* Find(const Entry& entry) const;
 
-    Groups discs_;
-    Groups albums_;
+    Groups discs;
+    Groups albums;
 };
 
 }  // namespace library

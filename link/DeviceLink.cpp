@@ -13,29 +13,29 @@ constexpr UINT kTimerPeriodMs = 1;
 
 }  // namespace
 
-DeviceLink::DeviceLink() : cutter_(FrameArrived, this) {}
+DeviceLink::DeviceLink() : cutter(FrameArrived, this) {}
 
 DeviceLink::~DeviceLink() {
     Disconnect();
 }
 
 void DeviceLink::SetTitleStore(TitleStore* store) {
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     titleStore = store;
 }
 
 void DeviceLink::SetDisplayRanges(const DisplayRanges& newRanges) {
-    LockGuard lock(queueLock_);
-    ranges.DiscFrom = std::clamp(newRanges.DiscFrom, 0, kDiscs);
-    ranges.DiscTo = std::clamp(newRanges.DiscTo, 0, kDiscs);
-    ranges.AlbumFrom = std::clamp(newRanges.AlbumFrom, 0, kAlbums);
-    ranges.AlbumTo = std::clamp(newRanges.AlbumTo, 0, kAlbums);
-    ranges.TrackFrom = std::clamp(newRanges.TrackFrom, 0, kTracks);
-    ranges.TrackTo = std::clamp(newRanges.TrackTo, 0, kTracks);
+    LockGuard lock(queueLock);
+    ranges.discFrom = std::clamp(newRanges.discFrom, 0, kDiscs);
+    ranges.discTo = std::clamp(newRanges.discTo, 0, kDiscs);
+    ranges.albumFrom = std::clamp(newRanges.albumFrom, 0, kAlbums);
+    ranges.albumTo = std::clamp(newRanges.albumTo, 0, kAlbums);
+    ranges.trackFrom = std::clamp(newRanges.trackFrom, 0, kTracks);
+    ranges.trackTo = std::clamp(newRanges.trackTo, 0, kTracks);
 }
 
 bool DeviceLink::Connect(LPCSTR portName) {
-    LockGuard start(startLock_);
+    LockGuard start(startLock);
     Disconnect();
     if (!Open(portName)) {
         return false;
@@ -47,24 +47,24 @@ bool DeviceLink::Connect(LPCSTR portName) {
         Disconnect();
         return false;
     }
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     BeginOperation(OP_CONNECT, 0, 0);
     return true;
 }
 
 void DeviceLink::Disconnect() {
-    LockGuard start(startLock_);
+    LockGuard start(startLock);
     driverWorker.reset();
     senderWorker.reset();
     Close();
     // What the workers left half done must not go out on the next line.
-    cutter_.Reset();
-    LockGuard lock(queueLock_);
+    cutter.Reset();
+    LockGuard lock(queueLock);
     operationActive = 0;
-    ++operationNumber_;
+    ++operationNumber;
     handlingFrame = false;
     sendPending = false;
-    posting_ = 0;
+    posting = 0;
     ForgetOwedReplies();
     ResetQueue();
     ReleaseIdleTimerPeriod();
@@ -90,20 +90,20 @@ bool DeviceLink::GetGroupTracks(GroupId group) {
     return StartOperation(OP_GET_TRACKS, group);
 }
 bool DeviceLink::SendAllTitles() {
-    return sent_.IsReady() && StartOperation(OP_SEND_ALL, 0);
+    return sent.IsReady() && StartOperation(OP_SEND_ALL, 0);
 }
 bool DeviceLink::SendGroup(GroupId group) {
-    return sent_.IsReady() && StartOperation(OP_SEND_GROUP, group);
+    return sent.IsReady() && StartOperation(OP_SEND_GROUP, group);
 }
 
 bool DeviceLink::StartOperation(std::uint32_t newOperation, GroupId group) {
-    LockGuard start(startLock_);
+    LockGuard start(startLock);
     const auto number = static_cast<std::uint32_t>(group);
     if (!HasWorkers() || !AcceptsGroup(number, 0)) {
         return false;
     }
     StopHoldingStartLock();
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     BeginOperation(newOperation, number, 0);
     return true;
 }
@@ -113,54 +113,54 @@ bool DeviceLink::AcceptsGroup(std::uint32_t group, std::uint32_t track) {
         return (from != 0 || to != 0) && static_cast<std::int64_t>(number) >= from &&
                static_cast<std::int64_t>(number) <= to;
     };
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     if (group > kGroups) {
         return false;
     }
     const auto id = static_cast<GroupId>(group);
-    if (id != 0 && IsAlbum(id) && !within(static_cast<std::uint32_t>(AlbumNumber(id)), ranges.AlbumFrom, ranges.AlbumTo)) {
+    if (id != 0 && IsAlbum(id) && !within(static_cast<std::uint32_t>(AlbumNumber(id)), ranges.albumFrom, ranges.albumTo)) {
         return false;
     }
-    if (id != 0 && !IsAlbum(id) && !within(group, ranges.DiscFrom, ranges.DiscTo)) {
+    if (id != 0 && !IsAlbum(id) && !within(group, ranges.discFrom, ranges.discTo)) {
         return false;
     }
-    return track == 0 || (track <= kTracks && within(track, ranges.TrackFrom, ranges.TrackTo));
+    return track == 0 || (track <= kTracks && within(track, ranges.trackFrom, ranges.trackTo));
 }
 
 void DeviceLink::StopOperation() {
-    LockGuard start(startLock_);
+    LockGuard start(startLock);
     StopHoldingStartLock();
 }
 
 void DeviceLink::StopHoldingStartLock() {
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         operationActive = 0;
         sending = false;
-        ++operationNumber_;
-        ++stopping_;
+        ++operationNumber;
+        ++stopping;
         HoldTimerPeriod();
     }
     for (int pass = 0; pass < kStopPasses; ++pass) {
         {
-            LockGuard lock(queueLock_);
+            LockGuard lock(queueLock);
             if (!MustWaitForStop()) {
                 break;
             }
         }
         Sleep(1);
     }
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     NoteOwedReply();
     ResetQueue();
-    --stopping_;
+    --stopping;
     ReleaseIdleTimerPeriod();
 }
 
 // The reply in flight is waited for, so that it is not taken for the answer to the next request; so is whoever stands
 // between deciding and doing.
 bool DeviceLink::MustWaitForStop() const {
-    if (posting_ > 0) {
+    if (posting > 0) {
         return true;
     }
     const bool replyAwaited = txFrame[0] != '\0' && !replyAccepted;
@@ -169,16 +169,16 @@ bool DeviceLink::MustWaitForStop() const {
 
 // Sleeps of a few milliseconds are kept only while somebody asks for them; an idle program should not.
 void DeviceLink::HoldTimerPeriod() {
-    if (!fastTimer_) {
-        fastTimer_ = timeBeginPeriod(kTimerPeriodMs) == TIMERR_NOERROR;
+    if (!fastTimer) {
+        fastTimer = timeBeginPeriod(kTimerPeriodMs) == TIMERR_NOERROR;
     }
 }
 
 void DeviceLink::ReleaseIdleTimerPeriod() {
     const bool driverDue = operationActive && !stepBusy;
-    if (fastTimer_ && !sending && !driverDue && stopping_ == 0) {
+    if (fastTimer && !sending && !driverDue && stopping == 0) {
         timeEndPeriod(kTimerPeriodMs);
-        fastTimer_ = false;
+        fastTimer = false;
     }
 }
 
@@ -190,6 +190,6 @@ void DeviceLink::Post(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void DeviceLink::EndPosting() {
-    LockGuard lock(queueLock_);
-    --posting_;
+    LockGuard lock(queueLock);
+    --posting;
 }

@@ -81,9 +81,9 @@ struct LinkResult {
 // Threads: the public operations come from the user thread and the pane's group watcher. SenderTick runs on the sender
 // worker, DriverTick on the driver worker, OnReceive on the serial reader.
 //
-// Locks, in the order in which they may be taken: startLock_, queueLock_, the store's. startLock_ makes two starts follow
-// each other, whole. queueLock_ guards every field below it; it is never held across a sleep, a write to the port or a post.
-// What a thread decides under it and carries out later is tied to queueNumber_ or operationNumber_, and dropped if that has
+// Locks, in the order in which they may be taken: startLock, queueLock, the store's. startLock makes two starts follow
+// each other, whole. queueLock guards every field below it; it is never held across a sleep, a write to the port or a post.
+// What a thread decides under it and carries out later is tied to queueNumber or operationNumber, and dropped if that has
 // moved on.
 class DeviceLink : public SerialPort {
 public:
@@ -215,49 +215,49 @@ private:
     void DropAlbumTracksInRange();
 
     Shared<HWND> paneWindow = nullptr;  // written by the user thread, read by all that post
-    Shared<LONG> operationActive = 0;   // an operation is open; written under queueLock_, read by anyone
+    Shared<LONG> operationActive = 0;   // an operation is open; written under queueLock, read by anyone
     Shared<std::uint16_t> model = 0;    // written by the reader, read by anyone
 
-    CriticalSection startLock_;
-    std::unique_ptr<WorkerThread> senderWorker;  // made on connect; under startLock_
-    std::unique_ptr<WorkerThread> driverWorker;  // made on connect; under startLock_
+    CriticalSection startLock;
+    std::unique_ptr<WorkerThread> senderWorker;  // made on connect; under startLock
+    std::unique_ptr<WorkerThread> driverWorker;  // made on connect; under startLock
 
-    FrameCutter cutter_;  // belongs to the reader
-    LinkResult result;    // outcome of the frame in hand; belongs to the reader
+    FrameCutter cutter;  // belongs to the reader
+    LinkResult result;   // outcome of the frame in hand; belongs to the reader
 
-    mutable CriticalSection queueLock_;
+    mutable CriticalSection queueLock;
     TitleStore* titleStore = nullptr;
     DisplayRanges ranges;
-    DisplayRanges operationRanges_;  // those of the operation, which keeps to what it began with
-    char txFrame[kFrameSize] = {};   // the current request as sent; empty while nothing was sent for it
+    DisplayRanges operationRanges;  // those of the operation, which keeps to what it began with
+    char txFrame[kFrameSize] = {};  // the current request as sent; empty while nothing was sent for it
     std::uint32_t operation = 0;
     std::uint32_t operationGroup = 0;
     std::uint32_t operationArg = 0;
-    std::uint32_t operationNumber_ = 0;  // counts the operations begun and stopped
+    std::uint32_t operationNumber = 0;  // counts the operations begun and stopped
     BYTE step = 0;
     bool stepBusy = false;       // the step waits for replies
-    bool stepFailed_ = false;    // the unit is busy, empty or open: the operation stands idle until it is stopped
-    bool planCut_ = false;       // the last read plan did not fit into the ring
-    bool askedAgain_ = false;    // this question was put a second time
-    bool gotOn_ = false;         // a title was stored or sent since the ring was last filled
+    bool stepFailed = false;     // the unit is busy, empty or open: the operation stands idle until it is stopped
+    bool planCut = false;        // the last read plan did not fit into the ring
+    bool askedAgain = false;     // this question was put a second time
+    bool gotOn = false;          // a title was stored or sent since the ring was last filled
     bool sending = false;        // the sender works
     bool sendPending = false;    // the sender stands between building a frame and having written it
     bool replyAccepted = false;  // the current request got its reply
     bool handlingFrame = false;  // the reader is inside the handling of a frame
-    bool dataOwed_ = false;      // the TitleWrite on the line has not had its TitleData
-    bool usedUp_ = false;        // the current request, if it is a TitleRead or TitleWrite, got a reply of another kind only
-    bool readOwed_ = false;      // a TitleRead that is off the line without a reply of its own may still get it
-    bool writeOwed_ = false;     // the same of a TitleWrite
-    bool fastTimer_ = false;     // timeBeginPeriod(1) is held
-    int roundsInVain_ = 0;       // fillings of the ring in a row that got nothing on
-    int posting_ = 0;            // workers between deciding a message and having posted it
-    int stopping_ = 0;           // stops that wait
+    bool dataOwed = false;       // the TitleWrite on the line has not had its TitleData
+    bool usedUp = false;         // the current request, if it is a TitleRead or TitleWrite, got a reply of another kind only
+    bool readOwed = false;       // a TitleRead that is off the line without a reply of its own may still get it
+    bool writeOwed = false;      // the same of a TitleWrite
+    bool fastTimer = false;      // timeBeginPeriod(1) is held
+    int roundsInVain = 0;        // fillings of the ring in a row that got nothing on
+    int posting = 0;             // workers between deciding a message and having posted it
+    int stopping = 0;            // stops that wait
     std::int32_t tick = -1;      // the sender's ticks for the current request
     std::int32_t statusRepeats = 0;
-    std::uint32_t queueNumber_ = 0;  // counts the fillings of the queue
-    std::uint32_t planCount_ = 0;    // entries planned into the ring
+    std::uint32_t queueNumber = 0;  // counts the fillings of the queue
+    std::uint32_t planCount = 0;    // entries planned into the ring
     std::uint32_t ringIndex = 0;
     std::array<LinkRequest, kRingSize> ring;
     std::array<LinkRequest, kRingSize> nextRing;  // what a MapReply has planned
-    SentTitles sent_;
+    SentTitles sent;
 };

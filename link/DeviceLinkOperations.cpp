@@ -82,9 +82,9 @@ const DeviceLink::StepRow* DeviceLink::FindRow() const {
 bool DeviceLink::Holds(Condition condition) const {
     switch (condition) {
         case Condition::kAlways: return true;
-        case Condition::kDiscsOff: return operationRanges_.DiscFrom == 0 && operationRanges_.DiscTo == 0;
-        case Condition::kAlbumsOff: return operationRanges_.AlbumFrom == 0 && operationRanges_.AlbumTo == 0;
-        case Condition::kTracksOff: return operationRanges_.TrackFrom == 0 && operationRanges_.TrackTo == 0;
+        case Condition::kDiscsOff: return operationRanges.discFrom == 0 && operationRanges.discTo == 0;
+        case Condition::kAlbumsOff: return operationRanges.albumFrom == 0 && operationRanges.albumTo == 0;
+        case Condition::kTracksOff: return operationRanges.trackFrom == 0 && operationRanges.trackTo == 0;
         case Condition::kNoneMapped: return nextRing[0].IsFree();
     }
     return false;
@@ -97,7 +97,7 @@ void DeviceLink::DriverTick() {
     std::uint32_t number = 0;
     bool wait = false;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         ReleaseIdleTimerPeriod();
         if (!operationActive || stepBusy || handlingFrame) {
             return;
@@ -107,9 +107,9 @@ void DeviceLink::DriverTick() {
             stepBusy = true;
             ArmQueue();
             // A unit that answers everything, and nothing as it was asked, is given one more round.
-            roundsInVain_ = gotOn_ ? 0 : roundsInVain_ + 1;
-            gotOn_ = false;
-            if (roundsInVain_ > 1) {
+            roundsInVain = gotOn ? 0 : roundsInVain + 1;
+            gotOn = false;
+            if (roundsInVain > 1) {
                 FailAtNextTick();
             }
             return;
@@ -126,15 +126,15 @@ void DeviceLink::DriverTick() {
         if (row->action == Action::kEnd) {
             operationActive = 0;
         }
-        number = queueNumber_;
-        ++posting_;
+        number = queueNumber;
+        ++posting;
     }
     if (row->message != 0) {
         Post(row->action == Action::kEnd ? LM_RESULT : LM_PROGRESS, row->message, 0);
     }
-    LockGuard lock(queueLock_);
-    --posting_;
-    if (wait && number == queueNumber_) {
+    LockGuard lock(queueLock);
+    --posting;
+    if (wait && number == queueNumber) {
         ArmQueue();
         if (row->action == Action::kAskModel) {
             // A port without a main unit is to cost two seconds, not four: the query goes out at once and is not repeated.
@@ -148,7 +148,7 @@ bool DeviceLink::FillAgain() {
     if (step == 10 && (operation == OP_SEND_ALL || operation == OP_SEND_GROUP)) {
         return PlanWrites(static_cast<GroupId>(operationGroup));
     }
-    if (step == 9 && planCut_) {
+    if (step == 9 && planCut) {
         return PlanReads(static_cast<GroupId>(operationGroup), operation == OP_GET_TRACKS ? -1 : 0);
     }
     return false;

@@ -1,4 +1,4 @@
-// What an operation reads, writes and forgets: the planners that ask the store. All under queueLock_.
+// What an operation reads, writes and forgets: the planners that ask the store. All under queueLock.
 #include <algorithm>
 #include <cstring>
 
@@ -15,15 +15,15 @@ struct DeviceLink::Bounds {
 
 DeviceLink::Bounds DeviceLink::BoundsOf(GroupId group) const {
     Bounds bounds;
-    const bool discs = operationRanges_.DiscFrom != 0 || operationRanges_.DiscTo != 0;
-    const bool albums = operationRanges_.AlbumFrom != 0 || operationRanges_.AlbumTo != 0;
+    const bool discs = operationRanges.discFrom != 0 || operationRanges.discTo != 0;
+    const bool albums = operationRanges.albumFrom != 0 || operationRanges.albumTo != 0;
     if (discs && (group == 0 || !IsAlbum(group))) {
-        bounds.firstDisc = operationRanges_.DiscFrom;
-        bounds.lastDisc = operationRanges_.DiscTo;
+        bounds.firstDisc = operationRanges.discFrom;
+        bounds.lastDisc = operationRanges.discTo;
     }
     if (albums && (group == 0 || IsAlbum(group))) {
-        bounds.firstAlbum = operationRanges_.AlbumFrom;
-        bounds.lastAlbum = operationRanges_.AlbumTo;
+        bounds.firstAlbum = operationRanges.albumFrom;
+        bounds.lastAlbum = operationRanges.albumTo;
     }
     if (group != 0) {
         const GroupId number = IsAlbum(group) ? AlbumNumber(group) : group;
@@ -37,11 +37,11 @@ DeviceLink::Bounds DeviceLink::BoundsOf(GroupId group) const {
 
 // False if the ring is full.
 bool DeviceLink::AddToPlan(const LinkRequest& request) {
-    if (planCount_ >= kRingSize) {
+    if (planCount >= kRingSize) {
         return false;
     }
-    ring[(ringIndex + planCount_) % kRingSize] = request;
-    ++planCount_;
+    ring[(ringIndex + planCount) % kRingSize] = request;
+    ++planCount;
     return true;
 }
 
@@ -49,28 +49,28 @@ bool DeviceLink::AddToPlan(const LinkRequest& request) {
 // group's own title. A Disc is read from the range's first track and without its own title, an Album always with it. True if
 // something was planned.
 bool DeviceLink::PlanReads(GroupId group, TrackNo track) {
-    planCut_ = false;
+    planCut = false;
     if (group < 0 || group > kGroups || track < -1 || track > kTracks || titleStore == nullptr) {
         return false;
     }
     const bool tracksOff = Holds(Condition::kTracksOff);
     TrackNo first = track;
     TrackNo last =
-        track > 0 && (tracksOff || track < operationRanges_.TrackFrom || track > operationRanges_.TrackTo) ? 0 : track;
+        track > 0 && (tracksOff || track < operationRanges.trackFrom || track > operationRanges.trackTo) ? 0 : track;
     TrackNo firstOfDisc = first;
     if (track == -1) {
         first = 0;
-        last = operationRanges_.TrackTo;
-        firstOfDisc = tracksOff ? 1 : operationRanges_.TrackFrom;
+        last = operationRanges.trackTo;
+        firstOfDisc = tracksOff ? 1 : operationRanges.trackFrom;
     }
     const Bounds bounds = BoundsOf(group);
-    for (GroupId disc = bounds.firstDisc; disc <= bounds.lastDisc && !planCut_; ++disc) {
-        planCut_ = !PlanGroupReads(kKindDisc, static_cast<std::uint32_t>(disc), firstOfDisc, last);
+    for (GroupId disc = bounds.firstDisc; disc <= bounds.lastDisc && !planCut; ++disc) {
+        planCut = !PlanGroupReads(kKindDisc, static_cast<std::uint32_t>(disc), firstOfDisc, last);
     }
-    for (GroupId album = bounds.firstAlbum; album <= bounds.lastAlbum && !planCut_; ++album) {
-        planCut_ = !PlanGroupReads(kKindAlbum, static_cast<std::uint32_t>(album), first, last);
+    for (GroupId album = bounds.firstAlbum; album <= bounds.lastAlbum && !planCut; ++album) {
+        planCut = !PlanGroupReads(kKindAlbum, static_cast<std::uint32_t>(album), first, last);
     }
-    return planCount_ > 0;
+    return planCount > 0;
 }
 
 // False if the ring is full.
@@ -101,14 +101,14 @@ bool DeviceLink::PlanWrites(GroupId group) {
     for (GroupId album = bounds.firstAlbum; album <= bounds.lastAlbum && fits; ++album) {
         fits = PlanGroupWrites(kKindAlbum, static_cast<std::uint32_t>(album));
     }
-    return planCount_ > 0;
+    return planCount > 0;
 }
 
 // False if the ring is full.
 bool DeviceLink::PlanGroupWrites(std::uint32_t kind, std::uint32_t number) {
     const auto own = static_cast<GroupId>(number);
     const GroupId group = kind == kKindAlbum ? AlbumGroup(own) : own;
-    const std::uint32_t candidate = planCount_;
+    const std::uint32_t candidate = planCount;
     if (!AddToPlan({LinkRequest::kTitleRead, kind, number, 0})) {
         return false;
     }
@@ -118,13 +118,13 @@ bool DeviceLink::PlanGroupWrites(std::uint32_t kind, std::uint32_t number) {
     };
     bool fits = addWrite(0);
     if (kind == kKindDisc && !Holds(Condition::kTracksOff)) {
-        for (TrackNo track = std::max(operationRanges_.TrackFrom, 1); track <= operationRanges_.TrackTo && fits; ++track) {
+        for (TrackNo track = std::max(operationRanges.trackFrom, 1); track <= operationRanges.trackTo && fits; ++track) {
             fits = addWrite(track);
         }
     }
-    if (planCount_ == candidate + 1) {
+    if (planCount == candidate + 1) {
         ring[(ringIndex + candidate) % kRingSize] = {};
-        planCount_ = candidate;
+        planCount = candidate;
     }
     return fits;
 }
@@ -133,7 +133,7 @@ bool DeviceLink::MustSend(GroupId group, TrackNo track) const {
     if (!titleStore->IsEdited(group, track)) {
         return false;
     }
-    const char* sentText = sent_.Find(operationNumber_, group, track);
+    const char* sentText = sent.Find(operationNumber, group, track);
     char text[kTitleSize];
     return sentText == nullptr || !titleStore->GetTitle(group, track, text) || std::strcmp(text, sentText) != 0;
 }
@@ -158,7 +158,7 @@ void DeviceLink::ForgetSentTitles(GroupId group) {
 
 // True if the title was forgotten.
 bool DeviceLink::ForgetTitle(GroupId group, TrackNo track) {
-    const char* sentText = sent_.Find(operationNumber_, group, track);
+    const char* sentText = sent.Find(operationNumber, group, track);
     return sentText != nullptr && titleStore->ForgetSent(group, track, sentText) != 0;
 }
 
@@ -168,7 +168,7 @@ bool DeviceLink::ForgetDisc(GroupId disc) {
     bool trackForgotten = false;
     bool editStays = false;
     if (!Holds(Condition::kTracksOff)) {
-        for (TrackNo track = operationRanges_.TrackTo; track >= std::max(operationRanges_.TrackFrom, 1); --track) {
+        for (TrackNo track = operationRanges.trackTo; track >= std::max(operationRanges.trackFrom, 1); --track) {
             trackForgotten = ForgetTitle(disc, track) || trackForgotten;
         }
     }
@@ -186,7 +186,7 @@ void DeviceLink::DropAlbumTracksInRange() {
     if (Holds(Condition::kAlbumsOff)) {
         return;
     }
-    for (GroupId album = operationRanges_.AlbumFrom; album <= operationRanges_.AlbumTo; ++album) {
+    for (GroupId album = operationRanges.albumFrom; album <= operationRanges.albumTo; ++album) {
         if (titleStore->IsKnown(AlbumGroup(album), 0)) {
             titleStore->DropAlbumTracks(AlbumGroup(album));
         }

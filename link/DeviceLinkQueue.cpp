@@ -1,6 +1,6 @@
 // The link's queue of requests and the sender that works it.
 //
-// All but SenderTick and SendBuiltFrame run under queueLock_.
+// All but SenderTick and SendBuiltFrame run under queueLock.
 #include <cstring>
 
 #include "DeviceLink.h"
@@ -18,34 +18,34 @@ void DeviceLink::ResetQueue() {
     txFrame[0] = '\0';
     ring.fill({});
     ringIndex = 0;
-    planCount_ = 0;
+    planCount = 0;
     replyAccepted = false;
-    dataOwed_ = false;
-    usedUp_ = false;
+    dataOwed = false;
+    usedUp = false;
     tick = -1;
-    ++queueNumber_;
+    ++queueNumber;
 }
 
 void DeviceLink::ArmQueue() {
     txFrame[0] = '\0';
     replyAccepted = false;
-    dataOwed_ = false;
-    usedUp_ = false;
+    dataOwed = false;
+    usedUp = false;
     tick = -1;
     sending = true;
-    ++queueNumber_;
+    ++queueNumber;
 }
 
 // Before the request leaves the line: if it has no reply of its own, that may still come.
 void DeviceLink::NoteOwedReply() {
-    const bool open = !replyAccepted || usedUp_;
-    readOwed_ = readOwed_ || (open && IsTitleRead(SentFrame()));
-    writeOwed_ = writeOwed_ || (open && IsTitleWrite(SentFrame()));
+    const bool open = !replyAccepted || usedUp;
+    readOwed = readOwed || (open && IsTitleRead(SentFrame()));
+    writeOwed = writeOwed || (open && IsTitleWrite(SentFrame()));
 }
 
 void DeviceLink::ForgetOwedReplies() {
-    readOwed_ = false;
-    writeOwed_ = false;
+    readOwed = false;
+    writeOwed = false;
 }
 
 void DeviceLink::AdvanceQueue() {
@@ -53,8 +53,8 @@ void DeviceLink::AdvanceQueue() {
     txFrame[0] = '\0';
     // The reply belonged to the frame that is gone: if this tick cannot send the next one, the next tick must not skip it.
     replyAccepted = false;
-    dataOwed_ = false;
-    usedUp_ = false;
+    dataOwed = false;
+    usedUp = false;
     ring[ringIndex] = {};
     ringIndex = NextIndex(ringIndex);
 }
@@ -65,20 +65,20 @@ void DeviceLink::BeginOperation(std::uint32_t newOperation, std::uint32_t group,
     operationArg = arg;
     step = 0;
     stepBusy = false;
-    planCut_ = false;
+    planCut = false;
     BeginStep();
     statusRepeats = 0;
-    operationRanges_ = ranges;
-    ++operationNumber_;
+    operationRanges = ranges;
+    ++operationNumber;
     HoldTimerPeriod();
     operationActive = 1;
 }
 
 void DeviceLink::BeginStep() {
-    stepFailed_ = false;
-    askedAgain_ = false;
-    gotOn_ = false;
-    roundsInVain_ = 0;
+    stepFailed = false;
+    askedAgain = false;
+    gotOn = false;
+    roundsInVain = 0;
 }
 
 void DeviceLink::SenderTick() {
@@ -86,7 +86,7 @@ void DeviceLink::SenderTick() {
     std::uint32_t number = 0;
     WPARAM timedOut = 0;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         if (!sending || handlingFrame) {
             return;
         }
@@ -102,7 +102,7 @@ void DeviceLink::SenderTick() {
         } else {
             EncodeRequest(ring[ringIndex], frame);
             sendPending = true;
-            number = queueNumber_;
+            number = queueNumber;
         }
     }
     if (timedOut != 0) {
@@ -119,7 +119,7 @@ bool DeviceLink::MoveOn() {
     tick = 0;
     AdvanceQueue();
     if (!ring[ringIndex].IsFree()) {
-        askedAgain_ = false;
+        askedAgain = false;
         return true;
     }
     QueueThrough(answered);
@@ -137,15 +137,15 @@ void DeviceLink::QueueThrough(const LinkRequest& answered) {
         stepBusy = false;
         return;
     }
-    if (stepFailed_) {
+    if (stepFailed) {
         return;
     }
     ring[ringIndex] = answered;
     ArmQueue();
-    if (askedAgain_) {
+    if (askedAgain) {
         FailAtNextTick();
     }
-    askedAgain_ = true;
+    askedAgain = true;
 }
 
 void DeviceLink::FailAtNextTick() {
@@ -159,7 +159,7 @@ WPARAM DeviceLink::TimeOut() {
     ResetQueue();
     // A unit that was silent for so long owes nothing any more.
     ForgetOwedReplies();
-    ++posting_;
+    ++posting;
     return message;
 }
 
@@ -167,20 +167,20 @@ void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
     Sleep(kPauseBeforeFrameMs);
     bool write = false;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         // A queue that was filled anew meanwhile sends nothing of the old one, and a request that has got its reply is not
         // repeated.
-        write = sending && !handlingFrame && !replyAccepted && number == queueNumber_;
+        write = sending && !handlingFrame && !replyAccepted && number == queueNumber;
         if (write) {
             std::memcpy(txFrame, frame, kFrameSize);
-            dataOwed_ = ring[ringIndex].kind == LinkRequest::kTitleWrite;
+            dataOwed = ring[ringIndex].kind == LinkRequest::kTitleWrite;
         }
     }
     if (write) {
         DWORD written = 0;
         Write(frame, static_cast<DWORD>(std::strlen(frame)), written);
     }
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     sendPending = false;
 }
 

@@ -1,4 +1,4 @@
-// How the queue and the step of the operation react to a reply. On the reader thread, under queueLock_.
+// How the queue and the step of the operation react to a reply. On the reader thread, under queueLock.
 #include "DeviceLink.h"
 #include "LinkOutbox.h"
 

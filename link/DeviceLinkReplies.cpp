@@ -26,7 +26,7 @@ bool IsWaitedOut(std::uint8_t status) {
 }  // namespace
 
 void DeviceLink::OnReceive(char*& chunk, DWORD length) {
-    cutter_.Feed(std::string_view(chunk, length));
+    cutter.Feed(std::string_view(chunk, length));
 }
 
 void DeviceLink::FrameArrived(void* link, std::string_view frame) {
@@ -40,9 +40,9 @@ void DeviceLink::HandleFrame(std::string_view frame) {
     }
     std::uint32_t number = 0;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         handlingFrame = true;
-        number = queueNumber_;
+        number = queueNumber;
     }
     result = {};
     const bool accepted = ReadFrame(kind, frame);
@@ -50,15 +50,15 @@ void DeviceLink::HandleFrame(std::string_view frame) {
     Outbox outbox;
     bool tellFailure = false;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         // A queue that was filled anew meanwhile waits for replies of its own, and nothing answers a request that is not out
         // yet. Only a void frame asks for no question.
-        const bool current = number == queueNumber_;
+        const bool current = number == queueNumber;
         const bool asked = txFrame[0] != '\0';
         if (accepted && current && asked) {
             // Short replies are taken for an answer to whatever was asked; the title that was asked for may still come.
             const bool own = kind == FrameKind::kTitleRead || kind == FrameKind::kTitleWrite;
-            usedUp_ = !own && (usedUp_ || !replyAccepted);
+            usedUp = !own && (usedUp || !replyAccepted);
             replyAccepted = true;
         }
         if (sending && current && (asked || kind == FrameKind::kVoid)) {
@@ -67,7 +67,7 @@ void DeviceLink::HandleFrame(std::string_view frame) {
             if (tellFailure && IsWaitedOut(result.status)) {
                 // A copy of the reply may have asked once more already.
                 NextEntry() = {};
-                stepFailed_ = true;
+                stepFailed = true;
             }
         }
     }
@@ -81,7 +81,7 @@ void DeviceLink::HandleFrame(std::string_view frame) {
     if (outbox.pauseMs != 0) {
         Sleep(outbox.pauseMs);
     }
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     handlingFrame = false;
 }
 
@@ -93,7 +93,7 @@ bool DeviceLink::ReadFrame(FrameKind kind, std::string_view frame) {
     if (kind == FrameKind::kTitleWrite) {
         return ReadWriteReply(frame);
     }
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     result.operation = static_cast<std::uint16_t>(operation);
     switch (kind) {
         case FrameKind::kModel: return ReadModelReply(frame);
@@ -200,8 +200,8 @@ bool DeviceLink::ReadMapReply(std::string_view frame) {
 // Plans a read for each group that the unit has, that lies in the range and that the store does not know.
 void DeviceLink::PlanMapGroups(std::uint32_t mapKind, std::string_view frame) {
     const bool albums = mapKind == kMapAlbums;
-    const TrackNo from = albums ? operationRanges_.AlbumFrom : operationRanges_.DiscFrom;
-    const TrackNo to = albums ? operationRanges_.AlbumTo : operationRanges_.DiscTo;
+    const TrackNo from = albums ? operationRanges.albumFrom : operationRanges.discFrom;
+    const TrackNo to = albums ? operationRanges.albumTo : operationRanges.discTo;
     std::size_t count = 0;
     for (std::uint32_t item = 1; item <= kMapGroupItems; ++item) {
         const auto number = static_cast<GroupId>(item);
@@ -219,7 +219,7 @@ void DeviceLink::PlanMapTracks(std::uint32_t groupCode, std::string_view frame) 
     std::size_t count = 0;
     for (std::uint32_t item = 1; item <= kMapTrackItems; ++item) {
         const auto track = static_cast<TrackNo>(item);
-        if (track >= operationRanges_.TrackFrom && track <= operationRanges_.TrackTo && MapBit(frame, item) &&
+        if (track >= operationRanges.trackFrom && track <= operationRanges.trackTo && MapBit(frame, item) &&
             !titleStore->IsKnown(group, track)) {
             nextRing[count++] = {LinkRequest::kTitleRead, album ? kKindAlbum : kKindDisc, number, item};
         }
@@ -233,8 +233,8 @@ bool DeviceLink::ReadTitleReply(std::string_view frame) {
     TrackNo track = 0;
     // The title of a read that was given up, or that another reply has used up, must not be filed under the number of the
     // next one. If it never comes, the next one's title is dropped in its place and comes with the repeat.
-    const bool owed = readOwed_;
-    readOwed_ = false;
+    const bool owed = readOwed;
+    readOwed = false;
     if (owed || !IsTitleRead(SentFrame()) || !AddressedTitle(group, track)) {
         return Foreign();
     }
@@ -246,7 +246,7 @@ bool DeviceLink::ReadTitleReply(std::string_view frame) {
     // At step 10 the read only stands in front of a write, and the store holds what is to be written.
     if (titleStore != nullptr && step != 10) {
         titleStore->StoreFetched(group, track, hasTitle ? text : nullptr);
-        gotOn_ = true;
+        gotOn = true;
     }
     if (NextEntry().IsFree()) {
         result.status = ST_LAST;
@@ -258,14 +258,14 @@ bool DeviceLink::ReadWriteReply(std::string_view frame) {
     GroupId group = 0;
     TrackNo track = 0;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         result.operation = static_cast<std::uint16_t>(operation);
         result.posted = 1;
         result.code = RC_TITLE_WRITE;
         // As with a read: the acceptance of another write must not let this one's text go out, which the unit might refuse,
         // or file under the other number.
-        const bool owed = writeOwed_;
-        writeOwed_ = false;
+        const bool owed = writeOwed;
+        writeOwed = false;
         if (owed || !IsTitleWrite(SentFrame()) || !AddressedTitle(group, track)) {
             return Foreign();
         }
@@ -274,7 +274,7 @@ bool DeviceLink::ReadWriteReply(std::string_view frame) {
             return false;
         }
         // One TitleData for each TitleWrite: an answer to the TitleData itself, or a doubled reply, must not bring another.
-        if (!dataOwed_) {
+        if (!dataOwed) {
             return Foreign();
         }
     }
@@ -282,7 +282,7 @@ bool DeviceLink::ReadWriteReply(std::string_view frame) {
         result.status = ST_NO_TITLE;
         return false;
     }
-    LockGuard lock(queueLock_);
+    LockGuard lock(queueLock);
     result.status = NextEntry().IsFree() ? ST_LAST : ST_OK;
     return true;
 }
@@ -293,21 +293,21 @@ bool DeviceLink::SendTitleData(GroupId group, TrackNo track) {
     char text[kTitleSize] = {};
     std::uint32_t number = 0;
     {
-        LockGuard lock(queueLock_);
+        LockGuard lock(queueLock);
         if (titleStore == nullptr || !EncodeTitleData(*titleStore, group, track, frame, text)) {
             return false;
         }
-        dataOwed_ = false;
-        number = operationNumber_;
+        dataOwed = false;
+        number = operationNumber;
     }
     Sleep(kPauseBeforeDataMs);
     DWORD written = 0;
     const auto length = static_cast<DWORD>(std::strlen(frame));
     const bool done = Write(frame, length, written) && written == length;
-    LockGuard lock(queueLock_);
-    if (done && number == operationNumber_) {
-        sent_.Record(number, group, track, text);
-        gotOn_ = true;
+    LockGuard lock(queueLock);
+    if (done && number == operationNumber) {
+        sent.Record(number, group, track, text);
+        gotOn = true;
     }
     return true;
 }

@@ -28,13 +28,13 @@ void FrameCutter::FeedPiece(std::string_view piece) {
             case kDc3:
             case kDc4:
                 // A start byte inside a frame drops the old one: this is how the line finds its feet again.
-                length_ = 0;
-                rxFrame_[length_++] = c;
+                length = 0;
+                rxFrame[length++] = c;
                 break;
             case kEtx:
-                if (length_ > 0) {
+                if (length > 0) {
                     Append(c);
-                    HandOver(length_);
+                    HandOver(length);
                     return;
                 }
                 break;
@@ -43,7 +43,7 @@ void FrameCutter::FeedPiece(std::string_view piece) {
             case kCan: HandOver(0); return;
             default:
                 // Bytes outside a frame count for nothing.
-                if (length_ > 0) {
+                if (length > 0) {
                     Append(c);
                 }
                 break;
@@ -52,16 +52,16 @@ void FrameCutter::FeedPiece(std::string_view piece) {
 }
 
 void FrameCutter::Append(char c) {
-    if (length_ < kFrameSize) {
-        rxFrame_[length_++] = c;
+    if (length < kFrameSize) {
+        rxFrame[length++] = c;
     }
     // No frame is that long: what is held can only be the ruins of one, so the next start byte begins anew.
-    if (length_ == kFrameSize && c != kEtx) {
-        length_ = 0;
+    if (length == kFrameSize && c != kEtx) {
+        length = 0;
     }
 }
 
-void FrameCutter::HandOver(std::size_t length) {
-    proc_(owner_, std::string_view(rxFrame_, length));
-    length_ = 0;
+void FrameCutter::HandOver(std::size_t frameLength) {
+    proc(owner, std::string_view(rxFrame, frameLength));
+    length = 0;
 }

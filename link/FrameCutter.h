@@ -14,21 +14,21 @@ public:
     // void frame. The bytes are valid during the call.
     using FrameProc = void (*)(void* owner, std::string_view frame);
 
-    FrameCutter(FrameProc proc, void* owner) : proc_(proc), owner_(owner) {}
+    FrameCutter(FrameProc proc, void* owner) : proc(proc), owner(owner) {}
 
     // Only the bytes before the first NUL count.
     void Feed(std::string_view chunk);
 
     // Forgets a partial frame, for a line that is opened anew.
-    void Reset() { length_ = 0; }
+    void Reset() { length = 0; }
 
 private:
     void FeedPiece(std::string_view piece);
     void Append(char c);
     void HandOver(std::size_t length);
 
-    FrameProc proc_;
-    void* owner_;
-    char rxFrame_[kFrameSize] = {};  // the frame in progress, from its start byte
-    std::size_t length_ = 0;         // bytes held; 0 while no frame is in progress
+    FrameProc proc;
+    void* owner;
+    char rxFrame[kFrameSize] = {};  // the frame in progress, from its start byte
+    std::size_t length = 0;         // bytes held; 0 while no frame is in progress
 };

@@ -12,10 +12,10 @@ constexpr int kEntries = kDiscs * kTitlesOfDisc + kAlbums;
 
 }  // namespace
 
-SentTitles::SentTitles() : entries_(static_cast<Entry*>(LocalAlloc(LPTR, sizeof(Entry) * kEntries))) {}
+SentTitles::SentTitles() : entries(static_cast<Entry*>(LocalAlloc(LPTR, sizeof(Entry) * kEntries))) {}
 
 SentTitles::~SentTitles() {
-    LocalFree(entries_);
+    LocalFree(entries);
 }
 
 void SentTitles::Record(std::uint32_t operationNumber, GroupId group, TrackNo track, const char* text) {
@@ -23,7 +23,7 @@ void SentTitles::Record(std::uint32_t operationNumber, GroupId group, TrackNo tr
     if (index < 0) {
         return;
     }
-    Entry& entry = entries_[index];
+    Entry& entry = entries[index];
     entry.operationNumber = operationNumber;
     std::memcpy(entry.text, text, strnlen(text, kTitleLength));
     entry.text[strnlen(text, kTitleLength)] = '\0';
@@ -31,7 +31,7 @@ void SentTitles::Record(std::uint32_t operationNumber, GroupId group, TrackNo tr
 
 const char* SentTitles::Find(std::uint32_t operationNumber, GroupId group, TrackNo track) const {
     const int index = IndexOf(group, track);
-    return index >= 0 && entries_[index].operationNumber == operationNumber ? entries_[index].text : nullptr;
+    return index >= 0 && entries[index].operationNumber == operationNumber ? entries[index].text : nullptr;
 }
 
 int SentTitles::IndexOf(GroupId group, TrackNo track) {

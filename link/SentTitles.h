@@ -16,7 +16,7 @@ public:
     SentTitles& operator=(const SentTitles&) = delete;
 
     // False if there was no memory for the table. Nothing else may be called then.
-    bool IsReady() const { return entries_ != nullptr; }
+    bool IsReady() const { return entries != nullptr; }
 
     // Only titles that can be written have a place: groups, and the tracks of Discs. Others are not recorded.
     void Record(std::uint32_t operationNumber, GroupId group, TrackNo track, const char* text);
@@ -33,5 +33,5 @@ private:
     static int IndexOf(GroupId group, TrackNo track);
 
     // One block, zeroed by the system page by page as it is touched: a send of a few titles costs a few pages.
-    Entry* entries_;
+    Entry* entries;
 };

@@ -14,11 +14,11 @@ constexpr char kWidthSample[] = "ZZZ 999   ";
 // What of the tab would be drawn below the frame is left out.
 constexpr int kTabLimit = 5;
 
-bool IsInDisplayRange(const DisplayRanges& ranges, GroupId group, int isDisc) {
+bool InDisplayRange(const DisplayRanges& ranges, GroupId group, int isDisc) {
     if (isDisc == 1) {
-        return ranges.DiscFrom <= group && group <= ranges.DiscTo;
+        return ranges.discFrom <= group && group <= ranges.discTo;
     }
-    return isDisc == 0 && ranges.AlbumFrom <= AlbumNumber(group) && AlbumNumber(group) <= ranges.AlbumTo;
+    return isDisc == 0 && ranges.albumFrom <= AlbumNumber(group) && AlbumNumber(group) <= ranges.albumTo;
 }
 
 void Line(HDC dc, int x, int y, int xEnd, int yEnd) {
@@ -50,7 +50,7 @@ void CListLeft::Populate(const Refill& refill) {
             continue;
         }
         const int isDisc = titles->IsDisc(group, 0);
-        if (!IsInDisplayRange(refill.ranges, group, isDisc)) {
+        if (!InDisplayRange(refill.ranges, group, isDisc)) {
             continue;
         }
         char title[kTitleSize] = "";

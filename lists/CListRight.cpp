@@ -21,6 +21,10 @@ constexpr int kEllipseFar = 35;
 constexpr int kEllipseNear = 4;
 constexpr int kSpanLimit = 5;
 
+bool InTrackRange(const DisplayRanges& ranges, TrackNo track) {
+    return ranges.trackFrom <= track && track <= ranges.trackTo;
+}
+
 }  // namespace
 
 CListRight::CListRight() : CTitleList(kFrame, kInset, kWidthSample), linkRect{0, kInset.top, 0, 0} {}
@@ -74,8 +78,8 @@ void CListRight::Populate(const Refill& refill) {
     const int count = titles->GetTrackCount(refill.group);
     int rows = 0;
     for (TrackNo track = 1; track <= count && requests.IsLatest(refill); ++track) {
-        const bool isInRange = refill.ranges.TrackFrom <= track && track <= refill.ranges.TrackTo;
-        if (!isInRange || !titles->IsKnown(refill.group, track) || titles->GetState(refill.group, track) < TS_RECEIVED) {
+        if (!InTrackRange(refill.ranges, track) || !titles->IsKnown(refill.group, track) ||
+            titles->GetState(refill.group, track) < TS_RECEIVED) {
             continue;
         }
         char title[kTitleSize] = "";

@@ -56,11 +56,11 @@ public:
     int ReplaceRowText(int rowIndex, const char* text);
 
     // Opens the editor on the selected row.
-    int BeginEdit();
+    virtual int BeginEdit();
     // Closes the editor. 1 if its text was committed.
     virtual int EndEdit();
     // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited.
-    int ApplyTitle(int rowIndex, const char* text);
+    virtual int ApplyTitle(int rowIndex, const char* text);
     // The refresher's work, once in a period on its own thread.
     virtual void RebuildTick();
 

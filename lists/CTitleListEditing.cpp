@@ -14,13 +14,13 @@ constexpr int kEditorId = 102;
 // Marks the time in which the editor is opened or closed. What that brings about may call either once more.
 class Busy {
 public:
-    explicit Busy(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Busy() { flag_ = false; }
+    explicit Busy(bool& flag) : flag(flag) { flag = true; }
+    ~Busy() { flag = false; }
     Busy(const Busy&) = delete;
     Busy& operator=(const Busy&) = delete;
 
 private:
-    bool& flag_;
+    bool& flag;
 };
 
 }  // namespace

@@ -7,18 +7,18 @@
 template <class Handle>
 class OwnedObject {
 public:
-    explicit OwnedObject(Handle handle) : handle_(handle) {}
+    explicit OwnedObject(Handle handle) : handle(handle) {}
     ~OwnedObject() {
-        if (handle_ != nullptr) {
-            DeleteObject(handle_);
+        if (handle != nullptr) {
+            DeleteObject(handle);
         }
     }
     OwnedObject(const OwnedObject&) = delete;
     OwnedObject& operator=(const OwnedObject&) = delete;
-    operator Handle() const { return handle_; }
+    operator Handle() const { return handle; }
 
 private:
-    Handle handle_;
+    Handle handle;
 };
 
 using Pen = OwnedObject<HPEN>;
@@ -28,26 +28,26 @@ using Region = OwnedObject<HRGN>;
 // Selected as long as it lives; it has to go before the object does.
 class Selected {
 public:
-    Selected(HDC dc, HGDIOBJ object) : dc_(dc), before_(SelectObject(dc, object)) {}
-    ~Selected() { SelectObject(dc_, before_); }
+    Selected(HDC dc, HGDIOBJ object) : dc(dc), before(SelectObject(dc, object)) {}
+    ~Selected() { SelectObject(dc, before); }
     Selected(const Selected&) = delete;
     Selected& operator=(const Selected&) = delete;
 
 private:
-    HDC dc_;
-    HGDIOBJ before_;
+    HDC dc;
+    HGDIOBJ before;
 };
 
 // The whole window, with its origin at the window's corner.
 class WindowDc {
 public:
-    explicit WindowDc(HWND window) : window_(window), dc_(GetWindowDC(window)) {}
-    ~WindowDc() { ReleaseDC(window_, dc_); }
+    explicit WindowDc(HWND window) : window(window), dc(GetWindowDC(window)) {}
+    ~WindowDc() { ReleaseDC(window, dc); }
     WindowDc(const WindowDc&) = delete;
     WindowDc& operator=(const WindowDc&) = delete;
-    operator HDC() const { return dc_; }
+    operator HDC() const { return dc; }
 
 private:
-    HWND window_;
-    HDC dc_;
+    HWND window;
+    HDC dc;
 };

@@ -84,6 +84,6 @@ void InlineEdit::OnKillFocus(HWND /*otherWindow*/) {
 void InlineEdit::OnNcDestroy() {
     Detach();
     hwnd = nullptr;
-    owner_ = nullptr;
+    owner = nullptr;
     delete this;
 }

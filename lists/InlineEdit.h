@@ -11,7 +11,7 @@ class InlineEdit : public WindowBase {
 public:
     // `owner` is the list's pointer to this object. It is emptied if the object has to go on its own, because the list's
     // window was destroyed under it.
-    explicit InlineEdit(InlineEdit*& owner) : owner_(owner) {}
+    explicit InlineEdit(InlineEdit*& owner) : owner(owner) {}
     ~InlineEdit() override;
 
     // Makes the control, without an input method and for at most 32 bytes. The rectangle is in the parent's client area.
@@ -37,7 +37,7 @@ public:
     void OnNcDestroy() override;
 
 private:
-    InlineEdit*& owner_;
+    InlineEdit*& owner;
     bool enterPressed = false;
     HWND prevFocus = nullptr;  // had the focus before
 };

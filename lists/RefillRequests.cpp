@@ -2,30 +2,30 @@
 #include "RefillRequests.h"
 
 void RefillRequests::Request(GroupId group) {
-    const LockGuard guard(lock_);
+    const LockGuard guard(lock);
     latest.Add(1);
     rebuildRequested = true;
     pendingGroup = group;
 }
 
 void RefillRequests::Cancel() {
-    const LockGuard guard(lock_);
+    const LockGuard guard(lock);
     latest.Add(1);
     rebuildRequested = false;
 }
 
 void RefillRequests::SetRanges(const DisplayRanges& newRanges) {
-    const LockGuard guard(lock_);
+    const LockGuard guard(lock);
     ranges = newRanges;
 }
 
 bool RefillRequests::IsRequested() const {
-    const LockGuard guard(lock_);
+    const LockGuard guard(lock);
     return rebuildRequested;
 }
 
 bool RefillRequests::End(const Refill& refill) {
-    const LockGuard guard(lock_);
+    const LockGuard guard(lock);
     rebuilding = 0;
     if (!IsLatest(refill)) {
         return false;
@@ -35,7 +35,7 @@ bool RefillRequests::End(const Refill& refill) {
 }
 
 bool RefillRequests::Begin(Refill& refill) {
-    const LockGuard guard(lock_);
+    const LockGuard guard(lock);
     if (!rebuildRequested) {
         return false;
     }

@@ -36,7 +36,7 @@ public:
 
 private:
     // Around the request, so that it is seen whole. Never held across a call of anybody else.
-    mutable CriticalSection lock_;
+    mutable CriticalSection lock;
     bool rebuildRequested = false;
     GroupId pendingGroup = 0;
     DisplayRanges ranges;

@@ -43,10 +43,10 @@ std::string Line(std::int64_t timeMs, char direction, std::string meaning, std::
 }
 
 std::string DescribeMapQuery(const UnitRequest& request) {
-    if (request.map == MapKind::Discs) {
+    if (request.map == MapKind::kDiscs) {
         return "MapQuery Discs";
     }
-    if (request.map == MapKind::Albums) {
+    if (request.map == MapKind::kAlbums) {
         return "MapQuery Albums";
     }
     return request.probe ? "MapQuery probe" : "MapQuery Tracks of " + NameOf(request.entry);
@@ -99,11 +99,11 @@ std::optional<std::string> DescribeBlockReply(std::string_view bytes) {
     const std::optional<int> result = ReadHex(bytes.substr(7, 2));
     const std::string_view data = bytes.substr(9, bytes.size() - 12);
     std::string name;
-    if (subType == static_cast<int>(SubType::Map)) {
+    if (subType == static_cast<int>(SubType::kMap)) {
         name = "MapReply ";
-    } else if (subType == static_cast<int>(SubType::TitleRead)) {
+    } else if (subType == static_cast<int>(SubType::kTitleRead)) {
         name = "TitleReadReply ";
-    } else if (subType == static_cast<int>(SubType::TitleWrite)) {
+    } else if (subType == static_cast<int>(SubType::kTitleWrite)) {
         name = "TitleWriteReply ";
     }
     if (name.empty() || !result) {
@@ -115,7 +115,7 @@ std::optional<std::string> DescribeBlockReply(std::string_view bytes) {
     if (data.empty()) {
         return name + "accepted";
     }
-    return name + (subType == static_cast<int>(SubType::Map) ? DescribeBitmap(data) : Quoted(data));
+    return name + (subType == static_cast<int>(SubType::kMap) ? DescribeBitmap(data) : Quoted(data));
 }
 
 std::string CountBytes(std::string_view bytes) {
@@ -131,13 +131,13 @@ std::string Dialogue::DescribeRequest(std::string_view bytes) {
         return CountBytes(bytes);
     }
     switch (request.kind) {
-        case UnitRequest::Kind::ModelQuery: return "ModelQuery";
-        case UnitRequest::Kind::StatusQuery: return "StatusQuery 0x" + Hex(request.code, 2);
-        case UnitRequest::Kind::UnitCommand: return "UnitCommand 0x" + Hex(request.code, 2);
-        case UnitRequest::Kind::MapQuery: return DescribeMapQuery(request);
-        case UnitRequest::Kind::TitleRead: return "TitleRead " + NameOf(request.entry);
-        case UnitRequest::Kind::TitleWrite: return "TitleWrite " + NameOf(request.entry);
-        case UnitRequest::Kind::TitleData: return "TitleData " + Quoted(request.text);
+        case UnitRequest::Kind::kModelQuery: return "ModelQuery";
+        case UnitRequest::Kind::kStatusQuery: return "StatusQuery 0x" + Hex(request.code, 2);
+        case UnitRequest::Kind::kUnitCommand: return "UnitCommand 0x" + Hex(request.code, 2);
+        case UnitRequest::Kind::kMapQuery: return DescribeMapQuery(request);
+        case UnitRequest::Kind::kTitleRead: return "TitleRead " + NameOf(request.entry);
+        case UnitRequest::Kind::kTitleWrite: return "TitleWrite " + NameOf(request.entry);
+        case UnitRequest::Kind::kTitleData: return "TitleData " + Quoted(request.text);
     }
     return CountBytes(bytes);
 }

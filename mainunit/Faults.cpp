@@ -102,16 +102,16 @@ bool ParseFaultRates(std::string_view text, FaultRates& rates, std::string& erro
     return true;
 }
 
-Faults::Faults(std::uint64_t seed, const FaultRates& rates) : rates_(rates) {
+Faults::Faults(std::uint64_t seed, const FaultRates& rates) : rates(rates) {
     UnitRandom seeds(seed);
     for (std::size_t kind = 0; kind < kKinds; ++kind) {
-        randoms_.emplace_back(seeds.Next());
+        randoms.emplace_back(seeds.Next());
     }
 }
 
-void Faults::SetRates(const FaultRates& rates) {
-    rates_ = rates;
-    silenceLeft_ = 0;
+void Faults::SetRates(const FaultRates& newRates) {
+    rates = newRates;
+    silenceLeft = 0;
 }
 
 std::vector<Chunk> Faults::Apply(const std::vector<Reply>& replies) {
@@ -125,65 +125,65 @@ std::vector<Chunk> Faults::Apply(const std::vector<Reply>& replies) {
 
 bool Faults::Strikes(Kind kind, double rate) {
     const bool strikes = Of(kind).Chance(rate);
-    counts_[static_cast<std::size_t>(kind)] += strikes ? 1 : 0;
+    counts[static_cast<std::size_t>(kind)] += strikes ? 1 : 0;
     return strikes;
 }
 
 bool Faults::Swallowed() {
-    if (silenceLeft_ > 0) {
-        --silenceLeft_;
-        ++counts_[static_cast<std::size_t>(Kind::Silence)];
+    if (silenceLeft > 0) {
+        --silenceLeft;
+        ++counts[static_cast<std::size_t>(Kind::kSilence)];
         return true;
     }
-    if (!Strikes(Kind::Silence, rates_.silence)) {
+    if (!Strikes(Kind::kSilence, rates.silence)) {
         return false;
     }
-    silenceLeft_ = Of(Kind::Silence).Between(1, rates_.silenceReplies) - 1;
+    silenceLeft = Of(Kind::kSilence).Between(1, rates.silenceReplies) - 1;
     return true;
 }
 
 void Faults::Deliver(const Reply& reply, std::vector<Chunk>& chunks) {
-    if (Swallowed() || Strikes(Kind::Lost, rates_.lost)) {
+    if (Swallowed() || Strikes(Kind::kLost, rates.lost)) {
         return;
     }
     Chunk whole{reply.bytes, reply.delayMs};
-    if (IsBlock(whole.bytes) && Strikes(Kind::Refused, rates_.refused)) {
-        const auto result = static_cast<std::uint8_t>(Of(Kind::Refused).Between(kNoSuchEntry, kNoTitle));
+    if (IsBlock(whole.bytes) && Strikes(Kind::kRefused, rates.refused)) {
+        const auto result = static_cast<std::uint8_t>(Of(Kind::kRefused).Between(kNoSuchEntry, kNoTitle));
         whole.bytes = BlockFrame(whole.bytes.substr(5, 2) + Hex(result, 2));
     }
-    if (Strikes(Kind::Corrupted, rates_.corrupted)) {
+    if (Strikes(Kind::kCorrupted, rates.corrupted)) {
         Corrupt(whole.bytes);
     }
-    if (Strikes(Kind::Late, rates_.late)) {
-        whole.delayMs += Of(Kind::Late).Between(rates_.lateMinMs, rates_.lateMaxMs);
+    if (Strikes(Kind::kLate, rates.late)) {
+        whole.delayMs += Of(Kind::kLate).Between(rates.lateMinMs, rates.lateMaxMs);
     }
-    if (Strikes(Kind::Foreign, rates_.foreign)) {
+    if (Strikes(Kind::kForeign, rates.foreign)) {
         chunks.push_back({ShortReply(kCommandReply, 0), whole.delayMs});
-        whole.delayMs += Of(Kind::Foreign).Between(0, rates_.foreignLeadMs);
+        whole.delayMs += Of(Kind::kForeign).Between(0, rates.foreignLeadMs);
     }
     const Chunk copy = whole;
-    if (Strikes(Kind::Stray, rates_.stray)) {
+    if (Strikes(Kind::kStray, rates.stray)) {
         AddStray(whole.bytes);
     }
-    if (Strikes(Kind::Junk, rates_.junk)) {
-        const bool before = Of(Kind::Junk).Chance(0.5);
+    if (Strikes(Kind::kJunk, rates.junk)) {
+        const bool before = Of(Kind::kJunk).Chance(0.5);
         whole.bytes = before ? Junk() + whole.bytes : whole.bytes + Junk();
     }
-    if (Strikes(Kind::Split, rates_.split)) {
+    if (Strikes(Kind::kSplit, rates.split)) {
         const std::vector<Chunk> pieces = Split(whole);
         chunks.insert(chunks.end(), pieces.begin(), pieces.end());
     } else {
         chunks.push_back(whole);
     }
-    if (Strikes(Kind::Doubled, rates_.doubled)) {
+    if (Strikes(Kind::kDoubled, rates.doubled)) {
         // The second copy can only follow the last byte of the first.
-        const int delay = chunks.back().delayMs + Of(Kind::Doubled).Between(0, rates_.doubledDelayMs);
+        const int delay = chunks.back().delayMs + Of(Kind::kDoubled).Between(0, rates.doubledDelayMs);
         chunks.push_back({copy.bytes, delay});
     }
 }
 
 void Faults::Corrupt(std::string& bytes) {
-    UnitRandom& random = Of(Kind::Corrupted);
+    UnitRandom& random = Of(Kind::kCorrupted);
     const int last = static_cast<int>(bytes.size()) - 1;
     const bool hasCheckSum = bytes.front() == kDc4 || bytes.front() == kDc2;
     if (hasCheckSum && random.Chance(0.5)) {
@@ -198,7 +198,7 @@ void Faults::Corrupt(std::string& bytes) {
 }
 
 std::vector<Chunk> Faults::Split(const Chunk& whole) {
-    UnitRandom& random = Of(Kind::Split);
+    UnitRandom& random = Of(Kind::kSplit);
     std::vector<Chunk> pieces;
     std::string rest = whole.bytes;
     int delayMs = whole.delayMs;
@@ -206,7 +206,7 @@ std::vector<Chunk> Faults::Split(const Chunk& whole) {
         const auto size = static_cast<std::size_t>(random.Between(1, static_cast<int>(rest.size()) - 1));
         pieces.push_back({rest.substr(0, size), delayMs});
         rest.erase(0, size);
-        delayMs += random.Between(0, rates_.splitGapMs);
+        delayMs += random.Between(0, rates.splitGapMs);
     }
     pieces.push_back({rest, delayMs});
     return pieces;
@@ -214,14 +214,14 @@ std::vector<Chunk> Faults::Split(const Chunk& whole) {
 
 void Faults::AddStray(std::string& bytes) {
     constexpr char kStrays[] = {kAck, kNak, kCan, kCr, kLf, kDc3};
-    UnitRandom& random = Of(Kind::Stray);
+    UnitRandom& random = Of(Kind::kStray);
     const auto place = static_cast<std::size_t>(random.Between(0, static_cast<int>(bytes.size())));
     bytes.insert(place, 1, kStrays[random.Between(0, std::size(kStrays) - 1)]);
 }
 
 std::string Faults::Junk() {
-    UnitRandom& random = Of(Kind::Junk);
-    std::string junk(static_cast<std::size_t>(random.Between(1, rates_.junkBytes)), ' ');
+    UnitRandom& random = Of(Kind::kJunk);
+    std::string junk(static_cast<std::size_t>(random.Between(1, rates.junkBytes)), ' ');
     for (char& byte : junk) {
         byte = static_cast<char>(random.Between(0, 255));
     }

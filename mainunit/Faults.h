@@ -51,7 +51,7 @@ struct Chunk {
 // off leaves the others where they were. Not safe for use by several threads at once.
 class Faults {
 public:
-    enum class Kind { Lost, Corrupted, Split, Doubled, Late, Stray, Junk, Refused, Silence, Foreign };
+    enum class Kind { kLost, kCorrupted, kSplit, kDoubled, kLate, kStray, kJunk, kRefused, kSilence, kForeign };
     static constexpr std::size_t kKinds = 10;
 
     explicit Faults(std::uint64_t seed, const FaultRates& rates = {});
@@ -61,14 +61,14 @@ public:
     std::vector<Chunk> Apply(const std::vector<Reply>& replies);
 
     // From the next reply on; a silence that is under way ends.
-    void SetRates(const FaultRates& rates);
+    void SetRates(const FaultRates& newRates);
 
     // How often a kind has struck so far; for Silence, the replies that were swallowed.
-    int Count(Kind kind) const { return counts_[static_cast<std::size_t>(kind)]; }
+    int Count(Kind kind) const { return counts[static_cast<std::size_t>(kind)]; }
 
 private:
     bool Strikes(Kind kind, double rate);
-    UnitRandom& Of(Kind kind) { return randoms_[static_cast<std::size_t>(kind)]; }
+    UnitRandom& Of(Kind kind) { return randoms[static_cast<std::size_t>(kind)]; }
     bool Swallowed();
     void Corrupt(std::string& bytes);
     std::vector<Chunk> Split(const Chunk& whole);
@@ -76,10 +76,10 @@ private:
     std::string Junk();
     void Deliver(const Reply& reply, std::vector<Chunk>& chunks);
 
-    FaultRates rates_;
-    std::vector<UnitRandom> randoms_;
-    std::array<int, kKinds> counts_{};
-    int silenceLeft_ = 0;
+    FaultRates rates;
+    std::vector<UnitRandom> randoms;
+    std::array<int, kKinds> counts{};
+    int silenceLeft = 0;
 };
 
 }  // namespace mainunit

@@ -39,76 +39,76 @@ std::string BitmapDigits(const std::map<int, Item>& items) {
 }  // namespace
 
 MainUnit::MainUnit(UnitLibrary library, UnitSettings settings, Log log)
-    : library_(std::move(library)), settings_(std::move(settings)), log_(std::move(log)) {}
+    : library(std::move(library)), settings(std::move(settings)), log(std::move(log)) {}
 
-void MainUnit::Configure(UnitSettings settings) {
-    settings_ = std::move(settings);
-    statusIndex_ = 0;
-    told_.reset();
+void MainUnit::Configure(UnitSettings newSettings) {
+    settings = std::move(newSettings);
+    statusIndex = 0;
+    told.reset();
 }
 
 bool MainUnit::TakeChanged() {
-    return std::exchange(changed_, false);
+    return std::exchange(changed, false);
 }
 
 std::vector<Reply> MainUnit::Receive(std::string_view bytes) {
     std::vector<Reply> replies;
-    for (const std::string& piece : cutter_.Feed(bytes)) {
+    for (const std::string& piece : cutter.Feed(bytes)) {
         UnitRequest request;
         std::string problem;
         if (!ReadRequest(piece, request, problem)) {
-            ++malformed_;
+            ++malformed;
         } else if (const std::optional<std::string> answer = Answer(request, problem)) {
-            replies.push_back({*answer, settings_.latencyMs});
+            replies.push_back({*answer, settings.latencyMs});
         }
-        if (log_) {
-            log_(piece, problem);
+        if (log) {
+            log(piece, problem);
         }
     }
     return replies;
 }
 
 std::optional<std::string> MainUnit::Answer(const UnitRequest& request, std::string& problem) {
-    if (request.kind == UnitRequest::Kind::TitleData) {
+    if (request.kind == UnitRequest::Kind::kTitleData) {
         if (!TakeTitle(request.text)) {
-            ++malformed_;
+            ++malformed;
             problem = "TitleData without an accepted TitleWrite before it";
         }
         return std::nullopt;
     }
     // Only the very next frame can carry the title; a client that asks for something else has given the write up.
-    const std::optional<Entry> abandoned = std::exchange(awaited_, std::nullopt);
-    if (abandoned && !(request.kind == UnitRequest::Kind::TitleWrite && request.entry == *abandoned)) {
+    const std::optional<Entry> abandoned = std::exchange(awaited, std::nullopt);
+    if (abandoned && !(request.kind == UnitRequest::Kind::kTitleWrite && request.entry == *abandoned)) {
         problem = "the accepted TitleWrite of " + NameOf(*abandoned) + " got no TitleData";
     }
     switch (request.kind) {
-        case UnitRequest::Kind::ModelQuery: return ModelReply(settings_.model);
-        case UnitRequest::Kind::StatusQuery: return AnswerStatus(request);
-        case UnitRequest::Kind::UnitCommand: return AnswerCommand(request);
-        case UnitRequest::Kind::MapQuery: return AnswerMap(request);
-        case UnitRequest::Kind::TitleRead: return AnswerRead(request);
-        case UnitRequest::Kind::TitleWrite: return AnswerWrite(request);
-        case UnitRequest::Kind::TitleData: break;
+        case UnitRequest::Kind::kModelQuery: return ModelReply(settings.model);
+        case UnitRequest::Kind::kStatusQuery: return AnswerStatus(request);
+        case UnitRequest::Kind::kUnitCommand: return AnswerCommand(request);
+        case UnitRequest::Kind::kMapQuery: return AnswerMap(request);
+        case UnitRequest::Kind::kTitleRead: return AnswerRead(request);
+        case UnitRequest::Kind::kTitleWrite: return AnswerWrite(request);
+        case UnitRequest::Kind::kTitleData: break;
     }
     return std::nullopt;
 }
 
 std::uint8_t MainUnit::CurrentStatus() const {
-    return statusIndex_ < settings_.status.size() ? settings_.status[statusIndex_] : kReady;
+    return statusIndex < settings.status.size() ? settings.status[statusIndex] : kReady;
 }
 
 void MainUnit::NextStatus() {
-    if (statusIndex_ + 1 < settings_.status.size()) {
-        ++statusIndex_;
+    if (statusIndex + 1 < settings.status.size()) {
+        ++statusIndex;
     }
 }
 
 std::string MainUnit::AnswerStatus(const UnitRequest& request) {
     if (request.code == kParameterMenu) {
-        return ShortReply(kStatusReply, settings_.menu);
+        return ShortReply(kStatusReply, settings.menu);
     }
     const std::uint8_t status = CurrentStatus();
-    told_ = status;
+    told = status;
     if (!CommandFor(status)) {
         NextStatus();
     }
@@ -124,43 +124,43 @@ std::string MainUnit::AnswerCommand(const UnitRequest& request) {
 
 std::string MainUnit::AnswerMap(const UnitRequest& request) const {
     if (request.probe) {
-        return BlockReply(SubType::Map, settings_.probeAccepted ? kAccepted : kNoSuchEntry);
+        return BlockReply(SubType::kMap, settings.probeAccepted ? kAccepted : kNoSuchEntry);
     }
-    const bool tracks = request.map == MapKind::Tracks;
-    if (settings_.refuseMaps || (tracks && !library_.Exists(request.entry))) {
-        return BlockReply(SubType::Map, kNoSuchEntry);
+    const bool tracks = request.map == MapKind::kTracks;
+    if (settings.refuseMaps || (tracks && !library.Exists(request.entry))) {
+        return BlockReply(SubType::kMap, kNoSuchEntry);
     }
     if (tracks) {
-        const UnitLibrary::Groups& groups = library_.GroupsOf(request.entry.kind);
-        return BlockReply(SubType::Map, kAccepted, BitmapDigits(groups.at(request.entry.group).tracks));
+        const UnitLibrary::Groups& groups = library.GroupsOf(request.entry.kind);
+        return BlockReply(SubType::kMap, kAccepted, BitmapDigits(groups.at(request.entry.group).tracks));
     }
-    const GroupKind kind = request.map == MapKind::Discs ? GroupKind::Disc : GroupKind::Album;
-    return BlockReply(SubType::Map, kAccepted, BitmapDigits(library_.GroupsOf(kind)));
+    const GroupKind kind = request.map == MapKind::kDiscs ? GroupKind::kDisc : GroupKind::kAlbum;
+    return BlockReply(SubType::kMap, kAccepted, BitmapDigits(library.GroupsOf(kind)));
 }
 
 std::string MainUnit::AnswerRead(const UnitRequest& request) const {
-    const std::string* title = library_.Title(request.entry);
+    const std::string* title = library.Title(request.entry);
     if (!title) {
-        return BlockReply(SubType::TitleRead, library_.Exists(request.entry) ? kNoTitle : kNoSuchEntry);
+        return BlockReply(SubType::kTitleRead, library.Exists(request.entry) ? kNoTitle : kNoSuchEntry);
     }
     std::string field = *title;
     field.resize(kTitleBytes, ' ');
-    return BlockReply(SubType::TitleRead, kAccepted, field);
+    return BlockReply(SubType::kTitleRead, kAccepted, field);
 }
 
 std::string MainUnit::AnswerWrite(const UnitRequest& request) {
     // The tracks of an album belong to discs and are named there.
-    const bool albumTrack = request.entry.kind == GroupKind::Album && request.entry.track > 0;
-    if (albumTrack || !library_.Exists(request.entry) || (settings_.writeNeedsReady && told_ != kReady)) {
-        return BlockReply(SubType::TitleWrite, kNoSuchEntry);
+    const bool albumTrack = request.entry.kind == GroupKind::kAlbum && request.entry.track > 0;
+    if (albumTrack || !library.Exists(request.entry) || (settings.writeNeedsReady && told != kReady)) {
+        return BlockReply(SubType::kTitleWrite, kNoSuchEntry);
     }
-    awaited_ = request.entry;
-    return BlockReply(SubType::TitleWrite, kAccepted);
+    awaited = request.entry;
+    return BlockReply(SubType::kTitleWrite, kAccepted);
 }
 
 // The unit's display knows ASCII alone; it keeps a blank for any other byte.
 bool MainUnit::TakeTitle(const std::string& text) {
-    const std::optional<Entry> entry = std::exchange(awaited_, std::nullopt);
+    const std::optional<Entry> entry = std::exchange(awaited, std::nullopt);
     if (!entry) {
         return false;
     }
@@ -170,8 +170,8 @@ bool MainUnit::TakeTitle(const std::string& text) {
             byte = ' ';
         }
     }
-    library_.SetTitle(*entry, title);
-    changed_ = true;
+    library.SetTitle(*entry, title);
+    changed = true;
     return true;
 }
 

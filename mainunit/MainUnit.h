@@ -52,13 +52,13 @@ public:
     bool TakeChanged();
 
     // Frames and runs of bytes that broke the rules of the line so far.
-    int malformed() const { return malformed_; }
+    int Malformed() const { return malformed; }
 
-    const UnitLibrary& library() const { return library_; }
-    const UnitSettings& settings() const { return settings_; }
+    const UnitLibrary& Library() const { return library; }
+    const UnitSettings& Settings() const { return settings; }
 
     // The status values start again from the first.
-    void Configure(UnitSettings settings);
+    void Configure(UnitSettings newSettings);
 
 private:
     std::optional<std::string> Answer(const UnitRequest& request, std::string& problem);
@@ -71,15 +71,15 @@ private:
     std::uint8_t CurrentStatus() const;
     void NextStatus();
 
-    UnitLibrary library_;
-    UnitSettings settings_;
-    Log log_;
-    PieceCutter cutter_ = PieceCutter::ForRequests();
-    std::optional<Entry> awaited_;      // the entry of an accepted TitleWrite that its TitleData did not follow yet
-    std::size_t statusIndex_ = 0;       // the next value to be told
-    std::optional<std::uint8_t> told_;  // the value of the last StatusReply to parameter 0x00
-    bool changed_ = false;
-    int malformed_ = 0;
+    UnitLibrary library;
+    UnitSettings settings;
+    Log log;
+    PieceCutter cutter = PieceCutter::ForRequests();
+    std::optional<Entry> awaited;      // the entry of an accepted TitleWrite that its TitleData did not follow yet
+    std::size_t statusIndex = 0;       // the next value to be told
+    std::optional<std::uint8_t> told;  // the value of the last StatusReply to parameter 0x00
+    bool changed = false;
+    int malformed = 0;
 };
 
 }  // namespace mainunit

@@ -14,55 +14,55 @@ constexpr std::size_t kMostQueued = 65536;
 
 }  // namespace
 
-PacedLine::PacedLine(int bitsPerSecond) : byteNs_(bitsPerSecond > 0 ? kBitsPerByte * kSecondNs / bitsPerSecond : 0) {}
+PacedLine::PacedLine(int bitsPerSecond) : byteNs(bitsPerSecond > 0 ? kBitsPerByte * kSecondNs / bitsPerSecond : 0) {}
 
 std::int64_t PacedLine::ArrivalNs(std::size_t count, std::int64_t nowNs) {
-    inFreeNs_ = std::max(inFreeNs_, nowNs) + static_cast<std::int64_t>(count) * byteNs_;
-    return inFreeNs_;
+    inFreeNs = std::max(inFreeNs, nowNs) + static_cast<std::int64_t>(count) * byteNs;
+    return inFreeNs;
 }
 
 bool PacedLine::Add(std::string bytes, std::int64_t dueNs) {
     if (bytes.empty()) {
         return true;
     }
-    if (queuedBytes_ + bytes.size() > kMostQueued) {
+    if (queuedBytes + bytes.size() > kMostQueued) {
         return false;
     }
-    queuedBytes_ += bytes.size();
+    queuedBytes += bytes.size();
     // A chunk that is already on the line cannot be overtaken.
-    const auto first = queue_.begin() + (!queue_.empty() && queue_.front().sent > 0 ? 1 : 0);
-    const auto place = std::upper_bound(first, queue_.end(), dueNs,
+    const auto first = queue.begin() + (!queue.empty() && queue.front().sent > 0 ? 1 : 0);
+    const auto place = std::upper_bound(first, queue.end(), dueNs,
                                         [](std::int64_t due, const Waiting& waiting) { return due < waiting.dueNs; });
-    queue_.insert(place, {std::move(bytes), dueNs, 0});
+    queue.insert(place, {std::move(bytes), dueNs, 0});
     return true;
 }
 
 PacedLine::Taken PacedLine::Take(std::int64_t nowNs) {
     Taken taken;
-    while (!queue_.empty()) {
-        Waiting& front = queue_.front();
-        const std::int64_t endNs = std::max(outFreeNs_, front.dueNs) + byteNs_;
+    while (!queue.empty()) {
+        Waiting& front = queue.front();
+        const std::int64_t endNs = std::max(outFreeNs, front.dueNs) + byteNs;
         if (endNs > nowNs) {
             break;
         }
-        outFreeNs_ = endNs;
+        outFreeNs = endNs;
         taken.bytes += front.bytes[front.sent++];
-        --queuedBytes_;
+        --queuedBytes;
         if (front.sent == front.bytes.size()) {
             taken.finished.push_back(std::move(front.bytes));
-            queue_.pop_front();
+            queue.pop_front();
         }
     }
     return taken;
 }
 
 std::optional<std::int64_t> PacedLine::NextNs() const {
-    if (queue_.empty()) {
+    if (queue.empty()) {
         return std::nullopt;
     }
-    const Waiting& front = queue_.front();
+    const Waiting& front = queue.front();
     const std::size_t bunch = std::min(kBunchBytes, front.bytes.size() - front.sent);
-    return std::max(outFreeNs_, front.dueNs) + static_cast<std::int64_t>(bunch) * byteNs_;
+    return std::max(outFreeNs, front.dueNs) + static_cast<std::int64_t>(bunch) * byteNs;
 }
 
 }  // namespace mainunit

@@ -40,11 +40,11 @@ private:
         std::size_t sent;
     };
 
-    std::int64_t byteNs_;         // time of one byte
-    std::int64_t inFreeNs_ = 0;   // when the line towards the unit is free
-    std::int64_t outFreeNs_ = 0;  // when the line towards the client is free
-    std::deque<Waiting> queue_;   // by due time
-    std::size_t queuedBytes_ = 0;
+    std::int64_t byteNs;         // time of one byte
+    std::int64_t inFreeNs = 0;   // when the line towards the unit is free
+    std::int64_t outFreeNs = 0;  // when the line towards the client is free
+    std::deque<Waiting> queue;   // by due time
+    std::size_t queuedBytes = 0;
 };
 
 }  // namespace mainunit

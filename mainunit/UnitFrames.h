@@ -30,7 +30,7 @@ inline constexpr std::uint8_t kStatusReply = 0x52;
 inline constexpr std::uint8_t kCommandReply = 0x58;
 
 // What a block frame is about: the first field of its payload, in both directions.
-enum class SubType : std::uint8_t { Map = 3, TitleRead = 5, TitleWrite = 6 };
+enum class SubType : std::uint8_t { kMap = 3, kTitleRead = 5, kTitleWrite = 6 };
 
 // The second field of a reply's payload. Any value but these two refusals and 0x3F is acceptance.
 inline constexpr std::uint8_t kAccepted = 0;

@@ -8,10 +8,10 @@ namespace mainunit {
 // splitmix64: any seed is good, and neighbouring seeds give unrelated numbers.
 class UnitRandom {
 public:
-    explicit UnitRandom(std::uint64_t seed) : state_(seed) {}
+    explicit UnitRandom(std::uint64_t seed) : state(seed) {}
 
     std::uint64_t Next() {
-        std::uint64_t mixed = state_ += 0x9E3779B97F4A7C15U;
+        std::uint64_t mixed = state += 0x9E3779B97F4A7C15U;
         mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9U;
         mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBU;
         return mixed ^ (mixed >> 31);
@@ -30,7 +30,7 @@ public:
     bool Chance(double rate) { return static_cast<double>(Next() >> 11) * 0x1.0p-53 < rate; }
 
 private:
-    std::uint64_t state_;
+    std::uint64_t state;
 };
 
 }  // namespace mainunit

@@ -29,7 +29,7 @@ bool ReadModelQuery(std::string_view frame, UnitRequest& request, std::string& p
     if (frame.size() != kModelQueryBytes || frame.substr(1, 3) != "000") {
         return Refuse(problem, "a frame from DC1 that is no ModelQuery");
     }
-    request.kind = UnitRequest::Kind::ModelQuery;
+    request.kind = UnitRequest::Kind::kModelQuery;
     return true;
 }
 
@@ -40,7 +40,7 @@ bool ReadStatusQuery(std::string_view digits, UnitRequest& request, std::string&
     if (high < 0 || high > 15 || low < 0 || low > 15) {
         return Refuse(problem, "StatusQuery: parameter digit out of range");
     }
-    request.kind = UnitRequest::Kind::StatusQuery;
+    request.kind = UnitRequest::Kind::kStatusQuery;
     request.code = static_cast<std::uint8_t>(high * 16 + low);
     if (request.code != kParameterStatus && request.code != kParameterMenu) {
         return Refuse(problem, "StatusQuery: parameter not known");
@@ -53,7 +53,7 @@ bool ReadUnitCommand(std::string_view digits, UnitRequest& request, std::string&
     if (!command || (*command != kCommandBd && *command != kCommandBe)) {
         return Refuse(problem, "UnitCommand: command not known");
     }
-    request.kind = UnitRequest::Kind::UnitCommand;
+    request.kind = UnitRequest::Kind::kUnitCommand;
     request.code = static_cast<std::uint8_t>(*command);
     return true;
 }
@@ -80,19 +80,19 @@ bool ReadGroupCode(std::string_view code, UnitRequest& request, std::string& pro
     if ((code[0] != '0' && code[0] != '2') || !number || *number == 0) {
         return Refuse(problem, "MapQuery: group code out of range");
     }
-    request.entry = {code[0] == '0' ? GroupKind::Disc : GroupKind::Album, *number, 0};
+    request.entry = {code[0] == '0' ? GroupKind::kDisc : GroupKind::kAlbum, *number, 0};
     return true;
 }
 
 bool ReadMapQuery(std::string_view payload, UnitRequest& request, std::string& problem) {
     const std::optional<int> map = ReadHex(payload.substr(2, 2));
-    if (!map || *map > static_cast<int>(MapKind::Tracks)) {
+    if (!map || *map > static_cast<int>(MapKind::kTracks)) {
         return Refuse(problem, "MapQuery: kind out of range");
     }
-    request.kind = UnitRequest::Kind::MapQuery;
+    request.kind = UnitRequest::Kind::kMapQuery;
     request.map = static_cast<MapKind>(*map);
     const std::string_view code = payload.substr(4, 4);
-    if (request.map == MapKind::Tracks) {
+    if (request.map == MapKind::kTracks) {
         return ReadGroupCode(code, request, problem);
     }
     return code == "0000" || Refuse(problem, "MapQuery: group code without tracks");
@@ -105,8 +105,8 @@ bool ReadTitleRequest(std::string_view payload, UnitRequest& request, std::strin
     if ((kind != '0' && kind != '2') || !group || *group == 0 || !track) {
         return Refuse(problem, "title frame: group or track out of range");
     }
-    request.kind = payload[1] == '5' ? UnitRequest::Kind::TitleRead : UnitRequest::Kind::TitleWrite;
-    request.entry = {kind == '0' ? GroupKind::Disc : GroupKind::Album, *group, *track};
+    request.kind = payload[1] == '5' ? UnitRequest::Kind::kTitleRead : UnitRequest::Kind::kTitleWrite;
+    request.entry = {kind == '0' ? GroupKind::kDisc : GroupKind::kAlbum, *group, *track};
     return true;
 }
 
@@ -123,7 +123,7 @@ bool ReadBlock(std::string_view frame, UnitRequest& request, std::string& proble
         return Refuse(problem, "block frame with a wrong check sum");
     }
     if (payload.size() == kTitleBytes) {
-        request.kind = UnitRequest::Kind::TitleData;
+        request.kind = UnitRequest::Kind::kTitleData;
         request.text = payload;
         return true;
     }
@@ -173,23 +173,23 @@ PieceCutter PieceCutter::ForReplies() {
 std::vector<std::string> PieceCutter::Feed(std::string_view bytes) {
     std::vector<std::string> pieces;
     const auto flush = [&] {
-        if (!held_.empty()) {
-            pieces.push_back(std::exchange(held_, {}));
+        if (!held.empty()) {
+            pieces.push_back(std::exchange(held, {}));
         }
-        inFrame_ = false;
+        inFrame = false;
     };
     for (const char byte : bytes) {
-        if (starts_.find(byte) != std::string_view::npos) {
+        if (starts.find(byte) != std::string_view::npos) {
             flush();
-            inFrame_ = true;
+            inFrame = true;
         }
-        held_ += byte;
-        if ((inFrame_ && byte == kEtx) || held_.size() > longest_) {
+        held += byte;
+        if ((inFrame && byte == kEtx) || held.size() > longest) {
             flush();
         }
     }
     // What belongs to no frame has nothing to wait for.
-    if (!inFrame_) {
+    if (!inFrame) {
         flush();
     }
     return pieces;

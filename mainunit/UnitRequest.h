@@ -20,15 +20,15 @@ inline constexpr std::uint8_t kParameterMenu = 0x60;
 inline constexpr std::uint8_t kCommandBd = 0xBD;
 inline constexpr std::uint8_t kCommandBe = 0xBE;
 
-enum class MapKind { Discs = 0, Albums = 1, Tracks = 2 };
+enum class MapKind { kDiscs = 0, kAlbums = 1, kTracks = 2 };
 
 // One well formed frame of the client.
 struct UnitRequest {
-    enum class Kind { ModelQuery, StatusQuery, UnitCommand, MapQuery, TitleRead, TitleWrite, TitleData };
+    enum class Kind { kModelQuery, kStatusQuery, kUnitCommand, kMapQuery, kTitleRead, kTitleWrite, kTitleData };
 
-    Kind kind = Kind::ModelQuery;
+    Kind kind = Kind::kModelQuery;
     std::uint8_t code = 0;  // StatusQuery: the parameter; UnitCommand: the command
-    MapKind map = MapKind::Discs;
+    MapKind map = MapKind::kDiscs;
     bool probe = false;  // MapQuery for tracks that asks for no group at all
     Entry entry;         // TitleRead, TitleWrite; MapQuery for tracks: the group
     std::string text;    // TitleData: 32 bytes as they came
@@ -49,16 +49,16 @@ public:
     std::vector<std::string> Feed(std::string_view bytes);
 
     // Bytes of an unfinished frame, at most the length of the longest frame.
-    std::size_t held() const { return held_.size(); }
-    const std::string& heldBytes() const { return held_; }
+    std::size_t Held() const { return held.size(); }
+    const std::string& HeldBytes() const { return held; }
 
 private:
-    PieceCutter(std::string_view starts, std::size_t longest) : starts_(starts), longest_(longest) {}
+    PieceCutter(std::string_view starts, std::size_t longest) : starts(starts), longest(longest) {}
 
-    std::string_view starts_;
-    std::size_t longest_;
-    std::string held_;
-    bool inFrame_ = false;
+    std::string_view starts;
+    std::size_t longest;
+    std::string held;
+    bool inFrame = false;
 };
 
 }  // namespace mainunit

@@ -15,9 +15,9 @@ struct Field {
 };
 
 constexpr Field kFields[] = {
-    {IDC_DISC_FROM, 3, &DisplayRanges::DiscFrom},   {IDC_DISC_TO, 3, &DisplayRanges::DiscTo},
-    {IDC_ALBUM_FROM, 3, &DisplayRanges::AlbumFrom}, {IDC_ALBUM_TO, 3, &DisplayRanges::AlbumTo},
-    {IDC_TRACK_FROM, 2, &DisplayRanges::TrackFrom}, {IDC_TRACK_TO, 2, &DisplayRanges::TrackTo},
+    {IDC_DISC_FROM, 3, &DisplayRanges::discFrom},   {IDC_DISC_TO, 3, &DisplayRanges::discTo},
+    {IDC_ALBUM_FROM, 3, &DisplayRanges::albumFrom}, {IDC_ALBUM_TO, 3, &DisplayRanges::albumTo},
+    {IDC_TRACK_FROM, 2, &DisplayRanges::trackFrom}, {IDC_TRACK_TO, 2, &DisplayRanges::trackTo},
 };
 
 struct Label {

@@ -16,7 +16,7 @@ public:
     // What the box begins with.
     void SetRanges(const DisplayRanges& newRanges) { ranges = newRanges; }
     // As they were set, or what the user has entered once Run has given 1.
-    const DisplayRanges& Ranges() const { return ranges; }
+    const DisplayRanges& GetRanges() const { return ranges; }
 
     // Stands until it is ended: 1 by OK with numbers that are in order, 0 otherwise.
     int Run(HWND owner);

@@ -96,6 +96,9 @@ private:
     void EndInlineEdits() const;
     void SetControlsEnabled(BOOL enabled);
     void PushRanges();
+    // Have the list filled anew, with that group selected or shown.
+    void RefreshGroups(GroupId group) { groupList->RequestRefill(group); }
+    void RefreshTracks(GroupId group) { trackList->RequestRefill(group); }
     void ClearLine() { line.Set(MessageLine::kEmpty, -1, -1); }
 
     // --- The link (EditorPaneLink.cpp)

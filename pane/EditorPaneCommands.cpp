@@ -98,8 +98,8 @@ void EditorPane::StopTransfer() {
     currentGroup = GetSelectedGroup();
     fetchedGroup = static_cast<GroupId>(currentGroup);
     if (groupList && trackList) {
-        groupList->RequestRefill(currentGroup);
-        trackList->RequestRefill(currentGroup);
+        RefreshGroups(currentGroup);
+        RefreshTracks(currentGroup);
     }
     watchArmed = 1;
 }
@@ -195,7 +195,7 @@ void EditorPane::EditDisplayRanges() {
     if (dialog.Run(hDlg) == 0) {
         return;
     }
-    ranges = dialog.Ranges();
+    ranges = dialog.GetRanges();
     CutOffLink();
     PushRanges();
     fetchedGroup = -1;
@@ -242,7 +242,7 @@ void EditorPane::ApplyFont() {
     trackList->SetListFont(&logFont);
     RedrawWindow(hDlg, nullptr, nullptr, RDW_INVALIDATE | RDW_NOINTERNALPAINT | RDW_ALLCHILDREN | RDW_UPDATENOW | RDW_FRAME);
     groupList->OnSelChange();
-    groupList->RequestRefill(GetSelectedGroup());
+    RefreshGroups(GetSelectedGroup());
 }
 
 void EditorPane::ChooseDisplayFont() {

@@ -68,8 +68,8 @@ int EditorPane::ImportTitles(GroupId group) {
     OverwriteTitles(group, file);
     watchArmed = 0;
     currentGroup = GetSelectedGroup();
-    groupList->RequestRefill(currentGroup);
-    trackList->RequestRefill(currentGroup);
+    RefreshGroups(currentGroup);
+    RefreshTracks(currentGroup);
     watchArmed = 1;
     return 1;
 }

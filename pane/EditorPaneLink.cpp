@@ -241,7 +241,7 @@ void EditorPane::Connected() {
 
 void EditorPane::OnGetAllResult(BYTE code, BYTE status) {
     if (code == 0) {
-        groupList->RequestRefill(currentGroup);
+        RefreshGroups(currentGroup);
         watchArmed = 1;
         ClearLine();
         deviceLink->GetGroupTracks(currentGroup);
@@ -263,9 +263,9 @@ void EditorPane::OnGroupResult(WORD operation, BYTE code, BYTE status) {
     const bool isSending = operation == OP_SEND_ALL || operation == OP_SEND_GROUP;
     if (code == 0) {
         if (operation == OP_GET_TRACKS) {
-            trackList->RequestRefill(currentGroup);
+            RefreshTracks(currentGroup);
         } else {
-            groupList->RequestRefill(currentGroup);
+            RefreshGroups(currentGroup);
         }
         watchArmed = 1;
         ClearLine();

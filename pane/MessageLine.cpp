@@ -37,19 +37,19 @@ void MessageLine::Attach(HWND dialog, int controlId) {
     id = controlId;
 }
 
-void MessageLine::Set(int newTextId, GroupId newGroup, TrackNo newTrack) {
-    textId = newTextId;
-    group = newGroup;
-    track = newTrack;
-    if (!dirty) {
-        dirty = SetTimer(hDlg, kTimer, USER_TIMER_MINIMUM, nullptr) != 0;
+void MessageLine::Set(int textId, GroupId group, TrackNo track) {
+    lineTextId = textId;
+    lineGroup = group;
+    lineTrack = track;
+    if (!lineDirty) {
+        lineDirty = SetTimer(hDlg, kTimer, USER_TIMER_MINIMUM, nullptr) != 0;
     }
 }
 
 void MessageLine::OnTimer() {
     KillTimer(hDlg, kTimer);
-    dirty = false;
-    const std::string text = Text(textId) + Title(group, track);
+    lineDirty = false;
+    const std::string text = Text(lineTextId) + Title(lineGroup, lineTrack);
     HWND control = GetDlgItem(hDlg, id);
     SendMessageA(control, WM_SETREDRAW, FALSE, 0);
     SetWindowTextA(control, text.c_str());

@@ -16,17 +16,17 @@ public:
     void Attach(HWND dialog, int controlId);
 
     // A text by its string id, and which title it is about: 0 or below for none.
-    void Set(int newTextId, GroupId newGroup, TrackNo newTrack);
+    void Set(int textId, GroupId group, TrackNo track);
     // Another text about the same title.
-    void SetText(int newTextId) { Set(newTextId, group, track); }
+    void SetText(int textId) { Set(textId, lineGroup, lineTrack); }
 
     void OnTimer();
 
 private:
     HWND hDlg = nullptr;
     int id = 0;
-    int textId = kEmpty;
-    GroupId group = -1;
-    TrackNo track = -1;
-    bool dirty = false;
+    int lineTextId = kEmpty;
+    GroupId lineGroup = -1;
+    TrackNo lineTrack = -1;
+    bool lineDirty = false;
 };

@@ -16,19 +16,19 @@ constexpr char kFontKey[] = R"(SOFTWARE\ORVANE\HDD/CD recorder\Tesselia\Font\)";
 class SettingsKey {
 public:
     explicit SettingsKey(const char* name) {
-        isOpen_ = RegCreateKeyExA(HKEY_LOCAL_MACHINE, name, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                                  &key_, &disposition_) == ERROR_SUCCESS;
+        isOpen = RegCreateKeyExA(HKEY_LOCAL_MACHINE, name, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                                 &key, &disposition) == ERROR_SUCCESS;
     }
     ~SettingsKey() {
-        if (isOpen_) {
-            RegCloseKey(key_);
+        if (isOpen) {
+            RegCloseKey(key);
         }
     }
     SettingsKey(const SettingsKey&) = delete;
     SettingsKey& operator=(const SettingsKey&) = delete;
 
-    bool IsOpen() const { return isOpen_; }
-    bool IsNew() const { return disposition_ == REG_CREATED_NEW_KEY; }
+    bool IsOpen() const { return isOpen; }
+    bool IsNew() const { return disposition == REG_CREATED_NEW_KEY; }
 
     // The number as it is, or the other one if there is none. The type is not looked at.
     std::int32_t Number(const char* name, std::int32_t otherwise) const {
@@ -37,19 +37,19 @@ public:
         return Read(name, reinterpret_cast<BYTE*>(&number), size) ? number : otherwise;
     }
     bool Read(const char* name, BYTE* data, DWORD size) const {
-        return RegQueryValueExA(key_, name, nullptr, nullptr, data, &size) == ERROR_SUCCESS;
+        return RegQueryValueExA(key, name, nullptr, nullptr, data, &size) == ERROR_SUCCESS;
     }
     void SetNumber(const char* name, std::int32_t number) const {
-        RegSetValueExA(key_, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+        RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
     }
     void SetText(const char* name, const char* text, DWORD size) const {
-        RegSetValueExA(key_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), size);
+        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), size);
     }
 
 private:
-    HKEY key_ = nullptr;
-    DWORD disposition_ = 0;
-    bool isOpen_ = false;
+    HKEY key = nullptr;
+    DWORD disposition = 0;
+    bool isOpen = false;
 };
 
 struct RangeValue {
@@ -58,9 +58,9 @@ struct RangeValue {
 };
 
 constexpr RangeValue kRangeValues[] = {
-    {"DiscFrom", &DisplayRanges::DiscFrom},   {"DiscTo", &DisplayRanges::DiscTo},
-    {"AlbumFrom", &DisplayRanges::AlbumFrom}, {"AlbumTo", &DisplayRanges::AlbumTo},
-    {"TrackFrom", &DisplayRanges::TrackFrom}, {"TrackTo", &DisplayRanges::TrackTo},
+    {"DiscFrom", &DisplayRanges::discFrom},   {"DiscTo", &DisplayRanges::discTo},
+    {"AlbumFrom", &DisplayRanges::albumFrom}, {"AlbumTo", &DisplayRanges::albumTo},
+    {"TrackFrom", &DisplayRanges::trackFrom}, {"TrackTo", &DisplayRanges::trackTo},
 };
 
 struct FontNumber {

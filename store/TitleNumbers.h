@@ -34,10 +34,10 @@ constexpr GroupId AlbumGroup(GroupId number) {
 // What is shown and fetched, first and last included. Albums go by their own numbers here. A pair of 0 and 0 leaves the
 // whole kind out.
 struct DisplayRanges {
-    std::int32_t DiscFrom = 1;
-    std::int32_t DiscTo = kDiscs;
-    std::int32_t AlbumFrom = 1;
-    std::int32_t AlbumTo = kAlbums;
-    std::int32_t TrackFrom = 1;
-    std::int32_t TrackTo = kTracks;
+    std::int32_t discFrom = 1;
+    std::int32_t discTo = kDiscs;
+    std::int32_t albumFrom = 1;
+    std::int32_t albumTo = kAlbums;
+    std::int32_t trackFrom = 1;
+    std::int32_t trackTo = kTracks;
 };

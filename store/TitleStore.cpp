@@ -50,7 +50,7 @@ TitleStore::TitleStore() {
 }
 
 void TitleStore::ResetAll() {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     for (TitleSlot& slot : slots) {
         slot = TitleSlot();
     }
@@ -60,7 +60,7 @@ void TitleStore::ResetAll() {
 }
 
 int TitleStore::GetTrackCount(GroupId group) const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     if (!IsGroupKnown(group)) {
         return -1;
     }
@@ -69,19 +69,19 @@ int TitleStore::GetTrackCount(GroupId group) const {
 }
 
 int TitleStore::IsKnown(GroupId group, TrackNo track) const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const TitleEntry* entry = FindEntry(group, track);
     return entry != nullptr && (entry->flags & TF_KNOWN) != 0 ? 1 : 0;
 }
 
 int TitleStore::IsEdited(GroupId group, TrackNo track) const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const TitleEntry* entry = FindEntry(group, track);
     return entry != nullptr && (entry->flags & TF_EDITED) != 0 ? 1 : 0;
 }
 
 int TitleStore::IsDisc(GroupId group, TrackNo track) const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const TitleEntry* entry = FindReachable(group, track);
     if (entry == nullptr) {
         return -1;
@@ -90,13 +90,13 @@ int TitleStore::IsDisc(GroupId group, TrackNo track) const {
 }
 
 int TitleStore::GetState(GroupId group, TrackNo track) const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const TitleEntry* entry = FindEntry(group, track);
     return entry != nullptr ? entry->flags & kStateBits : -1;
 }
 
 int TitleStore::GetTitle(GroupId group, TrackNo track, char* text) const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const TitleEntry* entry = FindReachable(group, track);
     if (entry == nullptr || (entry->flags & kStateBits) == 0) {
         return 0;
@@ -106,7 +106,7 @@ int TitleStore::GetTitle(GroupId group, TrackNo track, char* text) const {
 }
 
 int TitleStore::EditTitle(GroupId group, TrackNo track, const char* text) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     TitleEntry* entry = FindReachable(group, track);
     if (entry == nullptr) {
         return 0;
@@ -124,12 +124,12 @@ int TitleStore::EditTitle(GroupId group, TrackNo track, const char* text) {
 }
 
 int TitleStore::StoreReceived(GroupId group, TrackNo track, const char* text) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     return Receive(group, track, text);
 }
 
 int TitleStore::StoreFetched(GroupId group, TrackNo track, const char* text) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const TitleEntry* entry = FindEntry(group, track);
     if (entry != nullptr && (entry->flags & TF_EDITED) != 0) {
         return 0;
@@ -138,13 +138,13 @@ int TitleStore::StoreFetched(GroupId group, TrackNo track, const char* text) {
 }
 
 int TitleStore::DeleteTitle(GroupId group, TrackNo track) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     TitleEntry* entry = FindReachable(group, track);
     return entry != nullptr ? Forget(*entry, group, track) : 0;
 }
 
 int TitleStore::ForgetSent(GroupId group, TrackNo track, const char* sentText) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     TitleEntry* entry = FindReachable(group, track);
     if (entry == nullptr || (entry->flags & TF_EDITED) == 0 || !SameText(entry->text, sentText)) {
         return 0;
@@ -153,7 +153,7 @@ int TitleStore::ForgetSent(GroupId group, TrackNo track, const char* sentText) {
 }
 
 int TitleStore::ClearGroup(GroupId group) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     if (!IsGroupKnown(group)) {
         return 0;
     }
@@ -163,7 +163,7 @@ int TitleStore::ClearGroup(GroupId group) {
 }
 
 int TitleStore::DropAlbumTracks(GroupId group) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     if (!IsGroup(group) || !IsAlbum(group)) {
         return 0;
     }
@@ -175,7 +175,7 @@ int TitleStore::DropAlbumTracks(GroupId group) {
 }
 
 int TitleStore::UndoEdit(GroupId* group, TrackNo* track, char* text) {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     const int position = FindLatestRecord();
     if (position < 0) {
         return 0;
@@ -209,7 +209,7 @@ int TitleStore::UndoEdit(GroupId* group, TrackNo* track, char* text) {
 }
 
 int TitleStore::CanUndo() const {
-    LockGuard guard(lock_);
+    LockGuard guard(lock);
     return FindLatestRecord() >= 0 ? 1 : 0;
 }
 

@@ -131,7 +131,7 @@ private:
 
     // Around each operation, so that no table is freed under a reader and no title is seen half written. The last lock that
     // anyone takes.
-    mutable CriticalSection lock_;
+    mutable CriticalSection lock;
     TitleSlot slots[kGroups];  // by group index, which is GroupId minus 1
     UndoRecord undoRing[kUndoRecords];
     std::int32_t undoHead = 0;  // 0 to 99, the record that the next edit writes

@@ -199,7 +199,7 @@ int Backup(UnitSession& session, const Command& command) {
         return Fail(kExitFile, command.file + ": does not hold what the main unit holds");
     }
     std::printf("%zu titles of %zu Discs and %zu Albums in %s\n", TitlesOf(saved).size(),
-                saved.GroupsOf(UnitKind::Disc).size(), saved.GroupsOf(UnitKind::Album).size(), command.file.c_str());
+                saved.GroupsOf(UnitKind::kDisc).size(), saved.GroupsOf(UnitKind::kAlbum).size(), command.file.c_str());
     return kExitDone;
 }
 

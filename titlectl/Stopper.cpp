@@ -7,26 +7,26 @@ namespace {
 // The handler has a thread of its own, so the session and its end are under the lock.
 class Stopper {
 public:
-    void Watch(UnitSession* session) {
-        LockGuard lock(lock_);
-        session_ = session;
+    void Watch(UnitSession* newSession) {
+        LockGuard guard(lock);
+        session = newSession;
     }
 
     // Whether this is the first time: whoever asks twice does not want to wait for the line.
     bool Stop() {
-        LockGuard lock(lock_);
-        if (session_ == nullptr || asked_) {
+        LockGuard guard(lock);
+        if (session == nullptr || asked) {
             return false;
         }
-        asked_ = true;
-        session_->RequestStop();
+        asked = true;
+        session->RequestStop();
         return true;
     }
 
 private:
-    CriticalSection lock_;
-    UnitSession* session_ = nullptr;
-    bool asked_ = false;
+    CriticalSection lock;
+    UnitSession* session = nullptr;
+    bool asked = false;
 };
 
 // Never destroyed, since the handler's thread may still be in it when the program ends.

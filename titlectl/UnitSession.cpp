@@ -29,106 +29,106 @@ UnitSession::UnitSession() {
     windowClass.lpfnWndProc = WindowProc;
     windowClass.lpszClassName = kClassName;
     RegisterClassExA(&windowClass);
-    window_ = CreateWindowExA(0, kClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    if (window_ == nullptr) {
+    window = CreateWindowExA(0, kClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    if (window == nullptr) {
         return;
     }
-    SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    SetTimer(window_, kWatchTimer, kWatchPeriodMs, nullptr);
-    link_.SetPaneWindow(window_);
-    link_.SetTitleStore(&store_);
+    SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    SetTimer(window, kWatchTimer, kWatchPeriodMs, nullptr);
+    link.SetPaneWindow(window);
+    link.SetTitleStore(&store);
 }
 
 UnitSession::~UnitSession() {
-    link_.StopOperation();
-    link_.Disconnect();
-    link_.SetPaneWindow(nullptr);
-    link_.SetTitleStore(nullptr);
-    if (window_ != nullptr) {
-        DestroyWindow(window_);
+    link.StopOperation();
+    link.Disconnect();
+    link.SetPaneWindow(nullptr);
+    link.SetTitleStore(nullptr);
+    if (window != nullptr) {
+        DestroyWindow(window);
     }
 }
 
 void UnitSession::Limit(GroupId group, TrackNo track) {
     DisplayRanges ranges;
     if (group != 0 && IsAlbum(group)) {
-        ranges.DiscFrom = ranges.DiscTo = 0;
-        ranges.AlbumFrom = ranges.AlbumTo = AlbumNumber(group);
+        ranges.discFrom = ranges.discTo = 0;
+        ranges.albumFrom = ranges.albumTo = AlbumNumber(group);
     } else if (group != 0) {
-        ranges.AlbumFrom = ranges.AlbumTo = 0;
-        ranges.DiscFrom = ranges.DiscTo = group;
+        ranges.albumFrom = ranges.albumTo = 0;
+        ranges.discFrom = ranges.discTo = group;
     }
     // A range of no tracks at all would keep the link from reading and writing the group's own title, too.
-    tracksWanted_ = track != 0;
+    tracksWanted = track != 0;
     if (track >= 0) {
-        ranges.TrackFrom = ranges.TrackTo = track > 0 ? track : 1;
+        ranges.trackFrom = ranges.trackTo = track > 0 ? track : 1;
     }
-    link_.SetDisplayRanges(ranges);
+    link.SetDisplayRanges(ranges);
 }
 
-Outcome UnitSession::Connect(const char* port) {
-    if (port != nullptr) {
-        return ConnectTo(port);
+Outcome UnitSession::Connect(const char* name) {
+    if (name != nullptr) {
+        return ConnectTo(name);
     }
     for (int i = 1; i <= kPorts; ++i) {
-        char name[16];
-        std::snprintf(name, sizeof name, "COM%d", i);
-        const Outcome outcome = ConnectTo(name);
-        if (outcome != Outcome::kNoUnit && outcome != Outcome::kNoPort && outcome != Outcome::kPortTaken) {
-            return outcome;
+        char numbered[16];
+        std::snprintf(numbered, sizeof numbered, "COM%d", i);
+        const Outcome tried = ConnectTo(numbered);
+        if (tried != Outcome::kNoUnit && tried != Outcome::kNoPort && tried != Outcome::kPortTaken) {
+            return tried;
         }
     }
     return Outcome::kNoUnit;
 }
 
-Outcome UnitSession::ConnectTo(const char* port) {
-    std::snprintf(port_, sizeof port_, "%s", port);
-    Outcome outcome = Outcome::kDisturbed;
-    for (int i = 0; i < kMostTries && outcome == Outcome::kDisturbed; ++i) {
-        modelFound_ = false;
-        ended_ = false;
-        if (!link_.Connect(port_)) {
+Outcome UnitSession::ConnectTo(const char* name) {
+    std::snprintf(port, sizeof port, "%s", name);
+    Outcome result = Outcome::kDisturbed;
+    for (int i = 0; i < kMostTries && result == Outcome::kDisturbed; ++i) {
+        modelFound = false;
+        ended = false;
+        if (!link.Connect(port)) {
             return GetLastError() == ERROR_FILE_NOT_FOUND ? Outcome::kNoPort : Outcome::kPortTaken;
         }
-        outcome = Wait();
+        result = Wait();
     }
-    const bool nobody = !modelFound_ && (outcome == Outcome::kTimeOut || outcome == Outcome::kDisturbed);
-    return nobody ? Outcome::kNoUnit : outcome;
+    const bool nobody = !modelFound && (result == Outcome::kTimeOut || result == Outcome::kDisturbed);
+    return nobody ? Outcome::kNoUnit : result;
 }
 
 Outcome UnitSession::ReadGroupTitles() {
-    return Run([this] { return link_.GetAllTitles(); });
+    return Run([this] { return link.GetAllTitles(); });
 }
 
 Outcome UnitSession::ReadGroup(GroupId group) {
-    const Outcome own = Run([this, group] { return link_.GetOneGroup(group); });
-    if (own != Outcome::kDone || !tracksWanted_) {
+    const Outcome own = Run([this, group] { return link.GetOneGroup(group); });
+    if (own != Outcome::kDone || !tracksWanted) {
         return own;
     }
     const Outcome tracks = ReadTracks(group);
-    if (tracks != Outcome::kTimeOut || store_.GetState(group, 0) > TS_NONE) {
+    if (tracks != Outcome::kTimeOut || store.GetState(group, 0) > TS_NONE) {
         return tracks;
     }
     // A unit refuses to tell the tracks of a group that it does not have, and the link waits on for another answer. So a
     // group without a title is only missing as long as the unit still answers to anything else.
-    return Run([this, group] { return link_.GetOneGroup(group); });
+    return Run([this, group] { return link.GetOneGroup(group); });
 }
 
 Outcome UnitSession::ReadTracks(GroupId group) {
-    return Run([this, group] { return link_.GetGroupTracks(group); });
+    return Run([this, group] { return link.GetGroupTracks(group); });
 }
 
 Outcome UnitSession::SendGroup(GroupId group) {
-    return Run([this, group] { return link_.SendGroup(group); });
+    return Run([this, group] { return link.SendGroup(group); });
 }
 
 Outcome UnitSession::SendAll() {
-    return Run([this] { return link_.SendAllTitles(); });
+    return Run([this] { return link.SendAllTitles(); });
 }
 
 void UnitSession::RequestStop() {
-    stopRequested_ = 1;
-    PostMessageA(window_, kStopMessage, 0, 0);
+    stopRequested = 1;
+    PostMessageA(window, kStopMessage, 0, 0);
 }
 
 // A void frame on the line ends an operation without a word. What was read until then is in the store, so the operation is
@@ -136,31 +136,31 @@ void UnitSession::RequestStop() {
 template <class Start>
 Outcome UnitSession::Run(Start start) {
     for (int i = 0; i < kMostTries; ++i) {
-        ended_ = false;
+        ended = false;
         if (!start()) {
             return Outcome::kNoUnit;
         }
-        const Outcome outcome = Wait();
-        if (outcome != Outcome::kDisturbed) {
-            return outcome;
+        const Outcome result = Wait();
+        if (result != Outcome::kDisturbed) {
+            return result;
         }
     }
     return Outcome::kDisturbed;
 }
 
 Outcome UnitSession::Wait() {
-    refused_ = false;
-    idleWatches_ = 0;
-    outcome_ = Outcome::kDisturbed;
+    refused = false;
+    idleWatches = 0;
+    outcome = Outcome::kDisturbed;
     MSG message;
-    while (!ended_ && !stopRequested_ && GetMessageA(&message, nullptr, 0, 0) > 0) {
+    while (!ended && !stopRequested && GetMessageA(&message, nullptr, 0, 0) > 0) {
         DispatchMessageA(&message);
     }
-    if (stopRequested_) {
-        link_.StopOperation();
+    if (stopRequested) {
+        link.StopOperation();
         return Outcome::kStopped;
     }
-    return outcome_;
+    return outcome;
 }
 
 LRESULT CALLBACK UnitSession::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -180,15 +180,15 @@ void UnitSession::OnResult(WPARAM wParam) {
     const auto code = static_cast<BYTE>(wParam >> 16 & 0xFF);
     const auto status = static_cast<BYTE>(wParam >> 24 & 0xFF);
     if (code == RC_MODEL && status == ST_OK) {
-        modelFound_ = true;
+        modelFound = true;
         return;
     }
     if (status == ST_BAD_REPLY || status == ST_BAD_CHECKSUM || status == ST_NO_TITLE) {
-        refused_ = refused_ || status == ST_BAD_REPLY;
+        refused = refused || status == ST_BAD_REPLY;
         return;  // the link repeats the request, and times out if that does not help
     }
-    outcome_ = status == ST_TIMEOUT && refused_ ? Outcome::kRefused : OutcomeOf(status);
-    ended_ = true;
+    outcome = status == ST_TIMEOUT && refused ? Outcome::kRefused : OutcomeOf(status);
+    ended = true;
 }
 
 Outcome UnitSession::OutcomeOf(BYTE status) {
@@ -213,16 +213,16 @@ void UnitSession::OnProgress(WPARAM wParam, LPARAM lParam) const {
     for (std::size_t i = 0; i < std::size(kProgressNumbers); ++i) {
         if (kProgressNumbers[i] == HIWORD(wParam)) {
             std::fprintf(stderr, "%s%s%s\n", kProgressTexts[i], kProgressNumbers[i] == 1 ? " on " : "",
-                         kProgressNumbers[i] == 1 ? port_ : "");
+                         kProgressNumbers[i] == 1 ? port : "");
         }
     }
 }
 
 // Looks for an operation that is over and has told nothing: its end would have been dispatched before the timer.
 void UnitSession::OnWatch() {
-    idleWatches_ = link_.IsOperationActive() ? 0 : idleWatches_ + 1;
-    if (idleWatches_ >= kIdleWatches) {
-        outcome_ = Outcome::kDisturbed;
-        ended_ = true;
+    idleWatches = link.IsOperationActive() ? 0 : idleWatches + 1;
+    if (idleWatches >= kIdleWatches) {
+        outcome = Outcome::kDisturbed;
+        ended = true;
     }
 }

@@ -31,13 +31,13 @@ public:
     UnitSession(const UnitSession&) = delete;
     UnitSession& operator=(const UnitSession&) = delete;
 
-    bool IsReady() const { return window_ != nullptr; }
+    bool IsReady() const { return window != nullptr; }
 
     // Searches COM1 to COM8, or only the named port, and waits until the unit is ready. A port without a unit is passed over
     // in the search, whatever else is on it.
-    Outcome Connect(const char* port);
+    Outcome Connect(const char* name);
     // The port that Connect has found, such as "COM1".
-    const char* Port() const { return port_; }
+    const char* Port() const { return port; }
 
     // Limits what the operations below read and write: one group, or all for 0, and one track, or all for -1. For a single
     // group's own title (track 0) no track is read.
@@ -52,7 +52,7 @@ public:
     Outcome SendGroup(GroupId group);
     Outcome SendAll();
 
-    TitleStore& Store() { return store_; }
+    TitleStore& Store() { return store; }
 
     // Ends the operation that runs in good order; it answers kStopped.
     void RequestStop();
@@ -65,18 +65,18 @@ private:
     template <class Start>
     Outcome Run(Start start);
     Outcome Wait();
-    Outcome ConnectTo(const char* port);
+    Outcome ConnectTo(const char* name);
     static Outcome OutcomeOf(BYTE status);
 
-    TitleStore store_;
-    DeviceLink link_;
-    HWND window_ = nullptr;
-    char port_[16] = {};
-    bool tracksWanted_ = true;
-    Shared<LONG> stopRequested_ = 0;  // written by any thread, read by the session's
-    bool ended_ = false;              // the operation has told its end
-    bool modelFound_ = false;
-    bool refused_ = false;  // a write was refused; it is repeated, and times out if it stays so
-    int idleWatches_ = 0;   // looks in a row that found no operation and no end
-    Outcome outcome_ = Outcome::kDone;
+    TitleStore store;
+    DeviceLink link;
+    HWND window = nullptr;
+    char port[16] = {};
+    bool tracksWanted = true;
+    Shared<LONG> stopRequested = 0;  // written by any thread, read by the session's
+    bool ended = false;              // the operation has told its end
+    bool modelFound = false;
+    bool refused = false;  // a write was refused; it is repeated, and times out if it stays so
+    int idleWatches = 0;   // looks in a row that found no operation and no end
+    Outcome outcome = Outcome::kDone;
 };

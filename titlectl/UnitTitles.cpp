@@ -72,7 +72,7 @@ UnitLibrary CollectTitles(const TitleStore& store) {
                 continue;
             }
             const Entry entry =
-                IsAlbum(group) ? Entry{UnitKind::Album, AlbumNumber(group), track} : Entry{UnitKind::Disc, group, track};
+                IsAlbum(group) ? Entry{UnitKind::kAlbum, AlbumNumber(group), track} : Entry{UnitKind::kDisc, group, track};
             library.Add(entry);
             if (store.GetState(group, track) > TS_NONE) {
                 library.SetTitle(entry, HeldText(store, group, track));
@@ -84,9 +84,9 @@ UnitLibrary CollectTitles(const TitleStore& store) {
 
 std::vector<TitleChange> TitlesOf(const UnitLibrary& library) {
     std::vector<TitleChange> titles;
-    for (const UnitKind kind : {UnitKind::Disc, UnitKind::Album}) {
+    for (const UnitKind kind : {UnitKind::kDisc, UnitKind::kAlbum}) {
         for (const auto& [number, group] : library.GroupsOf(kind)) {
-            const GroupId id = kind == UnitKind::Album ? AlbumGroup(number) : number;
+            const GroupId id = kind == UnitKind::kAlbum ? AlbumGroup(number) : number;
             if (group.title) {
                 titles.push_back({id, 0, *group.title});
             }

@@ -20,29 +20,29 @@ std::int64_t ClockMs() {
 }  // namespace
 
 LineSpy::LineSpy(UnitPort& client, UnitPort& unit, std::FILE* log)
-    : requests_{client, unit, PieceCutter::ForRequests(), true},
-      replies_{unit, client, PieceCutter::ForReplies(), false},
-      log_(log),
-      startMs_(ClockMs()) {}
+    : requests{client, unit, PieceCutter::ForRequests(), true},
+      replies{unit, client, PieceCutter::ForReplies(), false},
+      log(log),
+      startMs(ClockMs()) {}
 
 bool LineSpy::Run(const volatile std::sig_atomic_t& stop, const sigset_t& waitMask) {
     bool alive = true;
     while (alive && !stop) {
-        alive = Wait(waitMask) && (!hasRequest_ || Carry(requests_)) && (!hasReply_ || Carry(replies_));
+        alive = Wait(waitMask) && (!hasRequest || Carry(requests)) && (!hasReply || Carry(replies));
     }
     // Half a frame may be what the fault report is about.
-    for (const Direction* direction : {&requests_, &replies_}) {
-        if (!direction->cutter.heldBytes().empty()) {
-            Note(*direction, direction->cutter.heldBytes());
+    for (const Direction* direction : {&requests, &replies}) {
+        if (!direction->cutter.HeldBytes().empty()) {
+            Note(*direction, direction->cutter.HeldBytes());
         }
     }
     return alive;
 }
 
 bool LineSpy::Wait(const sigset_t& waitMask) {
-    UnitPort& client = requests_.from;
-    pollfd files[] = {{client.file(), POLLIN, 0}, {client.departures(), POLLIN, 0}, {requests_.to.file(), POLLIN, 0}};
-    hasRequest_ = hasReply_ = false;
+    UnitPort& client = requests.from;
+    pollfd files[] = {{client.File(), POLLIN, 0}, {client.Departures(), POLLIN, 0}, {requests.to.File(), POLLIN, 0}};
+    hasRequest = hasReply = false;
     if (ppoll(files, std::size(files), nullptr, &waitMask) < 0) {
         if (errno == EINTR) {
             return true;
@@ -53,8 +53,8 @@ bool LineSpy::Wait(const sigset_t& waitMask) {
     if (files[1].revents != 0) {
         client.ClientLeft();
     }
-    hasRequest_ = files[0].revents != 0;
-    hasReply_ = files[2].revents != 0;
+    hasRequest = files[0].revents != 0;
+    hasReply = files[2].revents != 0;
     return true;
 }
 
@@ -71,14 +71,14 @@ bool LineSpy::Carry(Direction& direction) {
         Note(direction, piece);
     }
     if (passed < bytes.size()) {
-        std::fprintf(log_, "%zu bytes are lost: nobody reads them\n", bytes.size() - passed);
+        std::fprintf(log, "%zu bytes are lost: nobody reads them\n", bytes.size() - passed);
     }
-    std::fflush(log_);
+    std::fflush(log);
     return true;
 }
 
 void LineSpy::Note(const Direction& direction, const std::string& piece) {
-    const std::int64_t now = ClockMs() - startMs_;
+    const std::int64_t now = ClockMs() - startMs;
     UnitRequest request;
     std::string problem;
     if (direction.isRequest) {
@@ -86,7 +86,7 @@ void LineSpy::Note(const Direction& direction, const std::string& piece) {
     }
     const std::string line =
         direction.isRequest ? Dialogue::RequestLine(now, piece, problem) : Dialogue::ReplyLine(now, piece);
-    std::fprintf(log_, "%s\n", line.c_str());
+    std::fprintf(log, "%s\n", line.c_str());
 }
 
 }  // namespace mainunit

@@ -32,12 +32,12 @@ private:
     bool Carry(Direction& direction);
     void Note(const Direction& direction, const std::string& piece);
 
-    Direction requests_;
-    Direction replies_;
-    std::FILE* log_;
-    std::int64_t startMs_;
-    bool hasRequest_ = false;  // the last wait found bytes of the client
-    bool hasReply_ = false;    // and of the unit
+    Direction requests;
+    Direction replies;
+    std::FILE* log;
+    std::int64_t startMs;
+    bool hasRequest = false;  // the last wait found bytes of the client
+    bool hasReply = false;    // and of the unit
 };
 
 }  // namespace mainunit

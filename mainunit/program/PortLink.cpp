@@ -34,12 +34,12 @@ std::string DefaultPortsFolder() {
 PortLink::~PortLink() {
     // Another unit may have taken the name over in the meantime; its link stays.
     std::error_code problem;
-    if (!path_.empty() && fs::read_symlink(path_, problem) == target_) {
-        fs::remove(path_, problem);
+    if (!path.empty() && fs::read_symlink(path, problem) == target) {
+        fs::remove(path, problem);
     }
 }
 
-bool PortLink::Create(const std::string& folder, const std::string& name, const std::string& target, std::string& error) {
+bool PortLink::Create(const std::string& folder, const std::string& name, const std::string& device, std::string& error) {
     std::error_code problem;
     fs::create_directories(folder, problem);
     if (problem) {
@@ -51,21 +51,21 @@ bool PortLink::Create(const std::string& folder, const std::string& name, const 
             letter = static_cast<char>(letter - 'A' + 'a');
         }
     }
-    const fs::path path = fs::path(folder) / file;
-    const fs::file_status there = fs::symlink_status(path, problem);
+    const fs::path link = fs::path(folder) / file;
+    const fs::file_status there = fs::symlink_status(link, problem);
     // A link to anything but a pseudo terminal is the user's own, to a real port.
-    if (fs::is_symlink(there) && fs::read_symlink(path, problem).string().starts_with("/dev/pts/")) {
-        fs::remove(path, problem);
+    if (fs::is_symlink(there) && fs::read_symlink(link, problem).string().starts_with("/dev/pts/")) {
+        fs::remove(link, problem);
     } else if (fs::exists(there)) {
-        error = path.string() + ": is there already and leads to no simulated unit";
+        error = link.string() + ": is there already and leads to no simulated unit";
         return false;
     }
-    fs::create_symlink(target, path, problem);
+    fs::create_symlink(device, link, problem);
     if (problem) {
-        return Fail(error, path, problem);
+        return Fail(error, link, problem);
     }
-    path_ = path.string();
-    target_ = target;
+    path = link.string();
+    target = device;
     return true;
 }
 

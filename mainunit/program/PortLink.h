@@ -19,11 +19,11 @@ public:
     // Makes the link `folder`/com1 for the name "COM1", and the folder if need be. A link of an earlier run, which leads to
     // a pseudo terminal, is replaced; anything else that stands there is not. On failure the result is false and `error`
     // says why.
-    bool Create(const std::string& folder, const std::string& name, const std::string& target, std::string& error);
+    bool Create(const std::string& folder, const std::string& name, const std::string& device, std::string& error);
 
 private:
-    std::string path_;
-    std::string target_;
+    std::string path;
+    std::string target;
 };
 
 }  // namespace mainunit

@@ -38,35 +38,35 @@ bool MakeRaw(int file) {
 }  // namespace
 
 UnitPort::~UnitPort() {
-    for (const int file : {departures_, slave_, file_}) {
-        if (file >= 0) {
-            close(file);
+    for (const int open : {departures, slave, file}) {
+        if (open >= 0) {
+            close(open);
         }
     }
 }
 
 bool UnitPort::OpenTerminal(std::string& error) {
     char name[128];
-    file_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (file_ < 0 || grantpt(file_) != 0 || unlockpt(file_) != 0 || ptsname_r(file_, name, sizeof name) != 0) {
+    file = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0 || grantpt(file) != 0 || unlockpt(file) != 0 || ptsname_r(file, name, sizeof name) != 0) {
         return Fail(error, "pseudo terminal");
     }
-    path_ = name;
-    slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (slave_ < 0 || !MakeRaw(slave_)) {
-        return Fail(error, path_);
+    path = name;
+    slave = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (slave < 0 || !MakeRaw(slave)) {
+        return Fail(error, path);
     }
-    departures_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (departures_ < 0 || inotify_add_watch(departures_, name, IN_CLOSE_WRITE) < 0) {
-        return Fail(error, path_);
+    departures = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (departures < 0 || inotify_add_watch(departures, name, IN_CLOSE_WRITE) < 0) {
+        return Fail(error, path);
     }
     return true;
 }
 
-bool UnitPort::OpenDevice(const std::string& path, std::string& error) {
-    path_ = path;
-    file_ = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (file_ < 0 || flock(file_, LOCK_EX | LOCK_NB) != 0 || !MakeRaw(file_) || tcflush(file_, TCIOFLUSH) != 0) {
+bool UnitPort::OpenDevice(const std::string& device, std::string& error) {
+    path = device;
+    file = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0 || flock(file, LOCK_EX | LOCK_NB) != 0 || !MakeRaw(file) || tcflush(file, TCIOFLUSH) != 0) {
         return Fail(error, path);
     }
     return true;
@@ -74,7 +74,7 @@ bool UnitPort::OpenDevice(const std::string& path, std::string& error) {
 
 bool UnitPort::Read(std::string& bytes, std::string& error) {
     char part[4096];
-    const ssize_t count = read(file_, part, sizeof part);
+    const ssize_t count = read(file, part, sizeof part);
     if (count > 0) {
         bytes.append(part, static_cast<std::size_t>(count));
         return true;
@@ -83,22 +83,22 @@ bool UnitPort::Read(std::string& bytes, std::string& error) {
         return true;
     }
     if (count < 0) {
-        return Fail(error, path_);
+        return Fail(error, path);
     }
-    error = path_ + ": the device is gone";
+    error = path + ": the device is gone";
     return false;
 }
 
 std::size_t UnitPort::Write(std::string_view bytes) {
-    const ssize_t count = write(file_, bytes.data(), bytes.size());
+    const ssize_t count = write(file, bytes.data(), bytes.size());
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
 void UnitPort::ClientLeft() {
     alignas(inotify_event) char events[4096];
-    while (read(departures_, events, sizeof events) > 0) {}
+    while (read(departures, events, sizeof events) > 0) {}
     // A client that took the terminal for itself alone and crashed leaves it so while the unit holds it open.
-    ioctl(slave_, TIOCNXCL);
+    ioctl(slave, TIOCNXCL);
 }
 
 }  // namespace mainunit

@@ -16,15 +16,15 @@ public:
 
     bool OpenTerminal(std::string& error);
     // 9600 bits a second, 8 data bits, no parity, 1 stop bit, no handshake. The device is locked against other programs.
-    bool OpenDevice(const std::string& path, std::string& error);
+    bool OpenDevice(const std::string& device, std::string& error);
 
     // What a client opens, or the device.
-    const std::string& path() const { return path_; }
+    const std::string& Path() const { return path; }
 
     // To be waited for: readable when bytes came or the device is gone.
-    int file() const { return file_; }
+    int File() const { return file; }
     // To be waited for: readable when a client closed the pseudo terminal. -1 for a device.
-    int departures() const { return departures_; }
+    int Departures() const { return departures; }
 
     // Appends what came. False when the device is gone.
     bool Read(std::string& bytes, std::string& error);
@@ -36,10 +36,10 @@ public:
     void ClientLeft();
 
 private:
-    int file_ = -1;
-    int slave_ = -1;  // held open, since the terminal would report a hang-up whenever no client has it open
-    int departures_ = -1;
-    std::string path_;
+    int file = -1;
+    int slave = -1;  // held open, since the terminal would report a hang-up whenever no client has it open
+    int departures = -1;
+    std::string path;
 };
 
 }  // namespace mainunit

@@ -33,52 +33,52 @@ int PaceFor(const Options& options) {
 }  // namespace
 
 UnitServer::UnitServer(const Options& options, UnitLibrary library, UnitPort& port, std::FILE* log)
-    : libraryPath_(options.library),
-      port_(port),
-      log_(log),
-      unit_(std::move(library), options.unit,
-            [this](std::string_view bytes, std::string_view problem) {
-                Note(Dialogue::RequestLine(NowMs(), bytes, problem));
-            }),
-      faults_(options.seed, options.faults),
-      line_(PaceFor(options)),
-      startNs_(ClockNs()) {}
+    : libraryPath(options.library),
+      port(port),
+      log(log),
+      unit(std::move(library), options.unit,
+           [this](std::string_view bytes, std::string_view problem) {
+               Note(Dialogue::RequestLine(NowMs(), bytes, problem));
+           }),
+      faults(options.seed, options.faults),
+      line(PaceFor(options)),
+      startNs(ClockNs()) {}
 
 std::int64_t UnitServer::NowNs() const {
-    return ClockNs() - startNs_;
+    return ClockNs() - startNs;
 }
 
 void UnitServer::Note(const std::string& line) {
-    if (!log_) {
+    if (!log) {
         return;
     }
-    std::fprintf(log_, "%s\n", line.c_str());
-    std::fflush(log_);
+    std::fprintf(log, "%s\n", line.c_str());
+    std::fflush(log);
 }
 
 bool UnitServer::Run(const volatile std::sig_atomic_t& stop, const sigset_t& waitMask) {
     bool alive = true;
     while (alive && !stop) {
-        alive = Wait(waitMask) && (!incoming_ || TakeIn());
+        alive = Wait(waitMask) && (!incoming || TakeIn());
         SendOut();
     }
-    if (unsaved_) {
+    if (unsaved) {
         Save();
     }
-    return alive && !unsaved_;
+    return alive && !unsaved;
 }
 
 // Sleeps until bytes came, a client left, the next bytes are to go out, or a signal arrived.
 bool UnitServer::Wait(const sigset_t& waitMask) {
-    pollfd files[] = {{port_.file(), POLLIN, 0}, {port_.departures(), POLLIN, 0}};
+    pollfd files[] = {{port.File(), POLLIN, 0}, {port.Departures(), POLLIN, 0}};
     timespec time{};
-    const std::optional<std::int64_t> nextNs = line_.NextNs();
+    const std::optional<std::int64_t> nextNs = line.NextNs();
     if (nextNs) {
         const std::int64_t waitNs = std::max<std::int64_t>(*nextNs - NowNs(), 0);
         time.tv_sec = waitNs / kSecondNs;
         time.tv_nsec = waitNs % kSecondNs;
     }
-    incoming_ = false;
+    incoming = false;
     if (ppoll(files, std::size(files), nextNs ? &time : nullptr, &waitMask) < 0) {
         if (errno == EINTR) {
             return true;
@@ -87,37 +87,37 @@ bool UnitServer::Wait(const sigset_t& waitMask) {
         return false;
     }
     if (files[1].revents != 0) {
-        port_.ClientLeft();
+        port.ClientLeft();
     }
-    incoming_ = files[0].revents != 0;
+    incoming = files[0].revents != 0;
     return true;
 }
 
 bool UnitServer::TakeIn() {
     std::string bytes;
     std::string error;
-    if (!port_.Read(bytes, error)) {
+    if (!port.Read(bytes, error)) {
         std::fprintf(stderr, "mainunit: %s\n", error.c_str());
         return false;
     }
-    const std::int64_t arrivedNs = line_.ArrivalNs(bytes.size(), NowNs());
-    for (const Chunk& chunk : faults_.Apply(unit_.Receive(bytes))) {
-        if (!line_.Add(chunk.bytes, arrivedNs + chunk.delayMs * kMillisecondNs)) {
+    const std::int64_t arrivedNs = line.ArrivalNs(bytes.size(), NowNs());
+    for (const Chunk& chunk : faults.Apply(unit.Receive(bytes))) {
+        if (!line.Add(chunk.bytes, arrivedNs + chunk.delayMs * kMillisecondNs)) {
             Note("a reply is dropped: too many wait for the line");
         }
     }
-    if (unit_.TakeChanged() && !libraryPath_.empty()) {
+    if (unit.TakeChanged() && !libraryPath.empty()) {
         Save();
     }
     return true;
 }
 
 void UnitServer::SendOut() {
-    const PacedLine::Taken taken = line_.Take(NowNs());
+    const PacedLine::Taken taken = line.Take(NowNs());
     if (taken.bytes.empty()) {
         return;
     }
-    const std::size_t written = port_.Write(taken.bytes);
+    const std::size_t written = port.Write(taken.bytes);
     for (const std::string& chunk : taken.finished) {
         Note(Dialogue::ReplyLine(NowMs(), chunk));
     }
@@ -129,8 +129,8 @@ void UnitServer::SendOut() {
 // A change that cannot be saved is tried again with the next one and at the end.
 void UnitServer::Save() {
     std::string error;
-    unsaved_ = !SaveLibrary(libraryPath_, unit_.library(), error);
-    if (unsaved_) {
+    unsaved = !SaveLibrary(libraryPath, unit.Library(), error);
+    if (unsaved) {
         std::fprintf(stderr, "mainunit: the library is not saved: %s\n", error.c_str());
     }
 }

@@ -30,15 +30,15 @@ private:
     std::int64_t NowMs() const { return NowNs() / 1'000'000; }
     void Note(const std::string& line);
 
-    std::string libraryPath_;
-    UnitPort& port_;
-    std::FILE* log_;
-    MainUnit unit_;
-    Faults faults_;
-    PacedLine line_;
-    std::int64_t startNs_;
-    bool unsaved_ = false;   // a change is not in the file yet
-    bool incoming_ = false;  // the last wait found bytes at the port
+    std::string libraryPath;
+    UnitPort& port;
+    std::FILE* log;
+    MainUnit unit;
+    Faults faults;
+    PacedLine line;
+    std::int64_t startNs;
+    bool unsaved = false;   // a change is not in the file yet
+    bool incoming = false;  // the last wait found bytes at the port
 };
 
 }  // namespace mainunit

@@ -105,7 +105,7 @@ bool MakeLink(const Options& options, const UnitPort& port, PortLink& link, std:
         error = "there is no configuration folder for the link; name one with --ports";
         return false;
     }
-    return link.Create(folder, options.link, port.path(), error);
+    return link.Create(folder, options.link, port.Path(), error);
 }
 
 int Spy(const Options& options) {
@@ -121,7 +121,7 @@ int Spy(const Options& options) {
     if (!unit.OpenDevice(options.spy, error) || !client.OpenTerminal(error) || !MakeLink(options, client, link, error)) {
         return Fail(kFailed, error);
     }
-    std::printf("ready: %s\n", client.path().c_str());
+    std::printf("ready: %s\n", client.Path().c_str());
     std::fflush(stdout);
     const bool passed = LineSpy(client, unit, log).Run(stopAsked, waitMask);
     return CloseLog(log) && passed ? 0 : kFailed;
@@ -145,7 +145,7 @@ int Serve(const Options& options) {
         return Fail(kFailed, error);
     }
     UnitServer server(options, std::move(library), port, log);
-    std::printf("ready: %s\n", port.path().c_str());
+    std::printf("ready: %s\n", port.Path().c_str());
     std::fflush(stdout);
     const bool served = server.Run(stopAsked, waitMask);
     return CloseLog(log) && served ? 0 : kFailed;

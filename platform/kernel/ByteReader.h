@@ -14,24 +14,24 @@ using Bytes = std::span<const std::byte>;
 // a whole structure can be read before the question is asked.
 class ByteReader {
 public:
-    explicit ByteReader(Bytes bytes) : bytes_(bytes) {}
+    explicit ByteReader(Bytes bytes) : bytes(bytes) {}
 
-    bool Failed() const { return failed_; }
-    std::size_t Position() const { return position_; }
-    std::size_t Left() const { return bytes_.size() - position_; }
+    bool Failed() const { return failed; }
+    std::size_t Position() const { return position; }
+    std::size_t Left() const { return bytes.size() - position; }
 
     Bytes Take(std::size_t count) {
-        if (failed_ || count > Left()) {
-            failed_ = true;
+        if (failed || count > Left()) {
+            failed = true;
             return {};
         }
-        position_ += count;
-        return bytes_.subspan(position_ - count, count);
+        position += count;
+        return bytes.subspan(position - count, count);
     }
     void Skip(std::size_t count) { Take(count); }
     // To the next multiple of four, counted from the first byte. The padding behind the last structure may be missing.
     void Align() {
-        const std::size_t padding = (4 - position_ % 4) % 4;
+        const std::size_t padding = (4 - position % 4) % 4;
         Skip(padding < Left() ? padding : Left());
     }
 
@@ -52,17 +52,17 @@ public:
 
 private:
     std::uint32_t Number(std::size_t size) {
-        const Bytes bytes = Take(size);
+        const Bytes taken = Take(size);
         std::uint32_t number = 0;
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            number |= std::to_integer<std::uint32_t>(bytes[i]) << (8 * i);
+        for (std::size_t i = 0; i < taken.size(); ++i) {
+            number |= std::to_integer<std::uint32_t>(taken[i]) << (8 * i);
         }
         return number;
     }
 
-    Bytes bytes_;
-    std::size_t position_ = 0;
-    bool failed_ = false;
+    Bytes bytes;
+    std::size_t position = 0;
+    bool failed = false;
 };
 
 }  // namespace kernel

@@ -38,15 +38,15 @@ bool IsLeadByte(unsigned page, unsigned char byte) {
 // One direction of one page. A converter of the C library belongs to one thread at a time.
 class Converter {
 public:
-    Converter(const char* to, const char* from) : converter_(iconv_open(to, from)) {}
+    Converter(const char* to, const char* from) : converter(iconv_open(to, from)) {}
 
     // Converts from the front of the input as far as it can, adds to the output, and takes what it has converted away.
     void Convert(std::string_view& input, std::string& output) {
-        if (converter_ == reinterpret_cast<iconv_t>(-1)) {
+        if (converter == reinterpret_cast<iconv_t>(-1)) {
             return;
         }
-        const std::lock_guard guard(lock_);
-        iconv(converter_, nullptr, nullptr, nullptr, nullptr);
+        const std::lock_guard guard(lock);
+        iconv(converter, nullptr, nullptr, nullptr, nullptr);
         bool more = true;
         while (more && !input.empty()) {
             char buffer[256];
@@ -54,15 +54,15 @@ public:
             std::size_t room = sizeof buffer;
             char* from = const_cast<char*>(input.data());  // The call wants it so and writes nothing there.
             std::size_t left = input.size();
-            more = iconv(converter_, &from, &left, &to, &room) != static_cast<std::size_t>(-1) || errno == E2BIG;
+            more = iconv(converter, &from, &left, &to, &room) != static_cast<std::size_t>(-1) || errno == E2BIG;
             output.append(buffer, to);
             input.remove_prefix(input.size() - left);
         }
     }
 
 private:
-    std::mutex lock_;
-    const iconv_t converter_;
+    std::mutex lock;
+    const iconv_t converter;
 };
 
 // Made at the first need and never destroyed: threads may convert while the process ends.

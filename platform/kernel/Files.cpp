@@ -22,15 +22,15 @@ namespace {
 
 class File final : public Stream {
 public:
-    static constexpr Kind kKind = Kind::File;
+    static constexpr Kind kKind = Kind::kFile;
 
-    explicit File(int file) : Stream(kKind), file_(file) {}
-    ~File() override { close(file_); }
+    explicit File(int file) : Stream(kKind), file(file) {}
+    ~File() override { close(file); }
 
     BOOL Read(void* buffer, DWORD count, DWORD& read) override {
         read = 0;
         while (read < count) {
-            const ssize_t got = ::read(file_, static_cast<char*>(buffer) + read, count - read);
+            const ssize_t got = ::read(file, static_cast<char*>(buffer) + read, count - read);
             if (got == 0) {
                 break;
             }
@@ -46,7 +46,7 @@ public:
     BOOL Write(const void* buffer, DWORD count, DWORD& written) override {
         written = 0;
         while (written < count) {
-            const ssize_t put = ::write(file_, static_cast<const char*>(buffer) + written, count - written);
+            const ssize_t put = ::write(file, static_cast<const char*>(buffer) + written, count - written);
             if (put >= 0) {
                 written += static_cast<DWORD>(put);
             } else if (errno != EINTR) {
@@ -58,7 +58,7 @@ public:
 
     std::optional<std::uint64_t> Size() const {
         struct stat status;
-        if (fstat(file_, &status) != 0) {
+        if (fstat(file, &status) != 0) {
             Fail(ErrorFromErrno(errno));
             return std::nullopt;
         }
@@ -66,7 +66,7 @@ public:
     }
 
 private:
-    const int file_;
+    const int file;
 };
 
 // Windows tells a file that is not there from a folder on the way that is not there.

@@ -21,32 +21,32 @@ struct Header {
 class Rows {
 public:
     Rows(ByteReader& reader, const Header& header, unsigned bitsPerPixel)
-        : height_(static_cast<std::size_t>(header.height)),
-          stride_((static_cast<std::size_t>(header.width) * bitsPerPixel + 31) / 32 * 4),
-          bytes_(reader.Take(stride_ * height_)),
-          bitsPerPixel_(bitsPerPixel) {}
+        : height(static_cast<std::size_t>(header.height)),
+          stride((static_cast<std::size_t>(header.width) * bitsPerPixel + 31) / 32 * 4),
+          bytes(reader.Take(stride * height)),
+          bitsPerPixel(bitsPerPixel) {}
 
     // The number that is stored for a pixel, of 1, 4, 8, 24 or 32 bits.
     std::uint32_t At(std::size_t x, std::size_t y) const {
-        const Bytes row = bytes_.subspan((height_ - 1 - y) * stride_, stride_);
-        if (bitsPerPixel_ >= 8) {
-            ByteReader pixel(row.subspan(x * bitsPerPixel_ / 8, bitsPerPixel_ / 8));
+        const Bytes row = bytes.subspan((height - 1 - y) * stride, stride);
+        if (bitsPerPixel >= 8) {
+            ByteReader pixel(row.subspan(x * bitsPerPixel / 8, bitsPerPixel / 8));
             std::uint32_t value = 0;
-            for (unsigned shift = 0; shift < bitsPerPixel_; shift += 8) {
+            for (unsigned shift = 0; shift < bitsPerPixel; shift += 8) {
                 value |= std::uint32_t{pixel.U8()} << shift;
             }
             return value;
         }
-        const std::size_t bit = x * bitsPerPixel_;
+        const std::size_t bit = x * bitsPerPixel;
         const auto byte = std::to_integer<std::uint32_t>(row[bit / 8]);
-        return (byte >> (8 - bitsPerPixel_ - bit % 8)) & ((1u << bitsPerPixel_) - 1);
+        return (byte >> (8 - bitsPerPixel - bit % 8)) & ((1u << bitsPerPixel) - 1);
     }
 
 private:
-    std::size_t height_;
-    std::size_t stride_;
-    Bytes bytes_;
-    unsigned bitsPerPixel_;
+    std::size_t height;
+    std::size_t stride;
+    Bytes bytes;
+    unsigned bitsPerPixel;
 };
 
 std::optional<Header> ReadHeader(ByteReader& reader) {

@@ -7,21 +7,21 @@
 namespace kernel {
 
 // A kind that is also another kind has that kind's bits.
-enum class Kind : unsigned { Waitable = 1, Event = 1 | 2, Stream = 4, File = 4 | 8, Port = 4 | 16, Mutex = 32 };
+enum class Kind : unsigned { kWaitable = 1, kEvent = 1 | 2, kStream = 4, kFile = 4 | 8, kPort = 4 | 16, kMutex = 32 };
 
 class KernelObject {
 public:
-    explicit KernelObject(Kind kind) : kind_(kind) {}
+    explicit KernelObject(Kind kind) : kind(kind) {}
     virtual ~KernelObject() = default;
     KernelObject(const KernelObject&) = delete;
     KernelObject& operator=(const KernelObject&) = delete;
 
-    bool Is(Kind kind) const {
-        return (static_cast<unsigned>(kind_) & static_cast<unsigned>(kind)) == static_cast<unsigned>(kind);
+    bool Is(Kind asked) const {
+        return (static_cast<unsigned>(kind) & static_cast<unsigned>(asked)) == static_cast<unsigned>(asked);
     }
-    void AddReference() { references_.fetch_add(1, std::memory_order_relaxed); }
+    void AddReference() { references.fetch_add(1, std::memory_order_relaxed); }
     void Release() {
-        if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        if (references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             delete this;
         }
     }
@@ -30,8 +30,8 @@ public:
     virtual void HandleClosed() {}
 
 private:
-    const Kind kind_;
-    std::atomic<int> references_{1};
+    const Kind kind;
+    std::atomic<int> references{1};
 };
 
 // A counted reference. Takes over the reference that a new object is born with.
@@ -39,32 +39,32 @@ template <class T>
 class Ref {
 public:
     Ref() = default;
-    explicit Ref(T* object) : object_(object) {}
-    Ref(const Ref& other) : object_(other.object_) {
-        if (object_) {
-            object_->AddReference();
+    explicit Ref(T* object) : object(object) {}
+    Ref(const Ref& other) : object(other.object) {
+        if (object) {
+            object->AddReference();
         }
     }
-    Ref(Ref&& other) noexcept : object_(other.Detach()) {}
+    Ref(Ref&& other) noexcept : object(other.Detach()) {}
     Ref& operator=(Ref other) noexcept {
-        std::swap(object_, other.object_);
+        std::swap(object, other.object);
         return *this;
     }
     ~Ref() {
         // The checker does not follow a count that is atomic.
-        if (object_) {
-            object_->Release();  // NOLINT(clang-analyzer-cplusplus.NewDelete)
+        if (object) {
+            object->Release();  // NOLINT(clang-analyzer-cplusplus.NewDelete)
         }
     }
 
-    T* Get() const { return object_; }
-    T* operator->() const { return object_; }
-    explicit operator bool() const { return object_ != nullptr; }
+    T* Get() const { return object; }
+    T* operator->() const { return object; }
+    explicit operator bool() const { return object != nullptr; }
     // Gives the reference away, and with it the duty to release it.
-    T* Detach() { return std::exchange(object_, nullptr); }
+    T* Detach() { return std::exchange(object, nullptr); }
 
 private:
-    T* object_ = nullptr;
+    T* object = nullptr;
 };
 
 }  // namespace kernel

@@ -37,8 +37,9 @@ void Enter(int file) {
     constexpr int kTries = 5000;
     for (int i = 0; i < kTries; ++i) {
         struct flock lock = LockOf(kEntryByte, F_WRLCK);
-        if (fcntl(file, F_OFD_SETLK, &lock) == 0 || (errno != EAGAIN && errno != EACCES && errno != EINTR))
+        if (fcntl(file, F_OFD_SETLK, &lock) == 0 || (errno != EAGAIN && errno != EACCES && errno != EINTR)) {
             return;
+        }
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
 }
@@ -76,10 +77,11 @@ std::string FileNameOf(LPCSTR name) {
 class NamedMutex final : public KernelObject {
 public:
     // Without a file it is a mutex that nobody else knows.
-    explicit NamedMutex(int file) : KernelObject(Kind::Mutex), file_(file) {}
+    explicit NamedMutex(int file) : KernelObject(Kind::kMutex), file_(file) {}
     ~NamedMutex() override {
-        if (file_ >= 0)
+        if (file_ >= 0) {
             close(file_);
+        }
     }
 
 private:
@@ -102,15 +104,18 @@ HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES, BOOL, LPCSTR name) {
         }
         // Without a place for the file there is no way to tell, and a program that runs twice is better than none.
         const std::string folder = RuntimeFolder();
-        if (!folder.empty())
+        if (!folder.empty()) {
             file = open((folder + "/" + fileName).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+        }
         held = file >= 0 && Hold(file);
     }
     auto* mutex = new (std::nothrow) NamedMutex(file);
-    if (!mutex && file >= 0)
+    if (!mutex && file >= 0) {
         close(file);
+    }
     const HANDLE handle = AddHandle(Ref<KernelObject>(mutex));
-    if (handle)
+    if (handle) {
         SetLastError(held ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    }
     return handle;
 }

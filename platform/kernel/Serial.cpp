@@ -120,28 +120,28 @@ Ref<Port> Port::Open(int number) {
 
 Port::~Port() {
     // Closing the file would wait for unsent bytes for as long as the driver likes, which is half a minute.
-    if (!dead_) {
+    if (!dead) {
         WaitUntilSent();
     }
     int unsent = 0;
-    if (dead_ || (ioctl(file_, TIOCOUTQ, &unsent) == 0 && unsent > 0)) {
-        tcflush(file_, TCOFLUSH);
+    if (dead || (ioctl(file, TIOCOUTQ, &unsent) == 0 && unsent > 0)) {
+        tcflush(file, TCOFLUSH);
     }
-    tcsetattr(file_, TCSANOW, &before_);
-    ioctl(file_, TIOCNXCL);
-    close(file_);
+    tcsetattr(file, TCSANOW, &before);
+    ioctl(file, TIOCNXCL);
+    close(file);
 }
 
 void Port::WaitUntilSent() {
     const std::int64_t end = MonotonicNs() + kCloseDrainNs;
     while (MonotonicNs() < end) {
         int unsent = 0;
-        if (ioctl(file_, TIOCOUTQ, &unsent) != 0) {
+        if (ioctl(file, TIOCOUTQ, &unsent) != 0) {
             return;
         }
         // The driver's queue is empty before the chip's own has gone out; a change of settings would garble the rest.
         int chip = 0;
-        const bool chipBusy = ioctl(file_, TIOCSERGETLSR, &chip) == 0 && (chip & TIOCSER_TEMT) == 0;
+        const bool chipBusy = ioctl(file, TIOCSERGETLSR, &chip) == 0 && (chip & TIOCSER_TEMT) == 0;
         if (unsent == 0 && !chipBusy) {
             return;
         }
@@ -150,41 +150,41 @@ void Port::WaitUntilSent() {
 }
 
 BOOL Port::Die(DWORD error) {
-    dead_ = true;
+    dead = true;
     return Fail(error);
 }
 
 void Port::HandleClosed() {
-    closed_ = true;
+    closed = true;
 }
 
 Port::Line Port::LookAtLine(int& bytes) {
     bytes = 0;
     // A second look, so that someone else's flush between the two calls does not pass for the end of the device.
     for (int look = 0; look < 2; ++look) {
-        pollfd line{file_, POLLIN, 0};
+        pollfd line{file, POLLIN, 0};
         const int ready = poll(&line, 1, 0);
         if (ready == 0 || (ready < 0 && errno == EINTR)) {
-            return Line::Quiet;
+            return Line::kQuiet;
         }
         if (ready < 0 || (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-            return Line::Dead;
+            return Line::kDead;
         }
-        if (ioctl(file_, FIONREAD, &bytes) != 0) {
-            return Line::Dead;
+        if (ioctl(file, FIONREAD, &bytes) != 0) {
+            return Line::kDead;
         }
         if (bytes > 0) {
-            return Line::Readable;
+            return Line::kReadable;
         }
     }
-    return Line::Dead;
+    return Line::kDead;
 }
 
 BOOL Port::Waiting(DWORD& bytes) {
     bytes = 0;
-    const std::lock_guard guard(readLock_);
+    const std::lock_guard guard(readLock);
     int count;
-    if (dead_ || LookAtLine(count) == Line::Dead) {
+    if (dead || LookAtLine(count) == Line::kDead) {
         return Die(ERROR_GEN_FAILURE);
     }
     bytes = static_cast<DWORD>(count);
@@ -193,19 +193,19 @@ BOOL Port::Waiting(DWORD& bytes) {
 
 BOOL Port::Read(void* buffer, DWORD count, DWORD& read) {
     read = 0;
-    const std::lock_guard guard(readLock_);
-    if (dead_) {
+    const std::lock_guard guard(readLock);
+    if (dead) {
         return Fail(ERROR_GEN_FAILURE);
     }
     while (read < count) {
-        const ssize_t got = ::read(file_, static_cast<char*>(buffer) + read, count - read);
+        const ssize_t got = ::read(file, static_cast<char*>(buffer) + read, count - read);
         if (got > 0) {
             read += static_cast<DWORD>(got);
         } else if (got < 0 && errno == EAGAIN) {
             break;
         } else if (got == 0 || errno != EINTR) {
             // Bytes that this call has got before the end are still good.
-            dead_ = true;
+            dead = true;
             return read > 0 ? TRUE : Fail(ERROR_READ_FAULT);
         }
     }
@@ -214,13 +214,13 @@ BOOL Port::Read(void* buffer, DWORD count, DWORD& read) {
 
 // Waits until the line takes bytes. Gives false when the time is over, the port is closed or the device is gone.
 bool Port::WaitForRoom(std::int64_t untilNs) {
-    while (!closed_ && !dead_) {
+    while (!closed && !dead) {
         // Rounded up, so that the last look is not before the time.
         const std::int64_t left = (untilNs - MonotonicNs() + kNsPerMs - 1) / kNsPerMs;
         if (left <= 0) {
             return false;
         }
-        pollfd line{file_, POLLOUT, 0};
+        pollfd line{file, POLLOUT, 0};
         const int ready = poll(&line, 1, static_cast<int>(std::min<std::int64_t>(left, kWritePollMs)));
         if (ready > 0) {
             return (line.revents & (POLLHUP | POLLERR | POLLNVAL)) == 0;
@@ -234,13 +234,13 @@ bool Port::WaitForRoom(std::int64_t untilNs) {
 
 BOOL Port::Write(const void* buffer, DWORD count, DWORD& written) {
     written = 0;
-    const std::lock_guard guard(writeLock_);
-    if (dead_) {
+    const std::lock_guard guard(writeLock);
+    if (dead) {
         return Fail(ERROR_GEN_FAILURE);
     }
     std::int64_t deadline = MonotonicNs() + kWriteStallNs;
     while (written < count) {
-        const ssize_t put = ::write(file_, static_cast<const char*>(buffer) + written, count - written);
+        const ssize_t put = ::write(file, static_cast<const char*>(buffer) + written, count - written);
         if (put > 0) {
             written += static_cast<DWORD>(put);
             deadline = MonotonicNs() + kWriteStallNs;
@@ -257,7 +257,7 @@ BOOL Port::GetState(DCB& state) {
     state = {};
     state.DCBlength = sizeof state;
     termios settings;
-    if (dead_ || tcgetattr(file_, &settings) != 0) {
+    if (dead || tcgetattr(file, &settings) != 0) {
         return Die(ERROR_GEN_FAILURE);
     }
     const auto* speed = std::find_if(std::begin(kSpeeds), std::end(kSpeeds),
@@ -266,7 +266,7 @@ BOOL Port::GetState(DCB& state) {
     state.fBinary = 1;
     int wires = 0;
     // Where there are no wires the defaults of an open port are told.
-    const bool known = ioctl(file_, TIOCMGET, &wires) == 0;
+    const bool known = ioctl(file, TIOCMGET, &wires) == 0;
     state.fDtrControl = !known || (wires & TIOCM_DTR) != 0;
     state.fRtsControl = !known || (wires & TIOCM_RTS) != 0;
     state.ByteSize = 8;
@@ -281,20 +281,20 @@ BOOL Port::SetState(const DCB& state) {
     if (!IsSupported(state) || speed == std::end(kSpeeds)) {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    if (dead_) {
+    if (dead) {
         return Fail(ERROR_GEN_FAILURE);
     }
     termios settings;
-    if (tcgetattr(file_, &settings) != 0) {
+    if (tcgetattr(file, &settings) != 0) {
         return Die(ERROR_GEN_FAILURE);
     }
     cfsetispeed(&settings, speed->code);
     cfsetospeed(&settings, speed->code);
-    if (tcsetattr(file_, TCSANOW, &settings) != 0) {
+    if (tcsetattr(file, TCSANOW, &settings) != 0) {
         return Die(ERROR_GEN_FAILURE);
     }
-    SetWire(file_, TIOCM_DTR, state.fDtrControl == 1);
-    SetWire(file_, TIOCM_RTS, state.fRtsControl == 1);
+    SetWire(file, TIOCM_DTR, state.fDtrControl == 1);
+    SetWire(file, TIOCM_RTS, state.fRtsControl == 1);
     return TRUE;
 }
 

@@ -14,7 +14,7 @@ namespace kernel {
 // only opening it anew helps. Any thread; a read never waits for a write.
 class Port final : public Stream {
 public:
-    static constexpr Kind kKind = Kind::Port;
+    static constexpr Kind kKind = Kind::kPort;
 
     // Opens COM1 to COM8, at 9600 baud. Gives none with ERROR_FILE_NOT_FOUND if there is no such device, or
     // ERROR_ACCESS_DENIED if someone else has it. Never waits.
@@ -34,21 +34,21 @@ public:
     BOOL Waiting(DWORD& bytes);
 
 private:
-    enum class Line { Quiet, Readable, Dead };
+    enum class Line { kQuiet, kReadable, kDead };
 
-    Port(int file, const termios& before) : Stream(kKind), file_(file), before_(before) {}
+    Port(int file, const termios& before) : Stream(kKind), file(file), before(before) {}
 
     Line LookAtLine(int& bytes);
     bool WaitForRoom(std::int64_t untilNs);
     void WaitUntilSent();
     BOOL Die(DWORD error);
 
-    const int file_;
-    const termios before_;  // The settings that the next user of the device finds again.
-    std::mutex readLock_;   // Held over looking at the line and taking bytes, so that "readable, and zero bytes" is no race.
-    std::mutex writeLock_;  // One write goes out whole before the next.
-    std::atomic<bool> dead_{false};    // Set by any thread that finds out.
-    std::atomic<bool> closed_{false};  // Set by HandleClosed, read by a write in progress.
+    const int file;
+    const termios before;  // The settings that the next user of the device finds again.
+    std::mutex readLock;   // Held over looking at the line and taking bytes, so that "readable, and zero bytes" is no race.
+    std::mutex writeLock;  // One write goes out whole before the next.
+    std::atomic<bool> dead{false};    // Set by any thread that finds out.
+    std::atomic<bool> closed{false};  // Set by HandleClosed, read by a write in progress.
 };
 
 }  // namespace kernel

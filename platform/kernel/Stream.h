@@ -8,7 +8,7 @@ namespace kernel {
 
 class Stream : public KernelObject {
 public:
-    static constexpr Kind kKind = Kind::Stream;
+    static constexpr Kind kKind = Kind::kStream;
 
     using KernelObject::KernelObject;
 

@@ -51,20 +51,20 @@ bool RunFlsCallbacksOnce() {
 class Thread final : public Waitable {
 public:
     Thread(LPTHREAD_START_ROUTINE start, LPVOID parameter)
-        : Waitable(kKind, false, false), start_(start), parameter_(parameter), id_(NewThreadId()) {}
+        : Waitable(kKind, false, false), start(start), parameter(parameter), id(NewThreadId()) {}
 
-    DWORD Id() const { return id_; }
+    DWORD Id() const { return id; }
     void Run() {
-        tThreadId = id_;
-        start_(parameter_);
+        tThreadId = id;
+        start(parameter);
         for (int round = 0; round < kFlsRounds && RunFlsCallbacksOnce(); ++round) {}
         Signal();
     }
 
 private:
-    const LPTHREAD_START_ROUTINE start_;
-    const LPVOID parameter_;
-    const DWORD id_;
+    const LPTHREAD_START_ROUTINE start;
+    const LPVOID parameter;
+    const DWORD id;
 };
 
 void* RunThread(void* parameter) {

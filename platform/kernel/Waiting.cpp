@@ -23,7 +23,7 @@ static_assert(sizeof(std::atomic<std::uint32_t>) == 4);
 
 bool Waiter::Claim(DWORD result) {
     std::uint32_t unclaimed = 0;
-    return word_.compare_exchange_strong(unclaimed, result + 1, std::memory_order_acq_rel);
+    return word.compare_exchange_strong(unclaimed, result + 1, std::memory_order_acq_rel);
 }
 
 void Waiter::Block(DWORD milliseconds) {
@@ -31,7 +31,7 @@ void Waiter::Block(DWORD milliseconds) {
     const timespec until{static_cast<time_t>(end / (1000 * kNsPerMs)), static_cast<long>(end % (1000 * kNsPerMs))};
     while (!IsClaimed()) {
         // The bitset form is the one that takes a moment of the monotonic clock instead of a duration.
-        const long result = syscall(SYS_futex, &word_, FUTEX_WAIT_BITSET_PRIVATE, 0,
+        const long result = syscall(SYS_futex, &word, FUTEX_WAIT_BITSET_PRIVATE, 0,
                                     milliseconds == INFINITE ? nullptr : &until, nullptr, FUTEX_BITSET_MATCH_ANY);
         if (result != 0 && errno == ETIMEDOUT) {
             return;
@@ -48,10 +48,10 @@ void Waitable::Signal() {
     // object all but the last are woken inside.
     const std::atomic<std::uint32_t>* sleeper = nullptr;
     {
-        const std::lock_guard guard(lock_);
+        const std::lock_guard guard(lock);
         bool used = false;
-        while (first_ && !(used && autoReset_)) {
-            WaitEntry& entry = *first_;
+        while (first && !(used && autoReset)) {
+            WaitEntry& entry = *first;
             Unlink(entry);
             if (!entry.waiter->Claim(entry.result)) {
                 continue;
@@ -62,7 +62,7 @@ void Waitable::Signal() {
             sleeper = entry.waiter->Word();
             used = true;
         }
-        signalled_ = !(used && autoReset_);
+        signalled = !(used && autoReset);
     }
     if (sleeper) {
         Waiter::Wake(sleeper);
@@ -70,36 +70,36 @@ void Waitable::Signal() {
 }
 
 void Waitable::Reset() {
-    const std::lock_guard guard(lock_);
-    signalled_ = false;
+    const std::lock_guard guard(lock);
+    signalled = false;
 }
 
 bool Waitable::Enter(WaitEntry& entry) {
-    const std::lock_guard guard(lock_);
-    if (signalled_) {
-        if (entry.waiter->Claim(entry.result) && autoReset_) {
-            signalled_ = false;
+    const std::lock_guard guard(lock);
+    if (signalled) {
+        if (entry.waiter->Claim(entry.result) && autoReset) {
+            signalled = false;
         }
         return false;
     }
     entry.next = nullptr;
-    entry.previous = last_;
-    (last_ ? last_->next : first_) = &entry;
-    last_ = &entry;
+    entry.previous = last;
+    (last ? last->next : first) = &entry;
+    last = &entry;
     entry.linked = true;
     return true;
 }
 
 void Waitable::Leave(WaitEntry& entry) {
-    const std::lock_guard guard(lock_);
+    const std::lock_guard guard(lock);
     if (entry.linked) {
         Unlink(entry);
     }
 }
 
 void Waitable::Unlink(WaitEntry& entry) {
-    (entry.previous ? entry.previous->next : first_) = entry.next;
-    (entry.next ? entry.next->previous : last_) = entry.previous;
+    (entry.previous ? entry.previous->next : first) = entry.next;
+    (entry.next ? entry.next->previous : last) = entry.previous;
     entry.linked = false;
 }
 

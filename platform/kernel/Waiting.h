@@ -19,16 +19,16 @@ public:
     // Returns when the waiter is claimed or the time is over; INFINITE is without limit.
     void Block(DWORD milliseconds);
     // The result that ended the wait. Only once it is claimed.
-    DWORD Result() const { return word_.load(std::memory_order_acquire) - 1; }
+    DWORD Result() const { return word.load(std::memory_order_acquire) - 1; }
     // Wakes the thread in Block. The waiter may be gone by then: its address is only a name for the operating system, and
     // whoever sleeps under the same name checks its own condition again.
     static void Wake(const std::atomic<std::uint32_t>* word);
-    const std::atomic<std::uint32_t>* Word() const { return &word_; }
+    const std::atomic<std::uint32_t>* Word() const { return &word; }
 
 private:
-    bool IsClaimed() const { return word_.load(std::memory_order_acquire) != 0; }
+    bool IsClaimed() const { return word.load(std::memory_order_acquire) != 0; }
 
-    std::atomic<std::uint32_t> word_{0};  // 0 while unclaimed, else the result plus 1.
+    std::atomic<std::uint32_t> word{0};  // 0 while unclaimed, else the result plus 1.
 };
 
 // The place of a waiter in the line at one object.
@@ -42,9 +42,9 @@ struct WaitEntry {
 
 class Waitable : public KernelObject {
 public:
-    static constexpr Kind kKind = Kind::Waitable;
+    static constexpr Kind kKind = Kind::kWaitable;
 
-    Waitable(Kind kind, bool autoReset, bool signalled) : KernelObject(kind), autoReset_(autoReset), signalled_(signalled) {}
+    Waitable(Kind kind, bool autoReset, bool signalled) : KernelObject(kind), autoReset(autoReset), signalled(signalled) {}
 
     // Any thread. With autoReset exactly one waiter goes on, the one that waits longest; or, if there is none, the next.
     void Signal();
@@ -58,16 +58,16 @@ public:
 private:
     void Unlink(WaitEntry& entry);
 
-    std::mutex lock_;  // Guards all that follows. Nothing else is locked under it.
-    const bool autoReset_;
-    bool signalled_;
-    WaitEntry* first_ = nullptr;
-    WaitEntry* last_ = nullptr;
+    std::mutex lock;  // Guards all that follows. Nothing else is locked under it.
+    const bool autoReset;
+    bool signalled;
+    WaitEntry* first = nullptr;
+    WaitEntry* last = nullptr;
 };
 
 class Event final : public Waitable {
 public:
-    static constexpr Kind kKind = Kind::Event;
+    static constexpr Kind kKind = Kind::kEvent;
 
     Event(bool manualReset, bool signalled) : Waitable(kKind, !manualReset, signalled) {}
 };

@@ -9,25 +9,25 @@
 // Recursive. It is neither copied nor moved, since the system knows it by its address. It must be free when it goes.
 class CriticalSection {
 public:
-    CriticalSection() { InitializeCriticalSection(&section_); }
-    ~CriticalSection() { DeleteCriticalSection(&section_); }
+    CriticalSection() { InitializeCriticalSection(&section); }
+    ~CriticalSection() { DeleteCriticalSection(&section); }
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
 private:
     friend class LockGuard;
 
-    CRITICAL_SECTION section_;
+    CRITICAL_SECTION section;
 };
 
 // Waits for the lock where it is declared and lets go at the end of the block.
 class [[nodiscard]] LockGuard {
 public:
-    explicit LockGuard(CriticalSection& lock) : section_(lock.section_) { EnterCriticalSection(&section_); }
-    ~LockGuard() { LeaveCriticalSection(&section_); }
+    explicit LockGuard(CriticalSection& lock) : section(lock.section) { EnterCriticalSection(&section); }
+    ~LockGuard() { LeaveCriticalSection(&section); }
     LockGuard(const LockGuard&) = delete;
     LockGuard& operator=(const LockGuard&) = delete;
 
 private:
-    CRITICAL_SECTION& section_;
+    CRITICAL_SECTION& section;
 };

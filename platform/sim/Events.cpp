@@ -13,7 +13,7 @@ std::uint32_t lastEventNumber = 0;
 }  // namespace
 
 Event::Event(bool manual, bool initial)
-    : KernelObject(Kind::Event), manualReset(manual), number(++lastEventNumber), signalled(initial) {}
+    : KernelObject(Kind::kEvent), manualReset(manual), number(++lastEventNumber), signalled(initial) {}
 
 void Event::Set() {
     if (manualReset) {
@@ -49,7 +49,7 @@ HANDLE CreateEventA(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initi
 }
 
 BOOL SetEvent(HANDLE handle) {
-    const auto event = sim::FindObject<Event>(handle, KernelObject::Kind::Event);
+    const auto event = sim::FindObject<Event>(handle, KernelObject::Kind::kEvent);
     if (event == nullptr) {
         return FALSE;
     }
@@ -60,7 +60,7 @@ BOOL SetEvent(HANDLE handle) {
 
 BOOL ResetEvent(HANDLE handle) {
     sim::SchedulingPoint();
-    const auto event = sim::FindObject<Event>(handle, KernelObject::Kind::Event);
+    const auto event = sim::FindObject<Event>(handle, KernelObject::Kind::kEvent);
     if (event == nullptr) {
         return FALSE;
     }

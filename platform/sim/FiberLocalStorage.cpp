@@ -18,13 +18,13 @@ std::vector<PFLS_CALLBACK_FUNCTION>& Callbacks() {
 
 }  // namespace
 
-void sim::FiberLocalStorage::ThreadEnds() {
+void sim::fiberlocals::ThreadEnds() {
     constexpr int kMostPasses = 4;
     for (int pass = 0; pass < kMostPasses && ClearOnce(); ++pass) {}
 }
 
 // True if there was anything to clear. By index, since a callback may set a slot again.
-bool sim::FiberLocalStorage::ClearOnce() {
+bool sim::fiberlocals::ClearOnce() {
     bool any = false;
     for (std::size_t i = 0; i < Self().localStorage.size(); ++i) {
         LPVOID value = std::exchange(Self().localStorage[i], nullptr);

@@ -15,7 +15,7 @@ struct SimThread;
 
 class KernelObject {
 public:
-    enum class Kind { Event, Thread, Port };
+    enum class Kind { kEvent, kThread, kPort };
 
     explicit KernelObject(Kind kind) : kind(kind) {}
     virtual ~KernelObject() = default;

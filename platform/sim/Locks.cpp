@@ -93,7 +93,7 @@ void EnterCriticalSection(LPCRITICAL_SECTION section) {
         }
         lock->AddWaiter(self);
         scheduler->CheckCircle();
-        scheduler->Block(sim::ThreadState::WaitingForLock, Scheduler::kNever);
+        scheduler->Block(sim::ThreadState::kWaitingForLock, Scheduler::kNever);
     }
     lock->owner = self.serial;
     lock->depth = 1;

@@ -13,7 +13,7 @@ std::size_t PortIndex(std::string_view name);
 
 class PortObject : public KernelObject {
 public:
-    PortObject() : KernelObject(Kind::Port) {}
+    PortObject() : KernelObject(Kind::kPort) {}
     ~PortObject() override;
     std::string Name() const override { return "a port"; }
 

@@ -47,7 +47,7 @@ SimThread& Self() {
 
 void Misuse(std::string_view what) {
     if (Scheduler* scheduler = Scheduler::Current()) {
-        scheduler->End(Simulation::Outcome::Misuse, Self().name + " " + std::string(what));
+        scheduler->End(Simulation::Outcome::kMisuse, Self().name + " " + std::string(what));
         return;
     }
     std::fprintf(stderr, "outside of a simulation: somebody %.*s\n", static_cast<int>(what.size()), what.data());
@@ -68,7 +68,7 @@ Scheduler::~Scheduler() = default;
 // --- The run -------------------------------------------------------------------------------------------------------------
 
 bool Scheduler::Run(std::function<void()> main, std::uint64_t limitUs) {
-    if (current != nullptr || outcome != Simulation::Outcome::NotRun) {
+    if (current != nullptr || outcome != Simulation::Outcome::kNotRun) {
         std::fputs("simulation: one run for each object, and one at a time\n", stderr);
         std::abort();
     }
@@ -82,7 +82,7 @@ bool Scheduler::Run(std::function<void()> main, std::uint64_t limitUs) {
         if (next != nullptr || !ready.empty()) {
             RunOne();
         } else if (!AdvanceTime(limitUs)) {
-            End(timers.empty() ? Simulation::Outcome::Deadlock : Simulation::Outcome::TimeLimit,
+            End(timers.empty() ? Simulation::Outcome::kDeadlock : Simulation::Outcome::kTimeLimit,
                 timers.empty() ? "nobody can ever go on" : "the time is up");
         }
     }
@@ -93,7 +93,7 @@ bool Scheduler::Run(std::function<void()> main, std::uint64_t limitUs) {
     }
     callbacks.clear();
     current = nullptr;
-    return outcome == Simulation::Outcome::Done;
+    return outcome == Simulation::Outcome::kDone;
 }
 
 void Scheduler::End(Simulation::Outcome newOutcome, std::string_view newReason) {
@@ -158,14 +158,14 @@ void Scheduler::RunOne() {
 void Scheduler::Resume(SimThread& thread) {
     ++switches;
     trace.Run(now, thread.id);
-    thread.state = ThreadState::Running;
+    thread.state = ThreadState::kRunning;
     running = &thread;
     GrantPoints();
     thread.fiber->Enter();
     TakeBackPoints();
     pointsLeft = INT64_MAX;
     running = nullptr;
-    if (thread.state == ThreadState::Ended) {
+    if (thread.state == ThreadState::kEnded) {
         thread.fiber.reset();
         thread.program = nullptr;
         freeThreads.push_back(&thread);
@@ -202,7 +202,7 @@ std::shared_ptr<ThreadObject> Scheduler::Start(std::function<void()> program, st
 void Scheduler::RunProgram(void* object) noexcept {
     auto& thread = *static_cast<SimThread*>(object);
     thread.program();
-    FiberLocalStorage::ThreadEnds();
+    fiberlocals::ThreadEnds();
     current->EndOfThread(thread);
     thread.fiber->Finish();
 }
@@ -219,18 +219,18 @@ void Scheduler::EndOfThread(SimThread& thread) {
         Wake(waiter, WAIT_OBJECT_0 + static_cast<DWORD>(place - waiter.waits.begin()));
     }
     thread.object = nullptr;
-    thread.state = ThreadState::Ended;
+    thread.state = ThreadState::kEnded;
     if (&thread == threads.front().get()) {
         const bool alone =
-            std::ranges::all_of(threads, [](const auto& other) { return other->state == ThreadState::Ended; });
+            std::ranges::all_of(threads, [](const auto& other) { return other->state == ThreadState::kEnded; });
         stopped = true;
-        outcome = alone ? Simulation::Outcome::Done : Simulation::Outcome::Leftover;
+        outcome = alone ? Simulation::Outcome::kDone : Simulation::Outcome::kLeftover;
         reason = alone ? "" : "main has returned and other threads have not ended";
     }
 }
 
 void Scheduler::MakeReady(SimThread& thread) {
-    thread.state = ThreadState::Ready;
+    thread.state = ThreadState::kReady;
     ready.push_back(&thread);
     if (running != nullptr) {
         // Whoever runs now has a rival: its next point is one of choice.
@@ -278,7 +278,7 @@ DWORD Scheduler::BlockFor(ThreadState state, std::uint64_t untilUs) {
 
 void Scheduler::Yield() {
     SimThread& self = *running;
-    self.state = ThreadState::Ready;
+    self.state = ThreadState::kReady;
     ready.push_back(&self);
     self.fiber->Leave();
 }
@@ -288,7 +288,7 @@ void Scheduler::Yield() {
 void Scheduler::Point() {
     CountStep();
     if (faults.stallChance > 0 && chances.Chance(faults.stallChance)) {
-        Block(ThreadState::Stalled, now + chances.Below(std::uint64_t{faults.stallMs} * 1000 + 1));
+        Block(ThreadState::kStalled, now + chances.Below(std::uint64_t{faults.stallMs} * 1000 + 1));
         return;
     }
     if (ready.empty() || !decisions.Chance(options.switchChance)) {
@@ -298,7 +298,7 @@ void Scheduler::Point() {
     SimThread*& place = ready[decisions.Below(ready.size())];
     next = place;
     place = &self;
-    self.state = ThreadState::Ready;
+    self.state = ThreadState::kReady;
     self.fiber->Leave();
 }
 
@@ -339,7 +339,7 @@ void Scheduler::FaultsChanged() {
 void Scheduler::CountStep() {
     if (++steps > options.standstillPoints) {
         const std::string who = running == nullptr ? "somebody" : running->name;
-        End(Simulation::Outcome::Standstill, "no time passes: " + who + " goes on for ever");
+        End(Simulation::Outcome::kStandstill, "no time passes: " + who + " goes on for ever");
     }
 }
 

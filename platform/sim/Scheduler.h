@@ -26,7 +26,7 @@ struct LockData;
 // Signalled once the thread has ended.
 class ThreadObject : public KernelObject {
 public:
-    explicit ThreadObject(DWORD threadId) : KernelObject(Kind::Thread), id(threadId) {}
+    explicit ThreadObject(DWORD threadId) : KernelObject(Kind::kThread), id(threadId) {}
     bool IsSignalled() const override { return ended; }
     std::string Name() const override { return "the end of thread " + std::to_string(id); }
 
@@ -34,7 +34,7 @@ public:
     bool ended = false;
 };
 
-enum class ThreadState { Ended, Ready, Running, Sleeping, Stalled, Writing, WaitingForLock, WaitingForObjects };
+enum class ThreadState { kEnded, kReady, kRunning, kSleeping, kStalled, kWriting, kWaitingForLock, kWaitingForObjects };
 
 // A thread of the program, or the stand-in for the code outside of a run. Used again for another thread once it has ended.
 struct SimThread {
@@ -42,7 +42,7 @@ struct SimThread {
     // Tells it from all threads of this process so far, so that a lock knows its owner; never 0.
     std::uint64_t serial = 1;
     std::string name;
-    ThreadState state = ThreadState::Ended;
+    ThreadState state = ThreadState::kEnded;
     std::function<void()> program;
     std::unique_ptr<Fiber> fiber;
     std::shared_ptr<ThreadObject> object;
@@ -113,7 +113,7 @@ public:
     Simulation& simulation;
     const Simulation::Options options;
     Simulation::Faults faults;
-    Simulation::Outcome outcome = Simulation::Outcome::NotRun;
+    Simulation::Outcome outcome = Simulation::Outcome::kNotRun;
     std::uint64_t now = 0;  // microseconds
     int periodsHeld = 0;    // of timeBeginPeriod
     std::uint64_t switches = 0;

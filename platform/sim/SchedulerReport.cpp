@@ -27,7 +27,7 @@ std::string Scheduler::Report() const {
 std::string Scheduler::DescribeThreads() const {
     std::string text;
     for (const auto& thread : threads) {
-        if (thread->state != ThreadState::Ended) {
+        if (thread->state != ThreadState::kEnded) {
             text += "  " + Describe(*thread) + "\n";
         }
     }
@@ -37,18 +37,18 @@ std::string Scheduler::DescribeThreads() const {
 std::string Scheduler::Describe(const SimThread& thread) const {
     std::string text = "thread " + std::to_string(thread.id) + " (" + thread.name + ") ";
     switch (thread.state) {
-        case ThreadState::Ended: return text + "has ended";
-        case ThreadState::Ready: return text + "could run";
-        case ThreadState::Running: return text + "runs";
-        case ThreadState::Sleeping: text += "sleeps"; break;
-        case ThreadState::Stalled: text += "is stalled"; break;
-        case ThreadState::Writing: text += "writes to a port"; break;
-        case ThreadState::WaitingForLock: {
+        case ThreadState::kEnded: return text + "has ended";
+        case ThreadState::kReady: return text + "could run";
+        case ThreadState::kRunning: return text + "runs";
+        case ThreadState::kSleeping: text += "sleeps"; break;
+        case ThreadState::kStalled: text += "is stalled"; break;
+        case ThreadState::kWriting: text += "writes to a port"; break;
+        case ThreadState::kWaitingForLock: {
             const SimThread* owner = FindThread(thread.waitsForLock->owner);
             return text + "waits for " + thread.waitsForLock->Name() + ", held by " +
                    (owner != nullptr ? owner->name : "a thread of an earlier run");
         }
-        case ThreadState::WaitingForObjects:
+        case ThreadState::kWaitingForObjects:
             text += "waits for ";
             for (const auto& object : thread.waits) {
                 text += (object == thread.waits.front() ? "" : " or ") + object->Name();
@@ -60,14 +60,14 @@ std::string Scheduler::Describe(const SimThread& thread) const {
 
 const char* Scheduler::OutcomeText() const {
     switch (outcome) {
-        case Simulation::Outcome::NotRun: return Current() == this ? "still running" : "not run";
-        case Simulation::Outcome::Done: return "done";
-        case Simulation::Outcome::Leftover: return "threads left over";
-        case Simulation::Outcome::Deadlock: return "deadlock";
-        case Simulation::Outcome::TimeLimit: return "time limit";
-        case Simulation::Outcome::Standstill: return "standstill";
-        case Simulation::Outcome::Misuse: return "misuse";
-        case Simulation::Outcome::Failed: break;
+        case Simulation::Outcome::kNotRun: return Current() == this ? "still running" : "not run";
+        case Simulation::Outcome::kDone: return "done";
+        case Simulation::Outcome::kLeftover: return "threads left over";
+        case Simulation::Outcome::kDeadlock: return "deadlock";
+        case Simulation::Outcome::kTimeLimit: return "time limit";
+        case Simulation::Outcome::kStandstill: return "standstill";
+        case Simulation::Outcome::kMisuse: return "misuse";
+        case Simulation::Outcome::kFailed: break;
     }
     return "failed";
 }
@@ -87,7 +87,7 @@ void Scheduler::CheckCircle() {
     for (std::size_t i = 0; thread != nullptr && i < threads.size(); ++i) {
         circle += ", which waits for " + thread->name;
         if (thread == &self) {
-            End(Simulation::Outcome::Deadlock, circle);
+            End(Simulation::Outcome::kDeadlock, circle);
         }
         thread = WaitsForThread(*thread);
     }
@@ -98,7 +98,7 @@ SimThread* Scheduler::WaitsForThread(const SimThread& thread) const {
         return FindThread(thread.waitsForLock->owner);
     }
     const bool endless = thread.waits.size() == 1 && thread.wakeTime == kNever;
-    if (!endless || thread.waits.front()->kind != KernelObject::Kind::Thread) {
+    if (!endless || thread.waits.front()->kind != KernelObject::Kind::kThread) {
         return nullptr;
     }
     for (const auto& other : threads) {
@@ -111,7 +111,7 @@ SimThread* Scheduler::WaitsForThread(const SimThread& thread) const {
 
 SimThread* Scheduler::FindThread(std::uint64_t serial) const {
     for (const auto& thread : threads) {
-        if (thread->serial == serial && thread->state != ThreadState::Ended) {
+        if (thread->serial == serial && thread->state != ThreadState::kEnded) {
             return thread.get();
         }
     }

@@ -94,7 +94,7 @@ bool PortObject::WaitForDriver() {
     if (delay == 0) {
         return true;
     }
-    scheduler.Block(ThreadState::Writing, scheduler.now + std::min(delay, kWriteDeadlineUs));
+    scheduler.Block(ThreadState::kWriting, scheduler.now + std::min(delay, kWriteDeadlineUs));
     if (line != nullptr && delay >= kWriteDeadlineUs) {
         line->Closed(*this);
         Die();
@@ -124,7 +124,7 @@ using sim::PortObject;
 namespace {
 
 std::shared_ptr<PortObject> Port(HANDLE handle) {
-    return sim::FindObject<PortObject>(handle, KernelObject::Kind::Port);
+    return sim::FindObject<PortObject>(handle, KernelObject::Kind::kPort);
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ void Simulation::SetFaults(const Faults& faults) {
 }
 
 void Simulation::Fail(std::string_view reason) {
-    scheduler->End(Outcome::Failed, reason);
+    scheduler->End(Outcome::kFailed, reason);
 }
 
 SerialLine& Simulation::AttachPort(std::string_view name, SerialPeer* peer) {

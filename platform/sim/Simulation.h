@@ -47,14 +47,14 @@ public:
     };
 
     enum class Outcome {
-        NotRun,
-        Done,        // main has returned, and every other thread had ended before
-        Leftover,    // main has returned, and others had not ended
-        Deadlock,    // nobody can ever go on, or a circle of threads waits for each other
-        TimeLimit,   // the virtual time is up
-        Standstill,  // a thread runs for ever without any time passing
-        Misuse,      // the program has broken a rule of the seam, see Report
-        Failed,      // somebody has called Fail
+        kNotRun,
+        kDone,        // main has returned, and every other thread had ended before
+        kLeftover,    // main has returned, and others had not ended
+        kDeadlock,    // nobody can ever go on, or a circle of threads waits for each other
+        kTimeLimit,   // the virtual time is up
+        kStandstill,  // a thread runs for ever without any time passing
+        kMisuse,      // the program has broken a rule of the seam, see Report
+        kFailed,      // somebody has called Fail
     };
 
     explicit Simulation(const Options& options);

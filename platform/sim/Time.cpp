@@ -31,7 +31,7 @@ void Sleep(DWORD milliseconds) {
             end = (end + kBeatUs - 1) / kBeatUs * kBeatUs;
         }
     }
-    scheduler->BlockFor(sim::ThreadState::Sleeping, end);
+    scheduler->BlockFor(sim::ThreadState::kSleeping, end);
 }
 
 // A scheduling point, so that a thread that waits for time to pass without sleeping is found.

@@ -16,7 +16,7 @@ using Objects = std::vector<std::shared_ptr<KernelObject>>;
 bool FindWaitObjects(DWORD count, const HANDLE* handles, Objects& objects) {
     for (DWORD i = 0; i < count; ++i) {
         objects.push_back(sim::HandleTable::Get().Find(handles[i]));
-        if (objects.back() == nullptr || objects.back()->kind == KernelObject::Kind::Port) {
+        if (objects.back() == nullptr || objects.back()->kind == KernelObject::Kind::kPort) {
             SetLastError(ERROR_INVALID_HANDLE);
             return false;
         }
@@ -38,9 +38,9 @@ DWORD BlockOn(Scheduler& scheduler, Objects objects, DWORD milliseconds) {
     if (milliseconds == INFINITE) {
         self.wakeTime = Scheduler::kNever;
         scheduler.CheckCircle();
-        return scheduler.Block(sim::ThreadState::WaitingForObjects, Scheduler::kNever);
+        return scheduler.Block(sim::ThreadState::kWaitingForObjects, Scheduler::kNever);
     }
-    return scheduler.BlockFor(sim::ThreadState::WaitingForObjects, scheduler.now + std::uint64_t{milliseconds} * 1000);
+    return scheduler.BlockFor(sim::ThreadState::kWaitingForObjects, scheduler.now + std::uint64_t{milliseconds} * 1000);
 }
 
 }  // namespace

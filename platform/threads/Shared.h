@@ -11,21 +11,21 @@
 template <class T>
 class Shared {
 public:
-    constexpr Shared() noexcept : value_{} {}
-    constexpr Shared(T value) noexcept : value_(value) {}
+    constexpr Shared() noexcept : value{} {}
+    constexpr Shared(T value) noexcept : value(value) {}
     Shared(const Shared&) = delete;
     Shared& operator=(const Shared&) = delete;
 
-    T operator=(T value) noexcept {
-        value_.store(value);
-        return value;
+    T operator=(T newValue) noexcept {
+        value.store(newValue);
+        return newValue;
     }
-    operator T() const noexcept { return value_.load(); }
+    operator T() const noexcept { return value.load(); }
 
-    T Exchange(T value) noexcept { return value_.exchange(value); }
+    T Exchange(T newValue) noexcept { return value.exchange(newValue); }
     // Adds and gives the new value.
-    T Add(T amount) noexcept { return value_.fetch_add(amount) + amount; }
+    T Add(T amount) noexcept { return value.fetch_add(amount) + amount; }
 
 private:
-    std::atomic<T> value_;
+    std::atomic<T> value;
 };

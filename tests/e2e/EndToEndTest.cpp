@@ -42,24 +42,24 @@ std::string UnitProcess::Complaints() const {
 
 Terminal::Terminal() {
     char name[128] = {};
-    file_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    EXPECT_TRUE(file_ >= 0 && grantpt(file_) == 0 && unlockpt(file_) == 0 && ptsname_r(file_, name, sizeof name) == 0);
-    path_ = name;
+    file = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_TRUE(file >= 0 && grantpt(file) == 0 && unlockpt(file) == 0 && ptsname_r(file, name, sizeof name) == 0);
+    path = name;
     termios settings{};
-    EXPECT_EQ(tcgetattr(file_, &settings), 0);
+    EXPECT_EQ(tcgetattr(file, &settings), 0);
     cfmakeraw(&settings);
-    EXPECT_EQ(tcsetattr(file_, TCSANOW, &settings), 0);
+    EXPECT_EQ(tcsetattr(file, TCSANOW, &settings), 0);
 }
 
 void Terminal::Send(const std::string& bytes) const {
-    EXPECT_EQ(write(file_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    EXPECT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
 }
 
 std::string Terminal::Receive(std::size_t length) const {
     std::string bytes;
     WaitUntil([&] {
         char part[256];
-        const ssize_t count = read(file_, part, sizeof part);
+        const ssize_t count = read(file, part, sizeof part);
         bytes.append(part, count > 0 ? static_cast<std::size_t>(count) : 0);
         return bytes.size() >= length;
     });
@@ -67,35 +67,35 @@ std::string Terminal::Receive(std::size_t length) const {
 }
 
 void Terminal::Unplug() {
-    if (file_ >= 0) {
-        close(file_);
-        file_ = -1;
+    if (file >= 0) {
+        close(file);
+        file = -1;
     }
 }
 
 EndToEndTest::EndToEndTest() {
-    EXPECT_EQ(setenv("XDG_CONFIG_HOME", folder_.c_str(), 1), 0);
+    EXPECT_EQ(setenv("XDG_CONFIG_HOME", folder.c_str(), 1), 0);
     // Without a link a name would stand for a port of the machine, and nobody knows what is connected there.
     for (int i = 1; i <= 8; ++i) {
         LinkPort("COM" + std::to_string(i), "/dev/pts/none");
     }
     library::UnitLibrary library;
-    library.SetTitle({GroupKind::Disc, 1, 0}, "Harbour in March");
-    library.SetTitle({GroupKind::Disc, 1, 1}, "Low Water");
-    library.SetTitle({GroupKind::Disc, 1, 2}, "High Water");
-    library.Add({GroupKind::Disc, 1, 3});
-    library.SetTitle({GroupKind::Disc, 2, 0}, "Paper Lanterns");
-    library.SetTitle({GroupKind::Disc, 2, 1}, "The Ferry & the Notebook");
-    library.Add({GroupKind::Disc, 12, 0});
-    library.SetTitle({GroupKind::Album, 7, 0}, "Evening Walks");
-    library.SetTitle({GroupKind::Album, 7, 1}, "Low Water");
-    library.SetTitle({GroupKind::Album, 999, 0}, "The Last of Them All, 32 Letters");
+    library.SetTitle({GroupKind::kDisc, 1, 0}, "Harbour in March");
+    library.SetTitle({GroupKind::kDisc, 1, 1}, "Low Water");
+    library.SetTitle({GroupKind::kDisc, 1, 2}, "High Water");
+    library.Add({GroupKind::kDisc, 1, 3});
+    library.SetTitle({GroupKind::kDisc, 2, 0}, "Paper Lanterns");
+    library.SetTitle({GroupKind::kDisc, 2, 1}, "The Ferry & the Notebook");
+    library.Add({GroupKind::kDisc, 12, 0});
+    library.SetTitle({GroupKind::kAlbum, 7, 0}, "Evening Walks");
+    library.SetTitle({GroupKind::kAlbum, 7, 1}, "Low Water");
+    library.SetTitle({GroupKind::kAlbum, 999, 0}, "The Last of Them All, 32 Letters");
     std::string error;
-    EXPECT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
+    EXPECT_TRUE(library::SaveLibrary(libraryFile, library, error)) << error;
 }
 
 void EndToEndTest::LinkPort(const std::string& port, const std::string& device) const {
-    const fs::path ports = folder_ / "tesselia" / "ports";
+    const fs::path ports = folder / "tesselia" / "ports";
     fs::create_directories(ports);
     const fs::path link = ports / ("com" + port.substr(3));
     fs::remove(link);
@@ -105,14 +105,14 @@ void EndToEndTest::LinkPort(const std::string& port, const std::string& device) 
 void EndToEndTest::AddDiscs(int first, int last) const {
     library::UnitLibrary library = Saved();
     for (int disc = first; disc <= last; ++disc) {
-        library.SetTitle({GroupKind::Disc, disc, 0}, "Disc " + std::to_string(disc));
+        library.SetTitle({GroupKind::kDisc, disc, 0}, "Disc " + std::to_string(disc));
     }
     std::string error;
-    EXPECT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
+    EXPECT_TRUE(library::SaveLibrary(libraryFile, library, error)) << error;
 }
 
 UnitProcess EndToEndTest::StartUnit(const std::vector<std::string>& options, const std::string& port) {
-    std::vector<std::string> arguments = {"--link", port, "--library", libraryFile_, "--pace", "0"};
+    std::vector<std::string> arguments = {"--link", port, "--library", libraryFile, "--pace", "0"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     return UnitProcess(arguments, NextOutputs("mainunit"));
 }
@@ -120,10 +120,10 @@ UnitProcess EndToEndTest::StartUnit(const std::vector<std::string>& options, con
 library::UnitLibrary EndToEndTest::Saved() const {
     library::UnitLibrary library;
     std::string error;
-    EXPECT_TRUE(library::LoadLibrary(libraryFile_, library, error)) << error;
+    EXPECT_TRUE(library::LoadLibrary(libraryFile, library, error)) << error;
     return library;
 }
 
 std::string EndToEndTest::NextOutputs(const std::string& program) {
-    return folder_ / (program + '-' + std::to_string(++runs_));
+    return folder / (program + '-' + std::to_string(++runs));
 }

@@ -32,7 +32,7 @@ public:
     Terminal& operator=(const Terminal&) = delete;
     ~Terminal() { Unplug(); }
 
-    const std::string& Path() const { return path_; }
+    const std::string& Path() const { return path; }
     void Send(const std::string& bytes) const;
     // What the client has sent since the last call; waits for `length` bytes at most for the limit.
     std::string Receive(std::size_t length) const;
@@ -40,8 +40,8 @@ public:
     void Unplug();
 
 private:
-    int file_ = -1;
-    std::string path_;
+    int file = -1;
+    std::string path;
 };
 
 class EndToEndTest : public testing::Test {
@@ -62,10 +62,10 @@ protected:
 
     std::string NextOutputs(const std::string& program);
 
-    const TemporaryFolder temporary_;
-    const std::filesystem::path folder_ = temporary_.Path();
-    const std::string libraryFile_ = folder_ / "library.json";
+    const TemporaryFolder temporary;
+    const std::filesystem::path folder = temporary.Path();
+    const std::string libraryFile = folder / "library.json";
 
 private:
-    int runs_ = 0;
+    int runs = 0;
 };

@@ -24,12 +24,12 @@ const std::string kModelQuery = std::string("\x11") + "000\x03";
 // A client's end of the line.
 class Client {
 public:
-    explicit Client(const std::string& path) : file_(open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {}
+    explicit Client(const std::string& path) : file(open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {}
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
     ~Client() {
-        if (file_ >= 0) {
-            close(file_);
+        if (file >= 0) {
+            close(file);
         }
     }
 
@@ -40,23 +40,23 @@ public:
     // What comes up to the end of a frame, or until the limit.
     std::string NextReply() const {
         std::string bytes;
-        pollfd waiting{file_, POLLIN, 0};
+        pollfd waiting{file, POLLIN, 0};
         char byte = 0;
-        while (!bytes.ends_with(kEtx) && poll(&waiting, 1, kLimitMs) == 1 && read(file_, &byte, 1) == 1) {
+        while (!bytes.ends_with(kEtx) && poll(&waiting, 1, kLimitMs) == 1 && read(file, &byte, 1) == 1) {
             bytes += byte;
         }
         return bytes;
     }
     void Tell(const std::string& bytes) const {
-        EXPECT_EQ(write(file_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+        EXPECT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
 
-    int file() const { return file_; }
+    int File() const { return file; }
 
 private:
     static constexpr int kLimitMs = 20'000;
 
-    int file_;
+    int file;
 };
 
 class Program : public Process {
@@ -85,18 +85,18 @@ class MainUnitProgramTest : public EndToEndTest {
 protected:
     Program Start(const std::vector<std::string>& arguments) { return Program(arguments, NextOutputs("mainunit")); }
 
-    const fs::path ports_ = folder_ / "ports";
+    const fs::path ports = folder / "ports";
 };
 
 TEST_F(MainUnitProgramTest, ServesOneClientAfterTheOtherAndTakesItsLinkAway) {
     Program program = Start({"--link", "COM1", "--model", "C0071", "--quiet"});
     const std::string path = program.Path();
-    const fs::path link = folder_ / "tesselia" / "ports" / "com1";
+    const fs::path link = folder / "tesselia" / "ports" / "com1";
     ASSERT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(fs::read_symlink(link), path);
     for (int round = 0; round < 3; ++round) {
         const Client client(link);
-        ASSERT_GE(client.file(), 0);
+        ASSERT_GE(client.File(), 0);
         EXPECT_EQ(client.Ask(kModelQuery), ModelReply("C0071"));
     }
     EXPECT_EQ(program.End(SIGTERM), 0);
@@ -110,11 +110,11 @@ TEST_F(MainUnitProgramTest, FreesTheLineOfAClientThatTookItForItselfAndWent) {
     const auto isExclusive = [&] {
         const Client client(path);
         int exclusive = 1;
-        return ioctl(client.file(), TIOCGEXCL, &exclusive) != 0 || exclusive != 0;
+        return ioctl(client.File(), TIOCGEXCL, &exclusive) != 0 || exclusive != 0;
     };
     {
         const Client client(path);
-        ASSERT_EQ(ioctl(client.file(), TIOCEXCL), 0);
+        ASSERT_EQ(ioctl(client.File(), TIOCEXCL), 0);
         EXPECT_EQ(client.Ask(kModelQuery), ModelReply("C0053"));
     }
     EXPECT_TRUE(WaitUntil([&] { return !isExclusive(); }));
@@ -122,45 +122,45 @@ TEST_F(MainUnitProgramTest, FreesTheLineOfAClientThatTookItForItselfAndWent) {
 }
 
 TEST_F(MainUnitProgramTest, ReplacesALeftLinkAndNothingElse) {
-    fs::create_directories(ports_);
-    fs::create_symlink("/dev/pts/gone", ports_ / "com2");
-    Program replaces = Start({"--link", "COM2", "--ports", ports_, "--quiet"});
+    fs::create_directories(ports);
+    fs::create_symlink("/dev/pts/gone", ports / "com2");
+    Program replaces = Start({"--link", "COM2", "--ports", ports, "--quiet"});
     const std::string first = replaces.Path();
-    EXPECT_EQ(fs::read_symlink(ports_ / "com2"), first);
+    EXPECT_EQ(fs::read_symlink(ports / "com2"), first);
 
-    std::ofstream(ports_ / "com3") << "precious";
-    Program refuses = Start({"--link", "COM3", "--ports", ports_});
+    std::ofstream(ports / "com3") << "precious";
+    Program refuses = Start({"--link", "COM3", "--ports", ports});
     EXPECT_EQ(refuses.End(), 1);
     EXPECT_NE(refuses.Errors().find("leads to no simulated unit"), std::string::npos) << refuses.Errors();
-    EXPECT_TRUE(fs::is_regular_file(ports_ / "com3"));
+    EXPECT_TRUE(fs::is_regular_file(ports / "com3"));
 
     // The user's own link to a real port.
-    fs::create_symlink("/dev/ttyUSB7", ports_ / "com4");
-    Program spares = Start({"--link", "COM4", "--ports", ports_});
+    fs::create_symlink("/dev/ttyUSB7", ports / "com4");
+    Program spares = Start({"--link", "COM4", "--ports", ports});
     EXPECT_EQ(spares.End(), 1);
-    EXPECT_EQ(fs::read_symlink(ports_ / "com4"), "/dev/ttyUSB7");
+    EXPECT_EQ(fs::read_symlink(ports / "com4"), "/dev/ttyUSB7");
 
     // Another unit takes the name over; the first one leaves the other's link alone when it ends.
-    Program takesOver = Start({"--link", "COM2", "--ports", ports_, "--quiet"});
+    Program takesOver = Start({"--link", "COM2", "--ports", ports, "--quiet"});
     const std::string path = takesOver.Path();
     EXPECT_EQ(replaces.End(SIGTERM), 0);
-    EXPECT_EQ(fs::read_symlink(ports_ / "com2"), path);
+    EXPECT_EQ(fs::read_symlink(ports / "com2"), path);
 }
 
 TEST_F(MainUnitProgramTest, SavesEachTitleThatIsWritten) {
-    fs::remove(libraryFile_);
-    Program program = Start({"--library", libraryFile_, "--sample", "--pace", "0", "--log", folder_ / "dialogue.log"});
+    fs::remove(libraryFile);
+    Program program = Start({"--library", libraryFile, "--sample", "--pace", "0", "--log", folder / "dialogue.log"});
     {
         const Client client(program.Path());
-        EXPECT_EQ(client.Ask(BlockFrame("0600120300000000")), BlockReply(SubType::TitleWrite, kAccepted));
+        EXPECT_EQ(client.Ask(BlockFrame("0600120300000000")), BlockReply(SubType::kTitleWrite, kAccepted));
         client.Tell(BlockFrame("High Water                      "));
         // The reply to the next request tells that the title has been dealt with.
         EXPECT_EQ(client.Ask(BlockFrame("0500120300000000")),
-                  BlockReply(SubType::TitleRead, kAccepted, "High Water                      "));
+                  BlockReply(SubType::kTitleRead, kAccepted, "High Water                      "));
     }
-    EXPECT_EQ(*Saved().Title({library::GroupKind::Disc, 12, 3}), "High Water");
+    EXPECT_EQ(*Saved().Title({library::GroupKind::kDisc, 12, 3}), "High Water");
     EXPECT_EQ(program.End(SIGTERM), 0);
-    const std::string log = ReadFile(folder_ / "dialogue.log");
+    const std::string log = ReadFile(folder / "dialogue.log");
     for (const char* line :
          {" > TitleWrite Disc 12 track 3 ", " < TitleWriteReply accepted ", " > TitleData \"High Water\" "}) {
         EXPECT_NE(log.find(line), std::string::npos) << log;
@@ -222,17 +222,17 @@ TEST_F(MainUnitProgramTest, ServesADeviceGivenByName) {
 
 TEST_F(MainUnitProgramTest, ListensToARealUnit) {
     Program unit = Start({"--sample", "--pace", "0", "--quiet"});
-    Program spy = Start({"--spy", unit.Path(), "--link", "COM5", "--ports", ports_, "--log", folder_ / "dialogue.log"});
+    Program spy = Start({"--spy", unit.Path(), "--link", "COM5", "--ports", ports, "--log", folder / "dialogue.log"});
     spy.Path();
     for (int client = 0; client < 2; ++client) {
-        const Client line(ports_ / "com5");
+        const Client line(ports / "com5");
         EXPECT_EQ(line.Ask(kModelQuery), ModelReply("C0053"));
         EXPECT_EQ(line.Ask(BlockFrame("0300000000000000")).size(), 262U);
         line.Tell("\r\n\x14half a frame");
         EXPECT_EQ(line.Ask(std::string("\x02") + "52060\x03"), ShortReply(kStatusReply, 0xFF));
     }
     // The line comes first, and the log behind it.
-    const std::string path = folder_ / "dialogue.log";
+    const std::string path = folder / "dialogue.log";
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(path).rfind("StatusReply") != ReadFile(path).find("StatusReply"); }));
     EXPECT_EQ(spy.End(SIGTERM), 0);
     const std::string log = ReadFile(path);
@@ -243,7 +243,7 @@ TEST_F(MainUnitProgramTest, ListensToARealUnit) {
         at = log.find(text, at);
         ASSERT_NE(at, std::string::npos) << text << "\n" << log;
     }
-    EXPECT_FALSE(fs::exists(fs::symlink_status(ports_ / "com5")));
+    EXPECT_FALSE(fs::exists(fs::symlink_status(ports / "com5")));
     EXPECT_EQ(unit.End(SIGTERM), 0);
 }
 
@@ -281,13 +281,13 @@ TEST_F(MainUnitProgramTest, RefusesWrongOptionsAndLibraries) {
         EXPECT_EQ(program.End(), 2) << arguments.front() << ' ' << arguments.back();
         EXPECT_NE(program.Errors().find("mainunit --help"), std::string::npos) << program.Errors();
     }
-    std::ofstream(libraryFile_) << "{\"discs\": 1}";
-    Program broken = Start({"--library", libraryFile_});
+    std::ofstream(libraryFile) << "{\"discs\": 1}";
+    Program broken = Start({"--library", libraryFile});
     EXPECT_EQ(broken.End(), 1);
     EXPECT_NE(broken.Errors().find("discs is no object"), std::string::npos) << broken.Errors();
-    Program missing = Start({"--library", folder_ / "missing.json"});
+    Program missing = Start({"--library", folder / "missing.json"});
     EXPECT_EQ(missing.End(), 1);
-    Program noTerminal = Start({"--device", libraryFile_});
+    Program noTerminal = Start({"--device", libraryFile});
     EXPECT_EQ(noTerminal.End(), 1);
     Program help = Start({"--help"});
     EXPECT_EQ(help.End(), 0);

@@ -22,7 +22,7 @@ using library::GroupKind;
 // Refusals in a wanted order: the options for a unit whose n-th reply with a title or a map is refused where the n-th
 // character is an x. What comes behind them is left to chance.
 std::vector<std::string> RefusalOptions(const std::string& order) {
-    const std::string reply = mainunit::BlockReply(mainunit::SubType::TitleWrite, mainunit::kAccepted);
+    const std::string reply = mainunit::BlockReply(mainunit::SubType::kTitleWrite, mainunit::kAccepted);
     mainunit::FaultRates rates;
     rates.refused = 0.5;
     std::uint64_t seed = 0;
@@ -39,26 +39,26 @@ std::vector<std::string> RefusalOptions(const std::string& order) {
 
 TEST_F(TitlectlTest, ListsAndGets) {
     const UnitProcess unit = StartUnit();
-    EXPECT_EQ(Run({"--port", "COM1", "list"}), kDone) << errors_;
-    EXPECT_EQ(output_,
+    EXPECT_EQ(Run({"--port", "COM1", "list"}), kDone) << errors;
+    EXPECT_EQ(output,
               "D1    0  Harbour in March\n"
               "D2    0  Paper Lanterns\n"
               "A7    0  Evening Walks\n"
               "A999  0  The Last of Them All, 32 Letters\n");
-    EXPECT_EQ(Run({"--port", "COM1", "get", "D1"}), kDone) << errors_;
-    EXPECT_EQ(output_,
+    EXPECT_EQ(Run({"--port", "COM1", "get", "D1"}), kDone) << errors;
+    EXPECT_EQ(output,
               "D1    0  Harbour in March\n"
               "D1    1  Low Water\n"
               "D1    2  High Water\n");
-    EXPECT_EQ(Run({"--port", "COM1", "get", "a7", "1"}), kDone) << errors_;
-    EXPECT_EQ(output_, "A7    1  Low Water\n");
-    EXPECT_EQ(Run({"--port", "COM1", "get", "A7", "0"}), kDone) << errors_;
-    EXPECT_EQ(output_, "A7    0  Evening Walks\n");
+    EXPECT_EQ(Run({"--port", "COM1", "get", "a7", "1"}), kDone) << errors;
+    EXPECT_EQ(output, "A7    1  Low Water\n");
+    EXPECT_EQ(Run({"--port", "COM1", "get", "A7", "0"}), kDone) << errors;
+    EXPECT_EQ(output, "A7    0  Evening Walks\n");
     // A Disc that is not there, and a Disc and a track that have no title.
     for (const std::vector<std::string>& missing :
          {std::vector<std::string>{"get", "D500"}, {"get", "D12", "0"}, {"get", "D1", "3"}}) {
-        EXPECT_EQ(Run(missing), kNotWritable) << errors_;
-        EXPECT_EQ(output_, "");
+        EXPECT_EQ(Run(missing), kNotWritable) << errors;
+        EXPECT_EQ(output, "");
     }
     EXPECT_EQ(unit.Complaints(), "");
 }
@@ -73,18 +73,18 @@ TEST_F(TitlectlTest, SetsWhatCanBeSet) {
         const char* saved;
     };
     const Case cases[] = {
-        {"D1", "2", "  ~Neap Tide~ 5\"\\  ", {GroupKind::Disc, 1, 2}, "  ~Neap Tide~ 5\"\\"},
-        {"D1", "0", "Thirty-Two Letters, Not One Less", {GroupKind::Disc, 1, 0}, "Thirty-Two Letters, Not One Less"},
-        {"A999", "0", "Renamed", {GroupKind::Album, 999, 0}, "Renamed"},
-        {"D2", "1", "", {GroupKind::Disc, 2, 1}, ""},
+        {"D1", "2", "  ~Neap Tide~ 5\"\\  ", {GroupKind::kDisc, 1, 2}, "  ~Neap Tide~ 5\"\\"},
+        {"D1", "0", "Thirty-Two Letters, Not One Less", {GroupKind::kDisc, 1, 0}, "Thirty-Two Letters, Not One Less"},
+        {"A999", "0", "Renamed", {GroupKind::kAlbum, 999, 0}, "Renamed"},
+        {"D2", "1", "", {GroupKind::kDisc, 2, 1}, ""},
     };
     library::UnitLibrary expected = Saved();
     for (const Case& one : cases) {
-        EXPECT_EQ(Run({"--port", "COM1", "set", one.group, one.track, one.text}), kDone) << errors_;
+        EXPECT_EQ(Run({"--port", "COM1", "set", one.group, one.track, one.text}), kDone) << errors;
         expected.SetTitle(one.entry, one.saved);
         EXPECT_TRUE(Saved() == expected) << one.group << ' ' << one.track << ' ' << SavedTitle(one.entry);
     }
-    EXPECT_EQ(output_, "D2    1  \n");
+    EXPECT_EQ(output, "D2    1  \n");
     EXPECT_EQ(unit.Complaints(), "");
 }
 
@@ -101,8 +101,8 @@ TEST_F(TitlectlTest, RefusesWhatCannotBeSet) {
         {"set", "A8", "0", "No such Album"},
     };
     for (std::size_t i = 0; i < wrong.size(); ++i) {
-        EXPECT_EQ(Run(wrong[i]), kNotWritable) << wrong[i].back() << '\n' << errors_;
-        EXPECT_EQ(output_, "");
+        EXPECT_EQ(Run(wrong[i]), kNotWritable) << wrong[i].back() << '\n' << errors;
+        EXPECT_EQ(output, "");
         if (i == 2) {
             EXPECT_EQ(unit.CountRequests("ModelQuery"), 0);
         }
@@ -137,11 +137,11 @@ TEST_F(TitlectlTest, TellsTheUsage) {
     };
     for (const std::vector<std::string>& arguments : wrong) {
         EXPECT_EQ(Run(arguments), kUsage) << (arguments.empty() ? "" : arguments.back());
-        EXPECT_NE(errors_.find("Exit codes: 0 done"), std::string::npos) << errors_;
+        EXPECT_NE(errors.find("Exit codes: 0 done"), std::string::npos) << errors;
     }
     // Who asks for it may want to page through it.
     EXPECT_EQ(Run({"--help"}), kDone);
-    EXPECT_NE(output_.find("Exit codes: 0 done"), std::string::npos) << output_;
+    EXPECT_NE(output.find("Exit codes: 0 done"), std::string::npos) << output;
 }
 
 TEST_F(TitlectlTest, SearchesThePorts) {
@@ -154,16 +154,16 @@ TEST_F(TitlectlTest, SearchesThePorts) {
     ASSERT_EQ(flock(taken, LOCK_EX), 0);
 
     EXPECT_EQ(Run({"list"}), kNoUnit);
-    EXPECT_NE(errors_.find("no main unit answers"), std::string::npos) << errors_;
+    EXPECT_NE(errors.find("no main unit answers"), std::string::npos) << errors;
     EXPECT_EQ(Run({"--port", "COM2", "list"}), kNoUnit);
-    EXPECT_NE(errors_.find("the port is in use"), std::string::npos) << errors_;
+    EXPECT_NE(errors.find("the port is in use"), std::string::npos) << errors;
     EXPECT_EQ(Run({"--port", "COM4", "list"}), kNoUnit);
-    EXPECT_NE(errors_.find("no such port"), std::string::npos) << errors_;
+    EXPECT_NE(errors.find("no such port"), std::string::npos) << errors;
 
     const UnitProcess unit = StartUnit({}, "COM3");
-    EXPECT_EQ(Run({"get", "D2", "0"}), kDone) << errors_;
-    EXPECT_EQ(output_, "D2    0  Paper Lanterns\n");
-    EXPECT_EQ(Run({"--port", "COM3", "get", "D2", "0"}), kDone) << errors_;
+    EXPECT_EQ(Run({"get", "D2", "0"}), kDone) << errors;
+    EXPECT_EQ(output, "D2    0  Paper Lanterns\n");
+    EXPECT_EQ(Run({"--port", "COM3", "get", "D2", "0"}), kDone) << errors;
     EXPECT_EQ(silent.Receive(10).substr(0, 5),
               "\x11"
               "000\x03")
@@ -187,20 +187,20 @@ TEST_F(TitlectlTest, TellsWhyTheUnitIsNotReady) {
     for (const Case& one : cases) {
         const UnitProcess unit = StartUnit(one.options);
         EXPECT_EQ(Run({"--port", "COM1", "list"}), one.code) << one.reason;
-        EXPECT_NE(errors_.find(one.reason), std::string::npos) << errors_;
+        EXPECT_NE(errors.find(one.reason), std::string::npos) << errors;
         EXPECT_EQ(unit.CountRequests("MapQuery"), 0);
     }
     // Busy for a while, then wanting to be stopped: no reason to give up.
     const UnitProcess unit = StartUnit({"--status", "FE,FF,01,04,FD,40"});
-    EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "0"}), kDone) << errors_;
+    EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "0"}), kDone) << errors;
     EXPECT_EQ(unit.CountRequests("UnitCommand"), 2);
 }
 
 TEST_F(TitlectlTest, TellsThatATitleIsRefused) {
     // The unit tells the title that stands there, and once more right before the write; then it refuses to take another one.
     const UnitProcess unit = StartUnit(RefusalOptions("--xx"));
-    EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Refused"}), kRefused) << errors_;
-    EXPECT_EQ(SavedTitle({GroupKind::Disc, 2, 0}), "Paper Lanterns");
+    EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Refused"}), kRefused) << errors;
+    EXPECT_EQ(SavedTitle({GroupKind::kDisc, 2, 0}), "Paper Lanterns");
     EXPECT_EQ(unit.CountRequests("TitleWrite"), 2) << "once, and once more";
     EXPECT_EQ(unit.CountRequests("TitleData"), 0);
 }
@@ -208,7 +208,7 @@ TEST_F(TitlectlTest, TellsThatATitleIsRefused) {
 TEST_F(TitlectlTest, BelievesOnlyWhatIsReadBack) {
     // Two reads, the write, the map and the read that goes with it are fine; then the unit has no such title any more.
     const UnitProcess unit = StartUnit(RefusalOptions("-----x"));
-    EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Doubtful"}), kDiffers) << errors_;
+    EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Doubtful"}), kDiffers) << errors;
     EXPECT_EQ(unit.CountRequests("TitleData"), 1);
 }
 
@@ -247,8 +247,8 @@ TEST_F(TitlectlTest, EndsInGoodOrderOnCtrlC) {
     EXPECT_EQ(list.End(kMostForAStop), kStopped) << list.Errors();
     EXPECT_TRUE(list.Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list.Output();
     EXPECT_EQ(list.Output().find("D160"), std::string::npos);
-    EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "1"}), kDone) << errors_;
-    EXPECT_EQ(output_, "D2    1  The Ferry & the Notebook\n");
+    EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "1"}), kDone) << errors;
+    EXPECT_EQ(output, "D2    1  The Ferry & the Notebook\n");
     EXPECT_EQ(unit.Complaints(), "");
 
     const Terminal silent;

@@ -34,8 +34,8 @@ protected:
 
     int End(Process& process) {
         const int code = process.End();
-        output_ = process.Output();
-        errors_ = process.Errors();
+        output = process.Output();
+        errors = process.Errors();
         return code;
     }
 
@@ -45,6 +45,6 @@ protected:
         return title != nullptr ? *title : "(none)";
     }
 
-    std::string output_;
-    std::string errors_;
+    std::string output;
+    std::string errors;
 };

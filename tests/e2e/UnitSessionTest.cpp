@@ -33,7 +33,7 @@ protected:
                 ++count;
                 const bool album = IsAlbum(group);
                 const std::string* title =
-                    library.Title({album ? GroupKind::Album : GroupKind::Disc, album ? AlbumNumber(group) : group, track});
+                    library.Title({album ? GroupKind::kAlbum : GroupKind::kDisc, album ? AlbumNumber(group) : group, track});
                 if (title == nullptr || *title != text) {
                     return testing::AssertionFailure() << "group " << group << " track " << track << ": " << text;
                 }
@@ -59,8 +59,8 @@ TEST_F(UnitSessionTest, ReadsEditsSendsAndReadsBack) {
     EXPECT_EQ(count, 8);
 
     library::UnitLibrary expected = Saved();
-    expected.SetTitle({GroupKind::Disc, 1, 0}, "Harbour in April");
-    expected.SetTitle({GroupKind::Disc, 1, 2}, "Spring Tide");
+    expected.SetTitle({GroupKind::kDisc, 1, 0}, "Harbour in April");
+    expected.SetTitle({GroupKind::kDisc, 1, 2}, "Spring Tide");
     store.EditTitle(1, 0, "Harbour in April");
     store.EditTitle(1, 2, "Spring Tide");
     store.EditTitle(2, 0, "Not to be sent");
@@ -109,7 +109,7 @@ TEST_F(UnitSessionTest, StopsInTheMiddleAndLeavesThePortToTheNext) {
 
 TEST_F(UnitSessionTest, KeepsAnEditWhenTheUnitGoesAndSendsItToTheNext) {
     // At the speed of a real line.
-    auto unit = std::make_unique<UnitProcess>(std::vector<std::string>{"--link", "COM1", "--library", libraryFile_},
+    auto unit = std::make_unique<UnitProcess>(std::vector<std::string>{"--link", "COM1", "--library", libraryFile},
                                               NextOutputs("mainunit"));
     UnitSession session;
     TitleStore& store = session.Store();
@@ -128,7 +128,7 @@ TEST_F(UnitSessionTest, KeepsAnEditWhenTheUnitGoesAndSendsItToTheNext) {
     const UnitProcess another = StartUnit();
     ASSERT_EQ(session.Connect("COM1"), Outcome::kDone);
     EXPECT_EQ(session.SendGroup(2), Outcome::kDone);
-    EXPECT_EQ(*Saved().Title({GroupKind::Disc, 2, 0}), "Kept");
+    EXPECT_EQ(*Saved().Title({GroupKind::kDisc, 2, 0}), "Kept");
     EXPECT_EQ(store.IsEdited(2, 0), 0);
 }
 
@@ -160,9 +160,9 @@ TEST_F(UnitSessionTest, GetsThroughFaultsThatLeaveTheRepliesWhole) {
     session.Limit(1, -1);
     ASSERT_TRUE(getsThrough([&] { return session.SendGroup(1); }));
     const library::UnitLibrary saved = Saved();
-    EXPECT_EQ(*saved.Title({GroupKind::Disc, 1, 1}), "Ebb");
-    EXPECT_EQ(*saved.Title({GroupKind::Disc, 1, 2}), "Flow");
-    EXPECT_EQ(*saved.Title({GroupKind::Disc, 1, 0}), "Harbour in March");
+    EXPECT_EQ(*saved.Title({GroupKind::kDisc, 1, 1}), "Ebb");
+    EXPECT_EQ(*saved.Title({GroupKind::kDisc, 1, 2}), "Flow");
+    EXPECT_EQ(*saved.Title({GroupKind::kDisc, 1, 0}), "Harbour in March");
     EXPECT_EQ(unit.Complaints(), "");
 }
 

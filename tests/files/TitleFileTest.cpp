@@ -55,22 +55,22 @@ class TitleFileTest : public testing::Test {
 protected:
     // In the form in which the program knows paths.
     std::string Path(const std::string& name) const {
-        std::string path = folder_ / name;
+        std::string path = folder / name;
         for (char& letter : path) {
             letter = letter == '/' ? '\\' : letter;
         }
         return path;
     }
     void Write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(folder_ / name, std::ios::binary) << bytes;
+        std::ofstream(folder / name, std::ios::binary) << bytes;
     }
     std::string Read(const std::string& name) const {
-        std::ifstream file(folder_ / name, std::ios::binary);
+        std::ifstream file(folder / name, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
 
-    const TemporaryFolder temporary_;
-    const fs::path folder_ = temporary_.Path();
+    const TemporaryFolder temporary;
+    const fs::path folder = temporary.Path();
 };
 
 }  // namespace
@@ -160,7 +160,7 @@ TEST_F(TitleFileTest, TheNameChoosesTheFormat) {
         EXPECT_EQ(file.ReadTitles(Path(name).c_str()), 0);
         EXPECT_EQ(Titles(file), "1=one|") << name;
     }
-    fs::create_directory(folder_ / "dir.csv");
+    fs::create_directory(folder / "dir.csv");
     for (const char* name : {"a.txt", "a.dat", "none", "csv", "dir.csv/none"}) {
         Write(name, csv);
         EXPECT_EQ(file.ReadTitles(Path(name).c_str()), 0);
@@ -280,7 +280,7 @@ TEST_F(TitleFileTest, FilesOfASpreadsheet) {
     };
     for (const auto& one : files) {
         kernel::SetCodePage(one.codePage);
-        fs::copy_file(fs::path(SAMPLES_FOLDER) / one.name, folder_ / one.name, fs::copy_options::overwrite_existing);
+        fs::copy_file(fs::path(SAMPLES_FOLDER) / one.name, folder / one.name, fs::copy_options::overwrite_existing);
         TitleFile file;
         EXPECT_EQ(file.ReadTitles(Path(one.name).c_str()), 0);
         EXPECT_EQ(Titles(file), one.titles) << one.name << ' ' << one.codePage;

@@ -95,25 +95,25 @@ public:
         for (const std::string& portion : portions) {
             FeedPortion(portion);
         }
-        return std::move(frames_);
+        return std::move(frames);
     }
 
 private:
     void FeedPortion(std::string_view portion) {
         bool lost = false;
         for (const char& byte : portion.substr(0, portion.find('\0'))) {
-            const std::size_t before = frames_.size();
+            const std::size_t before = frames.size();
             if (byte == '\r' || byte == '\n') {
                 lost = false;
             } else if (!lost) {
-                cutter_.Feed(std::string_view(&byte, 1));
-                lost = frames_.size() > before;
+                cutter.Feed(std::string_view(&byte, 1));
+                lost = frames.size() > before;
             }
         }
     }
 
-    Frames frames_;
-    FrameCutter cutter_{Keep, &frames_};
+    Frames frames;
+    FrameCutter cutter{Keep, &frames};
 };
 
 std::vector<std::string> PortionsOf(std::string_view input) {

@@ -51,19 +51,19 @@ constexpr std::uint64_t kRunLimitUs = 24ULL * 3600 * 1'000'000;
 using Place = std::pair<GroupId, TrackNo>;
 
 Place PlaceOf(const library::Entry& entry) {
-    return {entry.kind == library::GroupKind::Album ? AlbumGroup(entry.group) : entry.group, entry.track};
+    return {entry.kind == library::GroupKind::kAlbum ? AlbumGroup(entry.group) : entry.group, entry.track};
 }
 
 mainunit::MainUnit MakeUnit(unsigned choice) {
     using library::GroupKind;
     library::UnitLibrary library;
     for (int group = 1; group <= 3; ++group) {
-        library.SetTitle({GroupKind::Disc, group, 0}, "Disc of the unit");
-        library.SetTitle({GroupKind::Disc, group, 1}, "First");
-        library.Add({GroupKind::Disc, group, 2});
+        library.SetTitle({GroupKind::kDisc, group, 0}, "Disc of the unit");
+        library.SetTitle({GroupKind::kDisc, group, 1}, "First");
+        library.Add({GroupKind::kDisc, group, 2});
     }
-    library.SetTitle({GroupKind::Album, 1, 0}, "Album of the unit");
-    library.SetTitle({GroupKind::Album, 1, 3}, "Third");
+    library.SetTitle({GroupKind::kAlbum, 1, 0}, "Album of the unit");
+    library.SetTitle({GroupKind::kAlbum, 1, 3}, "Third");
     mainunit::UnitSettings settings;
     settings.probeAccepted = (choice & 0x10) != 0;
     settings.refuseMaps = (choice & 0x20) != 0;
@@ -76,16 +76,16 @@ mainunit::MainUnit MakeUnit(unsigned choice) {
 DisplayRanges MakeRanges(unsigned choice) {
     DisplayRanges ranges;
     if ((choice & 0x01) != 0) {
-        ranges.DiscTo = ranges.AlbumTo = ranges.TrackTo = 2;
+        ranges.discTo = ranges.albumTo = ranges.trackTo = 2;
     }
     if ((choice & 0x02) != 0) {
-        ranges.DiscFrom = ranges.DiscTo = 0;
+        ranges.discFrom = ranges.discTo = 0;
     }
     if ((choice & 0x04) != 0) {
-        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        ranges.albumFrom = ranges.albumTo = 0;
     }
     if ((choice & 0x08) != 0) {
-        ranges.TrackFrom = ranges.TrackTo = 0;
+        ranges.trackFrom = ranges.trackTo = 0;
     }
     return ranges;
 }
@@ -93,20 +93,20 @@ DisplayRanges MakeRanges(unsigned choice) {
 // The unit's end of the line: checks each frame that the link writes, and keeps the requests that want an answer.
 class UnitEnd : public SerialPeer {
 public:
-    UnitEnd(Simulation& simulation, unsigned choice) : unit_(MakeUnit(choice)) {
+    UnitEnd(Simulation& simulation, unsigned choice) : unit(MakeUnit(choice)) {
         simulation.AttachPort("COM1", this).OnWrite([this](std::string_view bytes, std::uint64_t timeUs, bool) {
             CheckWrite(bytes, timeUs);
         });
     }
 
-    void OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t lastByteUs) override {
-        lastByteUs_ = lastByteUs;
-        for (const mainunit::Reply& reply : unit_.Receive(bytes)) {
+    void OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t newLastByteUs) override {
+        lastByteUs = newLastByteUs;
+        for (const mainunit::Reply& reply : unit.Receive(bytes)) {
             answers.push_back(reply.bytes);
         }
     }
 
-    std::uint64_t LastByteUs() const { return lastByteUs_; }
+    std::uint64_t LastByteUs() const { return lastByteUs; }
 
     std::deque<std::string> answers;  // the right answer to each request that has none yet
     std::set<Place> asked;
@@ -114,8 +114,8 @@ public:
 
 private:
     void CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
-        CHECK(!lastWriteUs_ || timeUs - *lastWriteUs_ >= kLeastPauseUs);
-        lastWriteUs_ = timeUs;
+        CHECK(!lastWriteUs || timeUs - *lastWriteUs >= kLeastPauseUs);
+        lastWriteUs = timeUs;
         UnitRequest request;
         std::string problem;
         const bool sound = mainunit::ReadRequest(bytes, request, problem);
@@ -123,45 +123,45 @@ private:
             std::fprintf(stderr, "%s\n", mainunit::Dialogue::RequestLine(0, bytes, problem).c_str());
         }
         CHECK(sound);
-        if (request.kind == UnitRequest::Kind::TitleRead) {
+        if (request.kind == UnitRequest::Kind::kTitleRead) {
             asked.insert(PlaceOf(request.entry));
-        } else if (request.kind == UnitRequest::Kind::TitleWrite) {
-            writing_ = PlaceOf(request.entry);
-        } else if (request.kind == UnitRequest::Kind::TitleData) {
-            sent.insert({writing_, request.text.substr(0, request.text.find_last_not_of(' ') + 1)});
+        } else if (request.kind == UnitRequest::Kind::kTitleWrite) {
+            writing = PlaceOf(request.entry);
+        } else if (request.kind == UnitRequest::Kind::kTitleData) {
+            sent.insert({writing, request.text.substr(0, request.text.find_last_not_of(' ') + 1)});
         }
     }
 
-    mainunit::MainUnit unit_;
-    std::optional<std::uint64_t> lastWriteUs_;
-    std::uint64_t lastByteUs_ = 0;
-    Place writing_;
+    mainunit::MainUnit unit;
+    std::optional<std::uint64_t> lastWriteUs;
+    std::uint64_t lastByteUs = 0;
+    Place writing;
 };
 
 // The answers of the input.
 class Script {
 public:
-    explicit Script(std::string_view text) : rest_(text) {}
+    explicit Script(std::string_view text) : rest(text) {}
 
-    bool IsOver() const { return rest_.empty() || taken_ == kMostAnswers; }
+    bool IsOver() const { return rest.empty() || taken == kMostAnswers; }
     std::string_view Next() {
-        const std::size_t end = rest_.find(kNextAnswer);
-        const std::string_view answer = rest_.substr(0, end);
-        rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
-        ++taken_;
+        const std::size_t end = rest.find(kNextAnswer);
+        const std::string_view answer = rest.substr(0, end);
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+        ++taken;
         return answer;
     }
 
 private:
-    std::string_view rest_;
-    int taken_ = 0;
+    std::string_view rest;
+    int taken = 0;
 };
 
 // The user, the pane's window and the reader, all on the first thread of the simulation.
 class FuzzedSession {
 public:
     FuzzedSession(TitleStore& titles, UnitEnd& unitEnd, std::string_view input)
-        : store_(titles), unit_(unitEnd), choice_(input), script_(input.substr(kHeadBytes)) {}
+        : store(titles), unit(unitEnd), choice(input), script(input.substr(kHeadBytes)) {}
 
     void Run();
     // After the run.
@@ -181,16 +181,16 @@ private:
 
     static unsigned FirstByte(std::string_view text) { return text.empty() ? 0 : static_cast<std::uint8_t>(text[0]); }
 
-    TitleStore& store_;
-    UnitEnd& unit_;
-    std::string_view choice_;
-    Script script_;
-    DeviceLink link_;
-    bool standing_ = false;  // a status has left the operation open and idle
-    std::uint64_t startedUs_ = 0;
-    std::set<Place> filled_;
-    std::map<Place, std::string> edits_;
-    int editNumber_ = 0;  // no two texts are alike
+    TitleStore& store;
+    UnitEnd& unit;
+    std::string_view choice;
+    Script script;
+    DeviceLink link;
+    bool standing = false;  // a status has left the operation open and idle
+    std::uint64_t startedUs = 0;
+    std::set<Place> filled;
+    std::map<Place, std::string> edits;
+    int editNumber = 0;  // no two texts are alike
 };
 
 LRESULT CALLBACK FuzzedSession::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -204,14 +204,14 @@ LRESULT CALLBACK FuzzedSession::WindowProc(HWND window, UINT message, WPARAM wPa
 
 void FuzzedSession::OnResult(BYTE status) {
     CHECK(status != ST_FOREIGN && status != ST_LAST);
-    standing_ = standing_ || status == ST_BUSY || status == ST_NO_DATA || status == ST_TRAY_OPEN;
+    standing = standing || status == ST_BUSY || status == ST_NO_DATA || status == ST_TRAY_OPEN;
 }
 
 // What a session before this one has left: titles of the unit, and some of the user's.
 void FuzzedSession::Fill() {
     for (const Place& place : {Place{1, 0}, {1, 1}, {1, 2}, {AlbumGroup(1), 0}, {AlbumGroup(2), 0}}) {
-        store_.StoreReceived(place.first, place.second, "before");
-        filled_.insert(place);
+        store.StoreReceived(place.first, place.second, "before");
+        filled.insert(place);
     }
     Edit(0);
     Edit(2);
@@ -222,27 +222,27 @@ void FuzzedSession::Edit(unsigned choice) {
     constexpr Place kPlaces[] = {{1, 0}, {1, 1}, {1, 2}, {AlbumGroup(1), 0}, {2, 0}, {3, 0}};
     const Place& place = kPlaces[choice % std::size(kPlaces)];
     char text[kTitleSize];
-    std::snprintf(text, sizeof text, "edit %d of %d %d", ++editNumber_, place.first, place.second);
-    if (store_.GetState(place.first, place.second) > TS_NONE && store_.EditTitle(place.first, place.second, text) != 0) {
-        edits_[place] = text;
+    std::snprintf(text, sizeof text, "edit %d of %d %d", ++editNumber, place.first, place.second);
+    if (store.GetState(place.first, place.second) > TS_NONE && store.EditTitle(place.first, place.second, text) != 0) {
+        edits[place] = text;
     }
 }
 
 void FuzzedSession::Start(unsigned choice) {
     constexpr GroupId kGroupChoices[] = {0, 1, 2, AlbumGroup(1)};
     const GroupId group = kGroupChoices[choice / 8 % std::size(kGroupChoices)];
-    standing_ = false;
-    startedUs_ = Simulation::Current()->Now();
+    standing = false;
+    startedUs = Simulation::Current()->Now();
     switch (choice % 8) {
-        case 0: link_.GetAllTitles(); break;
-        case 1: link_.GetOneGroup(group); break;
-        case 2: link_.GetGroupTracks(std::max(group, 1)); break;  // tracks are asked for by group, never for all
-        case 3: link_.SendAllTitles(); break;
-        case 4: link_.SendGroup(group); break;
-        case 5: link_.StopOperation(); break;
+        case 0: link.GetAllTitles(); break;
+        case 1: link.GetOneGroup(group); break;
+        case 2: link.GetGroupTracks(std::max(group, 1)); break;  // tracks are asked for by group, never for all
+        case 3: link.SendAllTitles(); break;
+        case 4: link.SendGroup(group); break;
+        case 5: link.StopOperation(); break;
         default:
-            CHECK(link_.Connect("COM1"));
-            link_.StopReader();
+            CHECK(link.Connect("COM1"));
+            link.StopReader();
             break;
     }
 }
@@ -255,21 +255,21 @@ void FuzzedSession::Run() {
     RegisterClassExA(&windowClass);
     HWND window = CreateWindowExA(0, "FuzzedLink", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    link_.SetPaneWindow(window);
-    link_.SetTitleStore(&store_);
-    link_.SetDisplayRanges(MakeRanges(FirstByte(choice_.substr(1))));
+    link.SetPaneWindow(window);
+    link.SetTitleStore(&store);
+    link.SetDisplayRanges(MakeRanges(FirstByte(choice.substr(1))));
     Fill();
-    CHECK(link_.Connect("COM1"));
+    CHECK(link.Connect("COM1"));
     // From here on this thread is the reader: its own would only look for bytes a thousand times a second.
-    link_.StopReader();
-    Start(FirstByte(choice_));
+    link.StopReader();
+    Start(FirstByte(choice));
     Talk();
-    link_.StopOperation();
-    CHECK(!link_.IsOperationActive());
+    link.StopOperation();
+    CHECK(!link.IsOperationActive());
     Pump();
     CheckEdits();
-    link_.Disconnect();
-    link_.SetPaneWindow(nullptr);
+    link.Disconnect();
+    link.SetPaneWindow(nullptr);
     DestroyWindow(window);
 }
 
@@ -278,20 +278,20 @@ void FuzzedSession::Talk() {
     while (true) {
         Pump();
         CheckEdits();
-        if (!unit_.answers.empty()) {
-            if (script_.IsOver()) {
+        if (!unit.answers.empty()) {
+            if (script.IsOver()) {
                 return;
             }
-            const std::string rightAnswer = unit_.answers.front();
-            unit_.answers.pop_front();
-            Answer(rightAnswer, script_.Next());
-        } else if (!link_.IsOperationActive() || standing_) {
-            if (script_.IsOver()) {
+            const std::string rightAnswer = unit.answers.front();
+            unit.answers.pop_front();
+            Answer(rightAnswer, script.Next());
+        } else if (!link.IsOperationActive() || standing) {
+            if (script.IsOver()) {
                 return;
             }
-            Answer({}, script_.Next());
+            Answer({}, script.Next());
         } else {
-            CHECK(Simulation::Current()->Now() < std::max(startedUs_, unit_.LastByteUs()) + kLongestQuietUs);
+            CHECK(Simulation::Current()->Now() < std::max(startedUs, unit.LastByteUs()) + kLongestQuietUs);
             Sleep(kLookMs);
         }
     }
@@ -330,7 +330,7 @@ void FuzzedSession::Deliver(std::string_view bytes) {
         auto* chunk = static_cast<char*>(LocalAlloc(LMEM_FIXED, portion.size() + 1));
         std::copy(portion.begin(), portion.end(), chunk);
         chunk[portion.size()] = '\0';
-        link_.OnReceive(chunk, static_cast<DWORD>(portion.size()));
+        link.OnReceive(chunk, static_cast<DWORD>(portion.size()));
         if (chunk != nullptr) {
             LocalFree(chunk);
         }
@@ -339,25 +339,25 @@ void FuzzedSession::Deliver(std::string_view bytes) {
 
 // A user's text stands where it was typed until it has gone out under that number.
 void FuzzedSession::CheckEdits() const {
-    for (const auto& [place, text] : edits_) {
+    for (const auto& [place, text] : edits) {
         char held[kTitleSize] = {};
-        const bool stays = store_.IsEdited(place.first, place.second) != 0 &&
-                           store_.GetTitle(place.first, place.second, held) != 0 && text == held;
-        CHECK(stays || unit_.sent.contains({place, text}));
+        const bool stays = store.IsEdited(place.first, place.second) != 0 &&
+                           store.GetTitle(place.first, place.second, held) != 0 && text == held;
+        CHECK(stays || unit.sent.contains({place, text}));
     }
 }
 
 // Every title is printable, and nothing is known that nobody has asked for.
 void FuzzedSession::CheckStore() const {
     for (GroupId group = 1; group <= kGroups; ++group) {
-        const bool hasTracks = store_.GetState(group, 1) >= TS_NONE;
+        const bool hasTracks = store.GetState(group, 1) >= TS_NONE;
         for (TrackNo track = 0; track <= (hasTracks ? kTracks : 0); ++track) {
-            if (store_.IsKnown(group, track) == 0) {
+            if (store.IsKnown(group, track) == 0) {
                 continue;
             }
-            CHECK(unit_.asked.contains({group, track}) || filled_.contains({group, track}));
+            CHECK(unit.asked.contains({group, track}) || filled.contains({group, track}));
             char text[kTitleSize] = {};
-            store_.GetTitle(group, track, text);
+            store.GetTitle(group, track, text);
             const char* end = std::find(std::begin(text), std::end(text), '\0');
             CHECK(end != std::end(text));
             CHECK(std::all_of(static_cast<const char*>(text), end, [](char c) { return c >= 0x20 && c <= 0x7E; }));

@@ -15,83 +15,83 @@ namespace fs = std::filesystem;
 
 class LibraryFileTest : public testing::Test {
 protected:
-    const TemporaryFolder temporary_;
-    const fs::path folder_ = temporary_.Path();
-    std::string error_;
+    const TemporaryFolder temporary;
+    const fs::path folder = temporary.Path();
+    std::string error;
 };
 
 UnitLibrary SmallLibrary() {
     UnitLibrary library;
-    library.SetTitle({GroupKind::Disc, 12, 0}, R"(Ten "quoted", & more \ \\)");
-    library.SetTitle({GroupKind::Disc, 12, 10}, "");
-    library.SetTitle({GroupKind::Disc, 12, 9}, std::string(32, '~'));
-    library.Add({GroupKind::Disc, 999, 99});
-    library.SetTitle({GroupKind::Album, 1, 0}, "Album");
+    library.SetTitle({GroupKind::kDisc, 12, 0}, R"(Ten "quoted", & more \ \\)");
+    library.SetTitle({GroupKind::kDisc, 12, 10}, "");
+    library.SetTitle({GroupKind::kDisc, 12, 9}, std::string(32, '~'));
+    library.Add({GroupKind::kDisc, 999, 99});
+    library.SetTitle({GroupKind::kAlbum, 1, 0}, "Album");
     return library;
 }
 
 TEST(UnitLibrary, KeepsExistenceAndTitleApart) {
     UnitLibrary library;
-    EXPECT_TRUE(library.Add({GroupKind::Disc, 5, 2}));
-    EXPECT_TRUE(library.Exists({GroupKind::Disc, 5, 0})) << "a track brings its disc";
-    EXPECT_FALSE(library.Exists({GroupKind::Album, 5, 0}));
-    EXPECT_EQ(library.Title({GroupKind::Disc, 5, 2}), nullptr);
-    EXPECT_TRUE(library.SetTitle({GroupKind::Disc, 5, 2}, " two  "));
-    EXPECT_EQ(*library.Title({GroupKind::Disc, 5, 2}), " two");
-    EXPECT_TRUE(library.SetTitle({GroupKind::Disc, 5, 0}, std::string(32, ' ')));
-    EXPECT_EQ(*library.Title({GroupKind::Disc, 5, 0}), "");
-    EXPECT_TRUE(library.Add({GroupKind::Disc, 5, 2}));
-    EXPECT_EQ(*library.Title({GroupKind::Disc, 5, 2}), " two") << "what exists keeps its title";
+    EXPECT_TRUE(library.Add({GroupKind::kDisc, 5, 2}));
+    EXPECT_TRUE(library.Exists({GroupKind::kDisc, 5, 0})) << "a track brings its disc";
+    EXPECT_FALSE(library.Exists({GroupKind::kAlbum, 5, 0}));
+    EXPECT_EQ(library.Title({GroupKind::kDisc, 5, 2}), nullptr);
+    EXPECT_TRUE(library.SetTitle({GroupKind::kDisc, 5, 2}, " two  "));
+    EXPECT_EQ(*library.Title({GroupKind::kDisc, 5, 2}), " two");
+    EXPECT_TRUE(library.SetTitle({GroupKind::kDisc, 5, 0}, std::string(32, ' ')));
+    EXPECT_EQ(*library.Title({GroupKind::kDisc, 5, 0}), "");
+    EXPECT_TRUE(library.Add({GroupKind::kDisc, 5, 2}));
+    EXPECT_EQ(*library.Title({GroupKind::kDisc, 5, 2}), " two") << "what exists keeps its title";
 }
 
 TEST(UnitLibrary, KeepsItsLimits) {
     UnitLibrary library;
-    for (const Entry& entry : {Entry{GroupKind::Disc, 0, 0}, Entry{GroupKind::Disc, 1000, 0}, Entry{GroupKind::Disc, 1, -1},
-                               Entry{GroupKind::Disc, 1, 100}}) {
+    for (const Entry& entry : {Entry{GroupKind::kDisc, 0, 0}, Entry{GroupKind::kDisc, 1000, 0},
+                               Entry{GroupKind::kDisc, 1, -1}, Entry{GroupKind::kDisc, 1, 100}}) {
         EXPECT_FALSE(library.Add(entry)) << NameOf(entry);
         EXPECT_FALSE(library.SetTitle(entry, "x")) << NameOf(entry);
     }
     for (const std::string& text : {std::string(33, 'x'), std::string("tab\t"), std::string("\x7F"), std::string("\xE9")}) {
-        EXPECT_FALSE(library.SetTitle({GroupKind::Disc, 1, 0}, text));
+        EXPECT_FALSE(library.SetTitle({GroupKind::kDisc, 1, 0}, text));
     }
     EXPECT_EQ(library, UnitLibrary());
 }
 
 TEST_F(LibraryFileTest, ComesBackAsItWas) {
-    const std::string path = folder_ / "library.json";
-    ASSERT_TRUE(SaveLibrary(path, SmallLibrary(), error_)) << error_;
+    const std::string path = folder / "library.json";
+    ASSERT_TRUE(SaveLibrary(path, SmallLibrary(), error)) << error;
     UnitLibrary loaded;
-    ASSERT_TRUE(LoadLibrary(path, loaded, error_)) << error_;
+    ASSERT_TRUE(LoadLibrary(path, loaded, error)) << error;
     EXPECT_EQ(loaded, SmallLibrary());
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1) << "no temporary file stays";
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "no temporary file stays";
 }
 
 TEST_F(LibraryFileTest, ReplacesTheTargetOfALinkAndKeepsItsPermissions) {
-    const fs::path target = folder_ / "target.json";
-    const fs::path link = folder_ / "link.json";
+    const fs::path target = folder / "target.json";
+    const fs::path link = folder / "link.json";
     std::ofstream(target) << "old";
     fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(target, link);
-    ASSERT_TRUE(SaveLibrary(link, SmallLibrary(), error_)) << error_;
+    ASSERT_TRUE(SaveLibrary(link, SmallLibrary(), error)) << error;
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
     UnitLibrary loaded;
-    EXPECT_TRUE(LoadLibrary(target, loaded, error_)) << error_;
+    EXPECT_TRUE(LoadLibrary(target, loaded, error)) << error;
 }
 
 TEST_F(LibraryFileTest, LeavesTheOldFileWhenItCannotSave) {
     // A folder cannot be replaced by a file, whoever runs the test.
-    const fs::path taken = folder_ / "taken";
+    const fs::path taken = folder / "taken";
     fs::create_directory(taken);
-    EXPECT_FALSE(SaveLibrary(taken, SmallLibrary(), error_));
-    EXPECT_NE(error_.find("taken: "), std::string::npos) << error_;
+    EXPECT_FALSE(SaveLibrary(taken, SmallLibrary(), error));
+    EXPECT_NE(error.find("taken: "), std::string::npos) << error;
     EXPECT_TRUE(fs::is_directory(taken));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
-    EXPECT_FALSE(SaveLibrary(folder_ / "missing" / "library.json", SmallLibrary(), error_));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
+    EXPECT_FALSE(SaveLibrary(folder / "missing" / "library.json", SmallLibrary(), error));
 
     UnitLibrary library;
-    EXPECT_FALSE(LoadLibrary(folder_ / "nothing.json", library, error_));
-    EXPECT_NE(error_.find("nothing.json: No such file"), std::string::npos) << error_;
+    EXPECT_FALSE(LoadLibrary(folder / "nothing.json", library, error));
+    EXPECT_NE(error.find("nothing.json: No such file"), std::string::npos) << error;
 }
 
 TEST(LibraryFile, SaysWhatIsWrong) {
@@ -137,7 +137,7 @@ TEST(SampleLibrary, HoldsEveryCaseThatAClientMeets) {
     bool isFull = false;
     bool isEmpty = false;
     std::size_t mostTracks = 0;
-    for (const auto& [number, disc] : library.GroupsOf(GroupKind::Disc)) {
+    for (const auto& [number, disc] : library.GroupsOf(GroupKind::kDisc)) {
         isUnnamed = isUnnamed || !disc.title;
         isFull = isFull || (disc.title && disc.title->size() == kLongestTitle);
         isEmpty = isEmpty || (disc.title && disc.title->empty());

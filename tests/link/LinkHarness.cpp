@@ -72,10 +72,10 @@ void PrintTo(const Posted& posted, std::ostream* out) {
 
 void ScriptedUnit::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t lastByteUs) {
     const std::string frame(bytes);
-    frames_.push_back({frame, lastByteUs});
+    frames.push_back({frame, lastByteUs});
     std::string answer;
-    const auto scripted = answers_.find(frame);
-    if (scripted == answers_.end()) {
+    const auto scripted = answers.find(frame);
+    if (scripted == answers.end()) {
         answer = DefaultAnswer(frame);
     } else {
         answer = scripted->second.front();
@@ -84,7 +84,7 @@ void ScriptedUnit::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t 
         }
     }
     if (!answer.empty()) {
-        line_->Send(answer, delayUs_);
+        line->Send(answer, delayUs);
     }
 }
 
@@ -117,8 +117,8 @@ std::string ScriptedUnit::DefaultAnswer(const std::string& frame) const {
 
 std::vector<std::string> ScriptedUnit::FrameTexts(std::size_t from) const {
     std::vector<std::string> texts;
-    for (std::size_t i = from; i < frames_.size(); ++i) {
-        const std::string& frame = frames_[i].frame;
+    for (std::size_t i = from; i < frames.size(); ++i) {
+        const std::string& frame = frames[i].frame;
         const std::size_t tail = frame[0] == kDc4 ? 3 : 1;
         texts.push_back(frame.substr(1, frame.size() - 1 - tail));
     }
@@ -127,23 +127,23 @@ std::vector<std::string> ScriptedUnit::FrameTexts(std::size_t from) const {
 
 std::size_t ScriptedUnit::Count(const std::string& frame) const {
     std::size_t count = 0;
-    for (const Sent& sent : frames_) {
+    for (const Sent& sent : frames) {
         count += sent.frame == frame ? 1 : 0;
     }
     return count;
 }
 
 LinkHarness::LinkHarness(ScriptedUnit& scripted) : unit(scripted) {
-    window_ = MakeMessageWindow("LinkHarness", WindowProc);
-    SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    link.SetPaneWindow(window_);
+    window = MakeMessageWindow("LinkHarness", WindowProc);
+    SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    link.SetPaneWindow(window);
     link.SetTitleStore(&store);
 }
 
 LinkHarness::~LinkHarness() {
     link.Disconnect();
     link.SetPaneWindow(nullptr);
-    DestroyWindow(window_);
+    DestroyWindow(window);
 }
 
 LRESULT CALLBACK LinkHarness::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -189,7 +189,7 @@ std::string LinkHarness::Title(GroupId group, TrackNo track) {
 bool LinkHarness::ConnectQuietly() {
     const bool connected = link.Connect("COM1") && WaitForResult(OP_CONNECT);
     posted.clear();
-    framesBefore_ = unit.Frames().size();
+    framesBefore = unit.Frames().size();
     return connected;
 }
 

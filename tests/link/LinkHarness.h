@@ -60,12 +60,12 @@ public:
     void OnBytes(std::string_view bytes, std::uint64_t firstByteUs, std::uint64_t lastByteUs) override;
 
     // What one exact frame is answered with, one answer after the other; the last one stays. An empty answer is silence.
-    void Answer(const std::string& frame, std::vector<std::string> answers) { answers_[frame] = std::move(answers); }
-    void SetDelay(std::uint64_t delayUs) { delayUs_ = delayUs; }
-    void SetLine(SerialLine* line) { line_ = line; }
-    SerialLine& Line() { return *line_; }
+    void Answer(const std::string& frame, std::vector<std::string> inTurn) { answers[frame] = std::move(inTurn); }
+    void SetDelay(std::uint64_t newDelayUs) { delayUs = newDelayUs; }
+    void SetLine(SerialLine* newLine) { line = newLine; }
+    SerialLine& Line() { return *line; }
 
-    const std::vector<Sent>& Frames() const { return frames_; }
+    const std::vector<Sent>& Frames() const { return frames; }
     // The frames in short: their characters without start byte, check field and ETX.
     std::vector<std::string> FrameTexts(std::size_t from = 0) const;
     std::size_t Count(const std::string& frame) const;
@@ -73,10 +73,10 @@ public:
 private:
     std::string DefaultAnswer(const std::string& frame) const;
 
-    SerialLine* line_ = nullptr;
-    std::uint64_t delayUs_ = 1000;
-    std::map<std::string, std::vector<std::string>> answers_;
-    std::vector<Sent> frames_;
+    SerialLine* line = nullptr;
+    std::uint64_t delayUs = 1000;
+    std::map<std::string, std::vector<std::string>> answers;
+    std::vector<Sent> frames;
 };
 
 // The link with its pane's window and its store. Lives on the first thread of a simulation.
@@ -101,7 +101,7 @@ public:
     std::size_t Results() const;
     std::vector<Posted> Progress() const;
     std::uint64_t Now() const { return Simulation::Current()->Now(); }
-    std::vector<std::string> FramesSinceConnect() const { return unit.FrameTexts(framesBefore_); }
+    std::vector<std::string> FramesSinceConnect() const { return unit.FrameTexts(framesBefore); }
     // Empty while nothing was sent since.
     std::string LastFrame() const;
 
@@ -113,8 +113,8 @@ public:
 private:
     static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-    HWND window_ = nullptr;
-    std::size_t framesBefore_ = 0;
+    HWND window = nullptr;
+    std::size_t framesBefore = 0;
 };
 
 // Runs the body as the first thread of a simulation with the unit on COM1, connected to it or not.

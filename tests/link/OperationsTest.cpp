@@ -51,13 +51,13 @@ std::vector<WPARAM> ProgressNumbers(const LinkHarness& run) {
     return numbers;
 }
 
-constexpr DisplayRanges kSmallRanges{.DiscTo = 3, .AlbumTo = 3, .TrackTo = 3};
+constexpr DisplayRanges kSmallRanges{.discTo = 3, .albumTo = 3, .trackTo = 3};
 const std::string kProbe = MapQuery(kMapTracks, kProbeCode);
 
 TEST(GetAll, SkipsTheKindsWhoseRangeIsOff) {
     RunConnected([](LinkHarness& run) {
         DisplayRanges ranges = kSmallRanges;
-        ranges.DiscFrom = ranges.DiscTo = 0;
+        ranges.discFrom = ranges.discTo = 0;
         run.link.SetDisplayRanges(ranges);
         run.unit.Answer(MapQuery(kMapAlbums, 0), {UnitMap({1, 2})});
         ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
@@ -66,7 +66,7 @@ TEST(GetAll, SkipsTheKindsWhoseRangeIsOff) {
         // An Album that is through has another number than a Disc.
         EXPECT_EQ(ProgressNumbers(run), (std::vector<WPARAM>{139265, 401409, 466945, 0x72001}));
 
-        ranges.AlbumFrom = ranges.AlbumTo = 0;
+        ranges.albumFrom = ranges.albumTo = 0;
         run.link.SetDisplayRanges(ranges);
         run.posted.clear();
         ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
@@ -115,7 +115,7 @@ TEST(GetTracks, AsksForTheBitmapWhenTheProbeIsRefused) {
 
 TEST(GetTracks, GoesByTheRangeWhenTheProbeIsAccepted) {
     RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.TrackFrom = 2, .TrackTo = 3});
+        run.link.SetDisplayRanges({.trackFrom = 2, .trackTo = 3});
         run.unit.Answer(kProbe, {UnitBlock("0300")});
         ASSERT_TRUE(run.Ends(run.link.GetGroupTracks(3), OP_GET_TRACKS));
         ASSERT_TRUE(run.link.GetGroupTracks(AlbumGroup(3)));
@@ -127,7 +127,7 @@ TEST(GetTracks, GoesByTheRangeWhenTheProbeIsAccepted) {
                          "52000", "50100302FFFF00000000", "50100520030000000000", "50100520030100000000",
                          "50100520030200000000", "50100520030300000000"}));
 
-        run.link.SetDisplayRanges({.TrackFrom = 0, .TrackTo = 0});
+        run.link.SetDisplayRanges({.trackFrom = 0, .trackTo = 0});
         run.posted.clear();
         ASSERT_TRUE(run.Ends(run.link.GetGroupTracks(4), OP_GET_TRACKS));
         EXPECT_EQ(run.FramesSinceConnect().size(), 12U);
@@ -139,7 +139,7 @@ TEST(GetTracks, OfAllGroupsFillsTheRingAsOftenAsItTakes) {
     RunConnected([](LinkHarness& run) {
         // Three fillings: two hold what forty Discs have.
         constexpr GroupId kReadDiscs = 41;
-        run.link.SetDisplayRanges({.DiscTo = kReadDiscs, .AlbumFrom = 0, .AlbumTo = 0});
+        run.link.SetDisplayRanges({.discTo = kReadDiscs, .albumFrom = 0, .albumTo = 0});
         run.unit.Answer(kProbe, {UnitBlock("0300")});
         EXPECT_TRUE(run.Ends(run.link.GetGroupTracks(0), OP_GET_TRACKS, 3600 * 1000));
         for (GroupId disc = 1; disc <= kReadDiscs; ++disc) {
@@ -187,7 +187,7 @@ TEST(SendGroup, WritesTheEditsAndReadsTheGroupTitlesBack) {
 
 TEST(GetGroup, OfAllGroupsKeepsToTheRangesAtBothEnds) {
     RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.DiscFrom = 2, .DiscTo = 4, .AlbumFrom = 2, .AlbumTo = 4});
+        run.link.SetDisplayRanges({.discFrom = 2, .discTo = 4, .albumFrom = 2, .albumTo = 4});
         run.store.StoreReceived(3, 0, "known");
         run.store.StoreReceived(AlbumGroup(2), 0, "known");
         ASSERT_TRUE(run.Ends(run.link.GetOneGroup(0), OP_GET_GROUP));
@@ -198,7 +198,7 @@ TEST(GetGroup, OfAllGroupsKeepsToTheRangesAtBothEnds) {
 
 TEST(SendAll, KeepsToTheRangesAtBothEnds) {
     RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.DiscFrom = 2, .DiscTo = 4, .AlbumFrom = 2, .AlbumTo = 4, .TrackFrom = 2, .TrackTo = 4});
+        run.link.SetDisplayRanges({.discFrom = 2, .discTo = 4, .albumFrom = 2, .albumTo = 4, .trackFrom = 2, .trackTo = 4});
         run.store.StoreReceived(3, 0, "its tracks can be edited");
         for (int number = 1; number <= 5; ++number) {
             run.Edit(number, 0, "Disc " + std::to_string(number));
@@ -243,7 +243,7 @@ TEST(SendAll, ForgetsNothingWithoutDiscsAndSendsNothingWithoutTracks) {
         run.link.SetDisplayRanges(ranges);
         // What the maps of this fetch have planned is none of the send's business.
         ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
-        ranges.DiscFrom = ranges.DiscTo = 0;
+        ranges.discFrom = ranges.discTo = 0;
         run.link.SetDisplayRanges(ranges);
         run.store.EditTitle(AlbumGroup(1), 0, "new");
         std::size_t before = run.FramesSinceConnect().size();
@@ -254,7 +254,7 @@ TEST(SendAll, ForgetsNothingWithoutDiscsAndSendsNothingWithoutTracks) {
         EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 0));
 
         ranges = kSmallRanges;
-        ranges.TrackFrom = ranges.TrackTo = 0;
+        ranges.trackFrom = ranges.trackTo = 0;
         run.link.SetDisplayRanges(ranges);
         before = run.FramesSinceConnect().size();
         run.posted.clear();
@@ -266,7 +266,7 @@ TEST(SendAll, ForgetsNothingWithoutDiscsAndSendsNothingWithoutTracks) {
 
 TEST(SendAll, FillsTheRingAsOftenAsItTakes) {
     RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.AlbumFrom = 0, .AlbumTo = 0});
+        run.link.SetDisplayRanges({.albumFrom = 0, .albumTo = 0});
         constexpr GroupId kEditedDiscs = 31;
         for (GroupId disc = 1; disc <= kEditedDiscs; ++disc) {
             for (TrackNo track = 0; track <= kTracks; ++track) {
@@ -364,7 +364,7 @@ TEST(SendAll, KeepsToTheRangesThatItBeganWith) {
             run.Edit(group, 0, "new");
         }
         ASSERT_TRUE(run.link.SendAllTitles());
-        run.link.SetDisplayRanges({.DiscFrom = 0, .DiscTo = 0});
+        run.link.SetDisplayRanges({.discFrom = 0, .discTo = 0});
         ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
         EXPECT_EQ(TimesSent(run, "new"), 2);
         EXPECT_FALSE(run.link.GetOneGroup(1));
@@ -375,8 +375,8 @@ TEST(SendAll, TakesRangesFromAnywhere) {
     RunConnected([](LinkHarness& run) {
         run.Edit(999, 0, "new");
         DisplayRanges wild;
-        wild.DiscFrom = wild.AlbumFrom = wild.TrackFrom = -5;
-        wild.DiscTo = wild.AlbumTo = wild.TrackTo = 2'000'000'000;
+        wild.discFrom = wild.albumFrom = wild.trackFrom = -5;
+        wild.discTo = wild.albumTo = wild.trackTo = 2'000'000'000;
         run.link.SetDisplayRanges(wild);
         ASSERT_TRUE(run.Ends(run.link.SendAllTitles(), OP_SEND_GROUP));
         EXPECT_FALSE(run.store.IsEdited(999, 0));
@@ -387,7 +387,7 @@ TEST(SendAll, KeepsAnEditedTrackOutsideTheRangeWithinReach) {
     RunConnected([](LinkHarness& run) {
         run.Edit(1, 0, "new");
         run.Edit(1, 5, "typed");
-        run.link.SetDisplayRanges({.TrackTo = 3});
+        run.link.SetDisplayRanges({.trackTo = 3});
         // The read-back breaks off.
         run.unit.Answer(MapQuery(kMapDiscs, 0), {""});
         ASSERT_TRUE(run.Ends(run.link.SendAllTitles(), ResultOf(OP_SEND_ALL, RC_MAP, ST_TIMEOUT)));

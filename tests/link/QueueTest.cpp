@@ -209,14 +209,14 @@ TEST(Starting, RefusesGroupsOutsideTheRangesAndLetsWhatRunsGoOn) {
         EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
 
         DisplayRanges ranges;
-        ranges.DiscFrom = ranges.DiscTo = 0;
+        ranges.discFrom = ranges.discTo = 0;
         run.link.SetDisplayRanges(ranges);
         EXPECT_FALSE(run.link.GetOneGroup(5));
         EXPECT_TRUE(run.link.GetOneGroup(1005));
-        ranges.DiscFrom = 10;
-        ranges.DiscTo = 20;
-        ranges.AlbumFrom = 1;
-        ranges.AlbumTo = 1;
+        ranges.discFrom = 10;
+        ranges.discTo = 20;
+        ranges.albumFrom = 1;
+        ranges.albumTo = 1;
         run.link.SetDisplayRanges(ranges);
         EXPECT_FALSE(run.link.GetOneGroup(9));
         EXPECT_TRUE(run.link.GetOneGroup(10));

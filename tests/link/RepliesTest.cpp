@@ -95,7 +95,7 @@ TEST(Maps, OfAnotherLengthAreAskedForAgainWithoutAWord) {
 
 TEST(Maps, GiveWhatLiesInTheRangeAndIsNotKnown) {
     RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.DiscFrom = 2, .DiscTo = 4, .AlbumFrom = 999, .AlbumTo = 999});
+        run.link.SetDisplayRanges({.discFrom = 2, .discTo = 4, .albumFrom = 999, .albumTo = 999});
         run.store.StoreReceived(3, 0, "known");
         run.unit.Answer(MapQuery(kMapDiscs, 0), {UnitMap({1, 2, 3, 4, 5, 1000})});
         run.unit.Answer(MapQuery(kMapAlbums, 0), {UnitMap({1, 998, 999, 1000})});
@@ -239,7 +239,7 @@ TEST(StrayFrames, ThatUseUpAReadEndTheStep) {
 
 TEST(StrayFrames, ThatUseUpAReadDoNotFileItsTitleUnderTheNextNumber) {
     RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.DiscTo = 3, .AlbumFrom = 0, .AlbumTo = 0});
+        run.link.SetDisplayRanges({.discTo = 3, .albumFrom = 0, .albumTo = 0});
         run.unit.Answer(TitleRead(kKindDisc, 1, 0), {kStray});
         // The unit answers in the order in which it was asked, if late.
         run.unit.Answer(TitleRead(kKindDisc, 2, 0), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});

@@ -30,8 +30,8 @@ public:
 
     void OnReceive(char*& chunk, DWORD length) override {
         {
-            LockGuard lock(lock_);
-            chunks_.emplace_back(chunk, length);
+            LockGuard guard(lock);
+            chunks.emplace_back(chunk, length);
             terminated = terminated && chunk[length] == '\0';
             if (takesOver) {
                 taken.push_back(chunk);
@@ -42,8 +42,8 @@ public:
     }
 
     std::vector<std::string> Chunks() const {
-        LockGuard lock(lock_);
-        return chunks_;
+        LockGuard guard(lock);
+        return chunks;
     }
 
     // Waits until all that came is this.
@@ -63,15 +63,15 @@ public:
     std::vector<char*> taken;             // for the test to look at once the reader has ended
 
 private:
-    mutable CriticalSection lock_;
-    std::vector<std::string> chunks_;
+    mutable CriticalSection lock;
+    std::vector<std::string> chunks;
 };
 
 class SerialPortTest : public EndToEndTest {
 protected:
     SerialPortTest() {
-        LinkPort("COM1", first_.Path());
-        LinkPort("COM2", second_.Path());
+        LinkPort("COM1", first.Path());
+        LinkPort("COM2", second.Path());
     }
 
     static bool WriteAll(SerialPort& port, const std::string& bytes) {
@@ -80,8 +80,8 @@ protected:
         return port.Write(bytes.data(), length, written) != FALSE && written == length;
     }
 
-    Terminal first_;
-    Terminal second_;
+    Terminal first;
+    Terminal second;
 };
 
 TEST_F(SerialPortTest, ClosesWhatIsOpenBeforeItOpens) {
@@ -96,7 +96,7 @@ TEST_F(SerialPortTest, ClosesWhatIsOpenBeforeItOpens) {
     ASSERT_TRUE(port.Open("COM2"));
     EXPECT_TRUE(other.Open("COM1"));
     ASSERT_TRUE(port.StartReader());
-    second_.Send("second");
+    second.Send("second");
     EXPECT_TRUE(port.Receives("second"));
 
     EXPECT_FALSE(port.Open("COM5"));
@@ -106,7 +106,7 @@ TEST_F(SerialPortTest, ClosesWhatIsOpenBeforeItOpens) {
 
 TEST_F(SerialPortTest, SetsUpTheLineOrLeavesItAsItWas) {
     // Opened first, since the port keeps everybody else out.
-    const int look = open(first_.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const int look = open(first.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_GE(look, 0);
     const auto speed = [look] {
         termios settings = {};
@@ -138,7 +138,7 @@ TEST_F(SerialPortTest, HasOneReaderHoweverOftenItIsStarted) {
         ASSERT_TRUE(port.StartReader());
     }
     EXPECT_TRUE(WaitUntil([&] { return CountThreads() == withReader; }, kThreadEndLimit)) << CountThreads() - withReader;
-    first_.Send("still read");
+    first.Send("still read");
     EXPECT_TRUE(port.Receives("still read"));
     port.StopReader();
     EXPECT_TRUE(WaitUntil([&] { return CountThreads() == withReader - 1; }, kThreadEndLimit));
@@ -147,7 +147,7 @@ TEST_F(SerialPortTest, HasOneReaderHoweverOftenItIsStarted) {
 
 TEST_F(SerialPortTest, GivesInOneChunkWhatCameWhileTheReceiverWasBusy) {
     // Opened first, since the port keeps everybody else out.
-    const int look = open(first_.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const int look = open(first.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_GE(look, 0);
     const auto arrived = [&] {
         int count = 0;
@@ -157,10 +157,10 @@ TEST_F(SerialPortTest, GivesInOneChunkWhatCameWhileTheReceiverWasBusy) {
     port.held = true;
     ASSERT_TRUE(port.Open("COM1"));
     ASSERT_TRUE(port.StartReader());
-    first_.Send("a");
+    first.Send("a");
     ASSERT_TRUE(port.Receives("a"));
-    first_.Send("bc");
-    first_.Send(std::string("d\0e", 3));
+    first.Send("bc");
+    first.Send(std::string("d\0e", 3));
     ASSERT_TRUE(WaitUntil([&] { return arrived() == 5; })) << arrived();
     port.held = false;
     EXPECT_TRUE(port.Receives(std::string("abcd\0e", 6)));
@@ -174,10 +174,10 @@ TEST_F(SerialPortTest, LetsTheReceiverKeepTheBuffer) {
     port.takesOver = true;
     ASSERT_TRUE(port.Open("COM1"));
     ASSERT_TRUE(port.StartReader());
-    first_.Send("kept");
+    first.Send("kept");
     ASSERT_TRUE(port.Receives("kept"));
     port.takesOver = false;
-    first_.Send("+more");
+    first.Send("+more");
     ASSERT_TRUE(port.Receives("kept+more"));
     port.Close();
     std::string kept;
@@ -196,31 +196,31 @@ TEST_F(SerialPortTest, DoesNothingWhileItIsClosed) {
     EXPECT_FALSE(WriteAll(port, "x"));
     ASSERT_TRUE(port.Open("COM1"));
     EXPECT_TRUE(WriteAll(port, "after the opening"));
-    EXPECT_EQ(first_.Receive(17), "after the opening");
+    EXPECT_EQ(first.Receive(17), "after the opening");
     ASSERT_TRUE(port.StartReader());
     port.Close();
     port.Close();
     EXPECT_FALSE(port.IsOpen());
     EXPECT_FALSE(WriteAll(port, "x"));
-    EXPECT_EQ(first_.Receive(0), "");
+    EXPECT_EQ(first.Receive(0), "");
 }
 
 TEST_F(SerialPortTest, StaysDeadWhenThePeerHasGoneUntilItIsOpenedAnew) {
     RecordingPort port;
     ASSERT_TRUE(port.Open("COM1"));
     ASSERT_TRUE(WriteAll(port, "x"));
-    EXPECT_EQ(first_.Receive(1), "x");
-    first_.Unplug();
+    EXPECT_EQ(first.Receive(1), "x");
+    first.Unplug();
     // Without a reader nobody but the write itself can notice.
     EXPECT_FALSE(WriteAll(port, "y"));
-    LinkPort("COM1", second_.Path());
+    LinkPort("COM1", second.Path());
     EXPECT_FALSE(WriteAll(port, "z"));
     EXPECT_TRUE(port.IsOpen());
     ASSERT_TRUE(port.Open("COM1"));
     EXPECT_TRUE(WriteAll(port, "again"));
-    EXPECT_EQ(second_.Receive(5), "again");
+    EXPECT_EQ(second.Receive(5), "again");
     ASSERT_TRUE(port.StartReader());
-    second_.Send("here");
+    second.Send("here");
     EXPECT_TRUE(port.Receives("here"));
 }
 

@@ -15,18 +15,18 @@ class StepArrowTest : public testing::Test {
 protected:
     void SetUp() override {
         for (int disc = 1; disc <= 30; ++disc) {
-            host_.AddDisc(disc, 0);
+            host.AddDisc(disc, 0);
         }
-        ASSERT_TRUE(host_.Refill(5));
-        SetFocus(host_.Tracks());
+        ASSERT_TRUE(host.Refill(5));
+        SetFocus(host.Tracks());
         ASSERT_TRUE(PumpAll());
         RECT client = {};
-        GetClientRect(list_, &client);
-        inUp_ = {client.right / 2, -10};
-        inDown_ = {client.right / 2, client.bottom + 10};
-        inClient_ = {client.right / 2, client.bottom / 2};
+        GetClientRect(list, &client);
+        inUp = {client.right / 2, -10};
+        inDown = {client.right / 2, client.bottom + 10};
+        inClient = {client.right / 2, client.bottom / 2};
         // A press on the frame reaches the control as well. One that selects a row for it leaves nothing to step from.
-        HWND plain = MakeChild("LISTBOX", LBS_NOTIFY, host_.Main(), 1, 0, 0, 50, 50);
+        HWND plain = MakeChild("LISTBOX", LBS_NOTIFY, host.Main(), 1, 0, 0, 50, 50);
         SendMessageA(plain, LB_INSERTSTRING, 0, reinterpret_cast<LPARAM>("row"));
         SendMessageA(plain, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, static_cast<WORD>(-5)));
         SendMessageA(plain, WM_LBUTTONUP, 0, MAKELPARAM(10, static_cast<WORD>(-5)));
@@ -35,19 +35,19 @@ protected:
         if (selected != LB_ERR) {
             GTEST_SKIP() << "this system's list box selects rows by presses outside of its client area";
         }
-        SetFocus(host_.Tracks());
+        SetFocus(host.Tracks());
         ASSERT_TRUE(PumpAll());
     }
 
     void Send(UINT message, POINT place, WPARAM keys = MK_LBUTTON) {
-        SendMessageA(list_, message, keys, MAKELPARAM(static_cast<WORD>(place.x), static_cast<WORD>(place.y)));
+        SendMessageA(list, message, keys, MAKELPARAM(static_cast<WORD>(place.x), static_cast<WORD>(place.y)));
         Follow();
     }
     // The pane's part: a posted notification makes the list follow.
     void Follow() {
         MSG message;
-        while (PeekMessageA(&message, host_.Pane(), WM_COMMAND, WM_COMMAND, PM_REMOVE) ||
-               PeekMessageA(&message, list_, LB_SETCURSEL, LB_SETCURSEL, PM_REMOVE)) {
+        while (PeekMessageA(&message, host.Pane(), WM_COMMAND, WM_COMMAND, PM_REMOVE) ||
+               PeekMessageA(&message, list, LB_SETCURSEL, LB_SETCURSEL, PM_REMOVE)) {
             DispatchMessageA(&message);
         }
     }
@@ -56,7 +56,7 @@ protected:
         std::string steps;
         for (int tick = 1; tick <= ticks; ++tick) {
             const int before = Row();
-            SendMessageA(list_, WM_TIMER, 0, 0);
+            SendMessageA(list, WM_TIMER, 0, 0);
             Follow();
             if (Row() != before) {
                 steps += std::to_string(tick) + " ";
@@ -64,47 +64,47 @@ protected:
         }
         return steps;
     }
-    int Row() { return host_.groupList.SelectedRow(); }
+    int Row() { return host.groupList.SelectedRow(); }
 
-    ListsHost host_;
-    HWND list_ = host_.Groups();
-    POINT inUp_ = {};
-    POINT inDown_ = {};
-    POINT inClient_ = {};
+    ListsHost host;
+    HWND list = host.Groups();
+    POINT inUp = {};
+    POINT inDown = {};
+    POINT inClient = {};
 };
 
 }  // namespace
 
 TEST_F(StepArrowTest, StepsFasterAndFaster) {
-    Send(WM_LBUTTONDOWN, inDown_);
+    Send(WM_LBUTTONDOWN, inDown);
     EXPECT_EQ(Row(), 5) << "one step at once";
-    EXPECT_EQ(GetCapture(), list_);
-    EXPECT_EQ(GetFocus(), list_);
+    EXPECT_EQ(GetCapture(), list);
+    EXPECT_EQ(GetFocus(), list);
     EXPECT_EQ(StepsIn(27), "16 22 24 25 26 27 ");
-    Send(WM_LBUTTONUP, inDown_, 0);
-    EXPECT_NE(GetCapture(), list_);
+    Send(WM_LBUTTONUP, inDown, 0);
+    EXPECT_NE(GetCapture(), list);
     EXPECT_EQ(StepsIn(20), "");
-    Send(WM_LBUTTONDOWN, inUp_);
+    Send(WM_LBUTTONDOWN, inUp);
     EXPECT_EQ(Row(), 10);
     EXPECT_EQ(StepsIn(16), "16 ") << "from the beginning again";
-    Send(WM_LBUTTONUP, inUp_, 0);
+    Send(WM_LBUTTONUP, inUp, 0);
 }
 
 TEST_F(StepArrowTest, StopsAtTheEndsAndBesideTheArrow) {
-    Send(WM_LBUTTONDOWN, inUp_);
-    Send(WM_MOUSEMOVE, inClient_);
+    Send(WM_LBUTTONDOWN, inUp);
+    Send(WM_MOUSEMOVE, inClient);
     EXPECT_EQ(StepsIn(30), "") << "the pointer has left the arrow";
-    Send(WM_MOUSEMOVE, inUp_);
+    Send(WM_MOUSEMOVE, inUp);
     EXPECT_EQ(StepsIn(3), "1 2 3 ") << "the time went on meanwhile";
     EXPECT_EQ(Row(), 0);
     EXPECT_EQ(StepsIn(5), "");
-    Send(WM_LBUTTONUP, inUp_, 0);
+    Send(WM_LBUTTONUP, inUp, 0);
     EXPECT_EQ(Row(), 0);
-    Send(WM_LBUTTONUP, inClient_, 0);
-    EXPECT_EQ(host_.groupList.OwnsEditor(nullptr), 0) << "no click";
+    Send(WM_LBUTTONUP, inClient, 0);
+    EXPECT_EQ(host.groupList.OwnsEditor(nullptr), 0) << "no click";
 
     // Above the arrow and on the left band there is nothing to press.
-    const POINT aboveArrow = {inUp_.x, -19};
+    const POINT aboveArrow = {inUp.x, -19};
     const POINT leftBand = {-8, 40};
     for (const POINT& place : {aboveArrow, leftBand}) {
         Send(WM_LBUTTONDOWN, place);
@@ -115,36 +115,36 @@ TEST_F(StepArrowTest, StopsAtTheEndsAndBesideTheArrow) {
 }
 
 TEST_F(StepArrowTest, APressClosesTheEditor) {
-    SetFocus(list_);
-    ASSERT_EQ(host_.groupList.BeginEdit(), 1);
+    SetFocus(list);
+    ASSERT_EQ(host.groupList.BeginEdit(), 1);
     SetWindowTextA(GetFocus(), "By the arrow");
-    Send(WM_LBUTTONDOWN, inDown_);
+    Send(WM_LBUTTONDOWN, inDown);
     ASSERT_TRUE(PumpAll());
-    Send(WM_LBUTTONUP, inDown_, 0);
-    EXPECT_EQ(TitleOf(host_.store, 5, 0), "By the arrow");
+    Send(WM_LBUTTONUP, inDown, 0);
+    EXPECT_EQ(TitleOf(host.store, 5, 0), "By the arrow");
     EXPECT_EQ(Row(), 5);
 }
 
 TEST_F(StepArrowTest, APressBesideTheArrowsEndsAStepThatNobodyEnded) {
-    Send(WM_LBUTTONDOWN, inDown_);
+    Send(WM_LBUTTONDOWN, inDown);
     EXPECT_EQ(Row(), 5);
     // The release went to another window; the next press is on the left band.
     ReleaseCapture();
     const POINT leftBand = {-8, 40};
     Send(WM_LBUTTONDOWN, leftBand);
-    Send(WM_MOUSEMOVE, inDown_);
+    Send(WM_MOUSEMOVE, inDown);
     EXPECT_EQ(StepsIn(40), "");
-    Send(WM_LBUTTONUP, inDown_, 0);
+    Send(WM_LBUTTONUP, inDown, 0);
     EXPECT_EQ(Row(), 5);
 }
 
 TEST_F(StepArrowTest, AnEmptyListHasNowhereToGo) {
-    host_.store.ResetAll();
-    ASSERT_TRUE(host_.Refill(1));
-    Send(WM_LBUTTONDOWN, inDown_);
-    EXPECT_EQ(GetCapture(), list_);
+    host.store.ResetAll();
+    ASSERT_TRUE(host.Refill(1));
+    Send(WM_LBUTTONDOWN, inDown);
+    EXPECT_EQ(GetCapture(), list);
     EXPECT_EQ(StepsIn(20), "");
-    Send(WM_LBUTTONUP, inDown_, 0);
+    Send(WM_LBUTTONUP, inDown, 0);
 }
 
 // --- What the frame looks like: letters for colours, in window coordinates

@@ -24,17 +24,17 @@ CTitleList* ListOf(UINT id) {
 
 ListsHost::ListsHost() {
     host = this;
-    main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400);
-    pane_ = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_PANE), main_, PaneProc, 0);
+    main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400);
+    pane = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_PANE), main, PaneProc, 0);
     RECT client = {};
-    GetClientRect(main_, &client);
-    MoveWindow(pane_, 0, 0, client.right, client.bottom, TRUE);
-    ShowWindow(pane_, SW_SHOW);
+    GetClientRect(main, &client);
+    MoveWindow(pane, 0, 0, client.right, client.bottom, TRUE);
+    ShowWindow(pane, SW_SHOW);
     for (CTitleList* list : {static_cast<CTitleList*>(&groupList), static_cast<CTitleList*>(&trackList)}) {
         EXPECT_EQ(list->StartWorker(), 1);
     }
-    EXPECT_EQ(groupList.AttachDlgItem(pane_, IDC_GROUP_LIST), 1);
-    EXPECT_EQ(trackList.AttachDlgItem(pane_, IDC_TRACK_LIST), 1);
+    EXPECT_EQ(groupList.AttachDlgItem(pane, IDC_GROUP_LIST), 1);
+    EXPECT_EQ(trackList.AttachDlgItem(pane, IDC_TRACK_LIST), 1);
     groupList.SetStore(&store);
     trackList.SetStore(&store);
     groupList.ForgetSelection();
@@ -45,8 +45,8 @@ ListsHost::ListsHost() {
     const int height = client.bottom - kListTop;
     SetWindowPos(Groups(), HWND_TOP, kListLeft, kListTop, width, height, SWP_FRAMECHANGED | SWP_SHOWWINDOW);
     SetWindowPos(Tracks(), HWND_TOP, kListLeft + width - 1, kListTop, width, height, SWP_FRAMECHANGED | SWP_SHOWWINDOW);
-    ShowWindow(main_, SW_SHOW);
-    EXPECT_TRUE(BringForward(main_));
+    ShowWindow(main, SW_SHOW);
+    EXPECT_TRUE(BringForward(main));
     EXPECT_TRUE(PumpAll());
 }
 
@@ -54,7 +54,7 @@ ListsHost::~ListsHost() {
     groupList.SetStore(nullptr);
     trackList.SetStore(nullptr);
     groupList.SetTrackList(nullptr);
-    DestroyWindow(main_);
+    DestroyWindow(main);
     host = nullptr;
 }
 
@@ -76,14 +76,14 @@ bool ListsHost::Settle() {
 }
 
 INT_PTR CALLBACK ListsHost::PaneProc(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
-    return host != nullptr && host->pane_ != nullptr ? host->OnPane(message, wParam, lParam) : FALSE;
+    return host != nullptr && host->pane != nullptr ? host->OnPane(message, wParam, lParam) : FALSE;
 }
 
 INT_PTR ListsHost::OnPane(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_DRAWITEM: {
             const auto& item = *reinterpret_cast<DRAWITEMSTRUCT*>(lParam);
-            SendMessageA(GetDlgItem(pane_, static_cast<int>(item.CtlID)), WM_DRAWITEM, 0, lParam);
+            SendMessageA(GetDlgItem(pane, static_cast<int>(item.CtlID)), WM_DRAWITEM, 0, lParam);
             return FALSE;
         }
         case WM_MEASUREITEM: {

@@ -32,10 +32,10 @@ public:
     static std::string Rows(HWND list) { return RowsOf(list); }
     static int Selected(HWND list) { return SelectedRowOf(list); }
 
-    HWND Main() const { return main_; }
-    HWND Pane() const { return pane_; }
-    HWND Groups() const { return GetDlgItem(pane_, 1000); }
-    HWND Tracks() const { return GetDlgItem(pane_, 1001); }
+    HWND Main() const { return main; }
+    HWND Pane() const { return pane; }
+    HWND Groups() const { return GetDlgItem(pane, 1000); }
+    HWND Tracks() const { return GetDlgItem(pane, 1001); }
 
     TitleStore store;
     CListLeft groupList;
@@ -53,6 +53,6 @@ private:
     static INT_PTR CALLBACK PaneProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
     INT_PTR OnPane(UINT message, WPARAM wParam, LPARAM lParam);
 
-    HWND main_;
-    HWND pane_ = nullptr;
+    HWND main;
+    HWND pane = nullptr;
 };

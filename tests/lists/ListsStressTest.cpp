@@ -28,12 +28,12 @@ unsigned Number(const char* name, unsigned otherwise) {
 // What a thread draws its numbers from.
 class Dice {
 public:
-    explicit Dice(unsigned seed) : engine_(seed) {}
-    int Throw(int sides) { return static_cast<int>(engine_() % static_cast<unsigned>(sides)); }
+    explicit Dice(unsigned seed) : engine(seed) {}
+    int Throw(int sides) { return static_cast<int>(engine() % static_cast<unsigned>(sides)); }
     GroupId Group() { return Throw(4) == 0 ? AlbumGroup(1 + Throw(kSomeAlbums)) : 1 + Throw(kSomeDiscs); }
 
 private:
-    std::mt19937 engine_;
+    std::mt19937 engine;
 };
 
 struct Stress {
@@ -118,9 +118,9 @@ void Act() {
         case 0: list.RequestRefill(all.dice.Group()); break;
         case 1: {
             DisplayRanges ranges;
-            ranges.DiscFrom = 1 + all.dice.Throw(5);
-            ranges.DiscTo = ranges.DiscFrom + all.dice.Throw(kSomeDiscs);
-            ranges.TrackTo = 1 + all.dice.Throw(kSomeTracks);
+            ranges.discFrom = 1 + all.dice.Throw(5);
+            ranges.discTo = ranges.discFrom + all.dice.Throw(kSomeDiscs);
+            ranges.trackTo = 1 + all.dice.Throw(kSomeTracks);
             list.SetDisplayRanges(ranges);
             break;
         }

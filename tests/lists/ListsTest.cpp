@@ -72,13 +72,13 @@ TEST(ListsTest, RangesChooseTheRows) {
         host.AddDisc(number, 5);
         host.AddAlbum(number, 1);
     }
-    const DisplayRanges ranges{.DiscFrom = 2, .DiscTo = 3, .AlbumFrom = 0, .AlbumTo = 0, .TrackFrom = 4, .TrackTo = 4};
+    const DisplayRanges ranges{.discFrom = 2, .discTo = 3, .albumFrom = 0, .albumTo = 0, .trackFrom = 4, .trackTo = 4};
     host.groupList.SetDisplayRanges(ranges);
     host.trackList.SetDisplayRanges(ranges);
     ASSERT_TRUE(host.Refill(5));
     EXPECT_EQ(ListsHost::Rows(host.Groups()), "Dsc|2|Disc 2\nDsc|3|Disc 3\n");
     EXPECT_EQ(ListsHost::Rows(host.Tracks()), "Tr|4|Disc 2, Track 4\n");
-    host.groupList.SetDisplayRanges({.DiscFrom = 0, .DiscTo = 0, .AlbumFrom = 5, .AlbumTo = 999});
+    host.groupList.SetDisplayRanges({.discFrom = 0, .discTo = 0, .albumFrom = 5, .albumTo = 999});
     ASSERT_TRUE(host.Refill(2));
     EXPECT_EQ(ListsHost::Rows(host.Groups()), "Alb|5|Album 5\n");
 }

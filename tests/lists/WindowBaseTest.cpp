@@ -98,27 +98,27 @@ protected:
         native.hInstance = GetModuleHandleA(nullptr);
         native.lpszClassName = "NativeControl";
         RegisterClassExA(&native);
-        parent_ = MakeTestWindow("parent", WS_OVERLAPPEDWINDOW);
-        control_ = CreateWindowExA(0, "NativeControl", "", WS_CHILD, 0, 0, 50, 20, parent_,
-                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(kControl)), native.hInstance, nullptr);
-        ASSERT_NE(control_, nullptr);
+        parent = MakeTestWindow("parent", WS_OVERLAPPEDWINDOW);
+        control = CreateWindowExA(0, "NativeControl", "", WS_CHILD, 0, 0, 50, 20, parent,
+                                  reinterpret_cast<HMENU>(static_cast<INT_PTR>(kControl)), native.hInstance, nullptr);
+        ASSERT_NE(control, nullptr);
         TakeStory();
     }
     void TearDown() override {
-        DestroyWindow(parent_);
+        DestroyWindow(parent);
         UnregisterClassA("NativeControl", GetModuleHandleA(nullptr));
     }
 
     // What the object and then the control were told.
     std::string Told(UINT message, WPARAM wParam, LPARAM lParam) {
         TakeStory();
-        EXPECT_EQ(SendMessageA(control_, message, wParam, lParam), 4711) << "the result is the control's own";
+        EXPECT_EQ(SendMessageA(control, message, wParam, lParam), 4711) << "the result is the control's own";
         return TakeStory();
     }
 
-    MessageLog log_{{}};
-    HWND parent_ = nullptr;
-    HWND control_ = nullptr;
+    MessageLog log{{}};
+    HWND parent = nullptr;
+    HWND control = nullptr;
 };
 
 // The requests that a parent gets.
@@ -136,12 +136,12 @@ bool KeepRequest(HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT&) {
 TEST_F(WindowBaseTest, AttachesOnce) {
     Control object;
     EXPECT_EQ(object.Attach(), 0) << "to nothing";
-    EXPECT_EQ(object.AttachDlgItem(parent_, kControl + 1), 0);
+    EXPECT_EQ(object.AttachDlgItem(parent, kControl + 1), 0);
     EXPECT_EQ(TakeStory(), "");
-    EXPECT_EQ(object.AttachDlgItem(parent_, kControl), 1);
+    EXPECT_EQ(object.AttachDlgItem(parent, kControl), 1);
     EXPECT_EQ(TakeStory(), "attach\nnative 1024\n") << "the object is not tied to the window yet";
     EXPECT_EQ(object.Attach(), 0);
-    EXPECT_EQ(object.AttachDlgItem(parent_, kControl), 0);
+    EXPECT_EQ(object.AttachDlgItem(parent, kControl), 0);
     EXPECT_EQ(TakeStory(), "");
     object.Detach();
     EXPECT_EQ(Told(WM_USER, 1, 2), "native 1024\n");
@@ -151,7 +151,7 @@ TEST_F(WindowBaseTest, AttachesOnce) {
 
 TEST_F(WindowBaseTest, EachHandlerRunsAheadOfTheControl) {
     Control object;
-    ASSERT_EQ(object.AttachDlgItem(parent_, kControl), 1);
+    ASSERT_EQ(object.AttachDlgItem(parent, kControl), 1);
     const LPARAM place = MAKELPARAM(static_cast<WORD>(-3), 40000);
     EXPECT_EQ(Told(WM_DRAWITEM, 9, 8), "draw 8\nnative 43\n");
     EXPECT_EQ(Told(WM_MEASUREITEM, 9, 8), "measure 8\nnative 44\n");
@@ -172,28 +172,28 @@ TEST_F(WindowBaseTest, EachHandlerRunsAheadOfTheControl) {
     EXPECT_EQ(Told(WM_KEYUP, VK_F4, 1), "native 257\n");
     EXPECT_EQ(Told(WM_USER + 1, 1, 1), "native 1025\n");
 
-    EXPECT_EQ(SendMessageA(control_, WM_GETDLGCODE, 0, 0), 0) << "no special keys, whatever the control would say";
+    EXPECT_EQ(SendMessageA(control, WM_GETDLGCODE, 0, 0), 0) << "no special keys, whatever the control would say";
     EXPECT_EQ(TakeStory(), "");
-    EXPECT_EQ(SendMessageA(control_, WM_NCHITTEST, 77, place), HTTRANSPARENT);
+    EXPECT_EQ(SendMessageA(control, WM_NCHITTEST, 77, place), HTTRANSPARENT);
     EXPECT_EQ(TakeStory(), "native hit test 0 " + std::to_string(place) + "\n");
 }
 
 TEST_F(WindowBaseTest, WindowAndObjectEndTogether) {
     {
         Control object;
-        ASSERT_EQ(object.AttachDlgItem(parent_, kControl), 1);
+        ASSERT_EQ(object.AttachDlgItem(parent, kControl), 1);
         TakeStory();
         object.DestroyNative();
         EXPECT_EQ(TakeStory(), "native destroy\nnative end\n") << "the object hears nothing of it";
-        EXPECT_FALSE(IsWindow(control_));
+        EXPECT_FALSE(IsWindow(control));
         EXPECT_EQ(object.Attach(), 0) << "to what is gone";
     }
     EXPECT_EQ(TakeStory(), "deleted\n");
 
-    HWND button = MakeChild("BUTTON", BS_PUSHBUTTON, parent_, 1, 0, 0, 10, 10);
+    HWND button = MakeChild("BUTTON", BS_PUSHBUTTON, parent, 1, 0, 0, 10, 10);
     {
         WindowBase object;
-        ASSERT_EQ(object.AttachDlgItem(parent_, 1), 1);
+        ASSERT_EQ(object.AttachDlgItem(parent, 1), 1);
     }
     EXPECT_FALSE(IsWindow(button)) << "deleting the object is enough";
 }
@@ -201,13 +201,13 @@ TEST_F(WindowBaseTest, WindowAndObjectEndTogether) {
 TEST_F(WindowBaseTest, AnObjectMayEndWithAWindowThatSomebodyElseDestroys) {
     auto* object = new Control;
     object->deletesItself = true;
-    ASSERT_EQ(object->AttachDlgItem(parent_, kControl), 1);
+    ASSERT_EQ(object->AttachDlgItem(parent, kControl), 1);
     TakeStory();
-    DestroyWindow(control_);
+    DestroyWindow(control);
     const std::string told = TakeStory();
     EXPECT_EQ(told.substr(told.find("end\n")), "end\ndeleted\n" + told.substr(told.find("deleted\n") + 8));
     EXPECT_NE(told.find("deleted\n"), std::string::npos);
-    EXPECT_FALSE(IsWindow(control_));
+    EXPECT_FALSE(IsWindow(control));
 }
 
 TEST_F(WindowBaseTest, TabIsTheObjectsOwnKey) {
@@ -216,10 +216,10 @@ TEST_F(WindowBaseTest, TabIsTheObjectsOwnKey) {
         EXPECT_EQ(object.HandleTabKey(key, TRUE, 1, 0), 1) << key;
         EXPECT_EQ(object.HandleTabKey(key, FALSE, 1, 0), 1) << key;
     }
-    ASSERT_EQ(object.AttachDlgItem(parent_, kControl), 1);
-    HWND first = MakeChild("BUTTON", BS_PUSHBUTTON, parent_, 1, 0, 0, 10, 10);
-    ShowWindow(parent_, SW_SHOW);
-    ASSERT_TRUE(BringForward(parent_));
+    ASSERT_EQ(object.AttachDlgItem(parent, kControl), 1);
+    HWND first = MakeChild("BUTTON", BS_PUSHBUTTON, parent, 1, 0, 0, 10, 10);
+    ShowWindow(parent, SW_SHOW);
+    ASSERT_TRUE(BringForward(parent));
     SetFocus(first);
     EXPECT_EQ(object.HandleTabKey(VK_TAB, FALSE, 1, 0), 0);
     EXPECT_EQ(Told(WM_KEYDOWN, VK_TAB, 1), "native 256\n") << "the control gets the key, OnKeyDown does not";
@@ -231,22 +231,22 @@ class PaneButtonTest : public testing::TestWithParam<PaneRequest> {
 protected:
     void SetUp() override {
         SetMessageHook(KeepRequest);
-        parent_ = MakeTestWindow("parent", WS_OVERLAPPEDWINDOW);
-        control_ = MakeChild("BUTTON", BS_PUSHBUTTON, parent_, kControl, 10, 10, 50, 30);
+        parent = MakeTestWindow("parent", WS_OVERLAPPEDWINDOW);
+        control = MakeChild("BUTTON", BS_PUSHBUTTON, parent, kControl, 10, 10, 50, 30);
         if (GetParam() == UC_SYNC) {
-            button_ = std::make_unique<SyncButton>();
+            button = std::make_unique<SyncButton>();
         } else {
-            button_ = std::make_unique<StopButton>();
+            button = std::make_unique<StopButton>();
         }
-        ASSERT_EQ(button_->AttachDlgItem(parent_, kControl), 1);
-        ShowWindow(parent_, SW_SHOW);
-        ASSERT_TRUE(BringForward(parent_));
+        ASSERT_EQ(button->AttachDlgItem(parent, kControl), 1);
+        ShowWindow(parent, SW_SHOW);
+        ASSERT_TRUE(BringForward(parent));
         ASSERT_TRUE(PumpAll());
         requests.clear();
     }
     void TearDown() override {
-        button_.reset();
-        DestroyWindow(parent_);
+        button.reset();
+        DestroyWindow(parent);
     }
 
     // How many requests come of what the button was just told; all of them are its own.
@@ -259,23 +259,23 @@ protected:
         return own.size();
     }
 
-    MessageLog log_{{}};
-    std::unique_ptr<WindowBase> button_;
-    HWND parent_ = nullptr;
-    HWND control_ = nullptr;
+    MessageLog log{{}};
+    std::unique_ptr<WindowBase> button;
+    HWND parent = nullptr;
+    HWND control = nullptr;
 };
 
 TEST_P(PaneButtonTest, AsksForEachPressOfSpace) {
-    SendMessageA(control_, WM_KEYDOWN, VK_SPACE, 1);
-    SendMessageA(control_, WM_KEYDOWN, VK_SPACE, MAKELPARAM(1, 0x4000));
-    SendMessageA(control_, WM_KEYDOWN, VK_SPACE, MAKELPARAM(1, 0x4000));
+    SendMessageA(control, WM_KEYDOWN, VK_SPACE, 1);
+    SendMessageA(control, WM_KEYDOWN, VK_SPACE, MAKELPARAM(1, 0x4000));
+    SendMessageA(control, WM_KEYDOWN, VK_SPACE, MAKELPARAM(1, 0x4000));
     EXPECT_EQ(Requests(), 3U) << "a key held down repeats";
-    SendMessageA(control_, WM_KEYUP, VK_SPACE, MAKELPARAM(1, 0xC000));
-    SendMessageA(control_, WM_KEYDOWN, VK_RETURN, 1);
-    SendMessageA(control_, WM_KEYUP, VK_RETURN, MAKELPARAM(1, 0xC000));
+    SendMessageA(control, WM_KEYUP, VK_SPACE, MAKELPARAM(1, 0xC000));
+    SendMessageA(control, WM_KEYDOWN, VK_RETURN, 1);
+    SendMessageA(control, WM_KEYUP, VK_RETURN, MAKELPARAM(1, 0xC000));
     EXPECT_EQ(Requests(), 0U);
 
-    SetFocus(control_);
+    SetFocus(control);
     PressKeys({VK_SPACE});
     EXPECT_TRUE(PumpUntil([] { return !requests.empty(); }));
     requests.clear();
@@ -283,9 +283,9 @@ TEST_P(PaneButtonTest, AsksForEachPressOfSpace) {
 
 TEST_P(PaneButtonTest, AsksForAReleaseInside) {
     RECT client = {};
-    GetClientRect(control_, &client);
+    GetClientRect(control, &client);
     const auto release = [&](LONG x, LONG y) {
-        SendMessageA(control_, WM_LBUTTONUP, 0, MAKELPARAM(static_cast<WORD>(x), static_cast<WORD>(y)));
+        SendMessageA(control, WM_LBUTTONUP, 0, MAKELPARAM(static_cast<WORD>(x), static_cast<WORD>(y)));
         return Requests();
     };
     EXPECT_EQ(release(0, 0), 1U) << "it need not have been pressed";
@@ -297,8 +297,8 @@ TEST_P(PaneButtonTest, AsksForAReleaseInside) {
 }
 
 TEST_P(PaneButtonTest, TellsThatItLostTheFocus) {
-    HWND other = MakeChild("BUTTON", BS_PUSHBUTTON, parent_, 1, 100, 10, 50, 30);
-    SetFocus(control_);
+    HWND other = MakeChild("BUTTON", BS_PUSHBUTTON, parent, 1, 100, 10, 50, 30);
+    SetFocus(control);
     ASSERT_TRUE(PumpAll());
     EXPECT_TRUE(requests.empty());
     SetFocus(other);
@@ -306,7 +306,7 @@ TEST_P(PaneButtonTest, TellsThatItLostTheFocus) {
     ASSERT_TRUE(PumpAll());
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests[0].first, UC_FOCUS_LOST);
-    EXPECT_EQ(requests[0].second, Number(control_));
+    EXPECT_EQ(requests[0].second, Number(control));
 }
 
 INSTANTIATE_TEST_SUITE_P(Buttons, PaneButtonTest, testing::Values(UC_SYNC, UC_STOP),

@@ -30,7 +30,7 @@ TEST(Dialogue, NamesRequests) {
 }
 
 TEST(Dialogue, NamesReplies) {
-    const std::string titleReply = BlockReply(SubType::TitleRead, 0, "Low Water                       ");
+    const std::string titleReply = BlockReply(SubType::kTitleRead, 0, "Low Water                       ");
     std::string bitmap(250, '0');
     bitmap[0] = 'F';
     const struct {
@@ -40,12 +40,12 @@ TEST(Dialogue, NamesReplies) {
         {ShortReply(kStatusReply, 0xFE), "StatusReply 0xFE"},
         {ShortReply(kCommandReply, 0), "CommandReply 0x00"},
         {ModelReply("C0071"), "ModelReply \"C0071\""},
-        {BlockReply(SubType::Map, 0, bitmap), "MapReply 4 items"},
-        {BlockReply(SubType::Map, 1), "MapReply refused, result 1"},
-        {BlockReply(SubType::Map, 0), "MapReply accepted"},
+        {BlockReply(SubType::kMap, 0, bitmap), "MapReply 4 items"},
+        {BlockReply(SubType::kMap, 1), "MapReply refused, result 1"},
+        {BlockReply(SubType::kMap, 0), "MapReply accepted"},
         {titleReply, "TitleReadReply \"Low Water\""},
-        {BlockReply(SubType::TitleRead, 2), "TitleReadReply refused, result 2"},
-        {BlockReply(SubType::TitleWrite, 0), "TitleWriteReply accepted"},
+        {BlockReply(SubType::kTitleRead, 2), "TitleReadReply refused, result 2"},
+        {BlockReply(SubType::kTitleWrite, 0), "TitleWriteReply accepted"},
         {titleReply.substr(0, 20), "20 bytes, no sound frame"},
         {titleReply.substr(0, 20) + "x" + titleReply.substr(21), "44 bytes, no sound frame"},
         {std::string("\x14\x03"), "2 bytes, no sound frame"},

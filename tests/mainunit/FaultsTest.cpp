@@ -9,7 +9,7 @@
 namespace mainunit {
 namespace {
 
-const Reply kTitle{BlockReply(SubType::TitleRead, kAccepted, "Low Water                       "), 20};
+const Reply kTitle{BlockReply(SubType::kTitleRead, kAccepted, "Low Water                       "), 20};
 const Reply kStatus{ShortReply(kStatusReply, 0x40), 20};
 
 std::string Joined(const std::vector<Chunk>& chunks) {
@@ -81,7 +81,7 @@ TEST(Faults, LoseAndSilence) {
         longest = std::max(longest, now);
     }
     EXPECT_GT(longest, 10) << "silences span several replies";
-    EXPECT_LT(silent.Count(Faults::Kind::Silence), 1000);
+    EXPECT_LT(silent.Count(Faults::Kind::kSilence), 1000);
 }
 
 TEST(Faults, CorruptOneByteOrTheCheckSum) {
@@ -189,8 +189,8 @@ TEST(Faults, RefuseBlockRepliesAlone) {
     bool second = false;
     for (int round = 0; round < 50; ++round) {
         const std::string bytes = Joined(faults.Apply({kTitle}));
-        first = first || bytes == BlockReply(SubType::TitleRead, 1);
-        second = second || bytes == BlockReply(SubType::TitleRead, 2);
+        first = first || bytes == BlockReply(SubType::kTitleRead, 1);
+        second = second || bytes == BlockReply(SubType::kTitleRead, 2);
         EXPECT_EQ(bytes.size(), 12U);
         EXPECT_EQ(Joined(faults.Apply({kStatus})), kStatus.bytes);
     }

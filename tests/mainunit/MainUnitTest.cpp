@@ -30,11 +30,11 @@ const std::string kWriteRefused = std::string("\x14") + "5004060190\x03";
 
 UnitLibrary SmallLibrary() {
     UnitLibrary library;
-    library.SetTitle({GroupKind::Disc, 1, 0}, "First");
-    library.SetTitle({GroupKind::Disc, 12, 3}, "Low Water");
-    library.Add({GroupKind::Disc, 12, 99});
-    library.SetTitle({GroupKind::Disc, 999, 0}, "");
-    library.SetTitle({GroupKind::Album, 7, 1}, "Track of an album");
+    library.SetTitle({GroupKind::kDisc, 1, 0}, "First");
+    library.SetTitle({GroupKind::kDisc, 12, 3}, "Low Water");
+    library.Add({GroupKind::kDisc, 12, 99});
+    library.SetTitle({GroupKind::kDisc, 999, 0}, "");
+    library.SetTitle({GroupKind::kAlbum, 7, 1}, "Track of an album");
     return library;
 }
 
@@ -42,33 +42,33 @@ UnitLibrary SmallLibrary() {
 class MainUnitTest : public testing::Test {
 protected:
     void Start(const UnitSettings& settings = {}) {
-        unit_.emplace(SmallLibrary(), settings, [this](std::string_view, std::string_view problem) {
+        unit.emplace(SmallLibrary(), settings, [this](std::string_view, std::string_view problem) {
             if (!problem.empty()) {
-                problems_.emplace_back(problem);
+                problems.emplace_back(problem);
             }
         });
     }
 
     // The bytes of the only reply; "none" when there is none.
     std::string Ask(const std::string& bytes) {
-        const std::vector<Reply> replies = unit_->Receive(bytes);
+        const std::vector<Reply> replies = unit->Receive(bytes);
         EXPECT_LE(replies.size(), 1U);
         return replies.empty() ? "none" : replies.front().bytes;
     }
 
-    std::optional<MainUnit> unit_;
-    std::vector<std::string> problems_;
+    std::optional<MainUnit> unit;
+    std::vector<std::string> problems;
 };
 
 TEST_F(MainUnitTest, TellsModelAndStatusWithItsLatency) {
     Start({.menu = 0x01, .latencyMs = 35});
-    const std::vector<Reply> replies = unit_->Receive(kModelQuery + kMenuQuery);
+    const std::vector<Reply> replies = unit->Receive(kModelQuery + kMenuQuery);
     ASSERT_EQ(replies.size(), 2U);
     EXPECT_EQ(replies[0].bytes, std::string("\x12") + "C00530009B\x03");
     EXPECT_EQ(replies[1].bytes, std::string("\x02") + "@05201\x03");
     EXPECT_EQ(replies[1].delayMs, 35);
     EXPECT_EQ(Ask(kStatusQuery), std::string("\x02") + "@05240\x03");
-    EXPECT_TRUE(problems_.empty());
+    EXPECT_TRUE(problems.empty());
 }
 
 TEST_F(MainUnitTest, WalksThroughItsStatusAndWaitsForTheCommandThatAStateNeeds) {
@@ -85,7 +85,7 @@ TEST_F(MainUnitTest, WalksThroughItsStatusAndWaitsForTheCommandThatAStateNeeds) 
     EXPECT_EQ(status(), "40");
     command("BD");
     EXPECT_EQ(status(), "40");
-    unit_->Configure({.status = {0x00}});
+    unit->Configure({.status = {0x00}});
     EXPECT_EQ(status(), "00");
     EXPECT_EQ(status(), "00");
 }
@@ -109,7 +109,7 @@ TEST_F(MainUnitTest, TellsByBitmapWhatExists) {
     expected.replace(0, 2, "20");       // track 3
     expected.replace(2 * 12, 2, "20");  // track 99
     EXPECT_EQ(Ask(BlockFrame("0302001200000000")).substr(9, 250), expected);
-    EXPECT_TRUE(problems_.empty());
+    EXPECT_TRUE(problems.empty());
 }
 
 TEST_F(MainUnitTest, RefusesMapsAsSet) {
@@ -119,7 +119,7 @@ TEST_F(MainUnitTest, RefusesMapsAsSet) {
     EXPECT_EQ(Ask(probe), refused);
     EXPECT_EQ(Ask(BlockFrame("0302001300000000")), refused) << "tracks of a disc that does not exist";
     EXPECT_EQ(Ask(BlockFrame("0302201200000000")), refused) << "there is a disc 12 but no album 12";
-    unit_->Configure({.probeAccepted = true, .refuseMaps = true});
+    unit->Configure({.probeAccepted = true, .refuseMaps = true});
     EXPECT_EQ(Ask(probe), BlockFrame("0300"));
     EXPECT_EQ(Ask(BlockFrame("0300000000000000")), refused);
     EXPECT_EQ(Ask(BlockFrame("0302001200000000")), refused);
@@ -138,18 +138,18 @@ TEST_F(MainUnitTest, ReadsTitles) {
 TEST_F(MainUnitTest, TakesATitleInTwoSteps) {
     Start();
     EXPECT_EQ(Ask(TitleWrite("001203")), kWriteAccepted);
-    EXPECT_FALSE(unit_->TakeChanged());
+    EXPECT_FALSE(unit->TakeChanged());
     EXPECT_EQ(Ask(TitleData("High\xE9 Water\x7F!")), "none");
-    EXPECT_EQ(*unit_->library().Title({GroupKind::Disc, 12, 3}), "High  Water !");
-    EXPECT_TRUE(unit_->TakeChanged());
-    EXPECT_FALSE(unit_->TakeChanged());
+    EXPECT_EQ(*unit->Library().Title({GroupKind::kDisc, 12, 3}), "High  Water !");
+    EXPECT_TRUE(unit->TakeChanged());
+    EXPECT_FALSE(unit->TakeChanged());
 
     EXPECT_EQ(Ask(TitleWrite("001200")), kWriteAccepted) << "an entry without a title can get one";
     EXPECT_EQ(Ask(TitleWrite("001200")), kWriteAccepted) << "a repeated request is no new one";
     Ask(TitleData(std::string(32, 'x')));
-    EXPECT_EQ(*unit_->library().Title({GroupKind::Disc, 12, 0}), std::string(32, 'x'));
-    EXPECT_TRUE(problems_.empty());
-    EXPECT_EQ(unit_->malformed(), 0);
+    EXPECT_EQ(*unit->Library().Title({GroupKind::kDisc, 12, 0}), std::string(32, 'x'));
+    EXPECT_TRUE(problems.empty());
+    EXPECT_EQ(unit->Malformed(), 0);
 }
 
 TEST_F(MainUnitTest, RefusesTitlesThatHaveNoPlace) {
@@ -158,21 +158,21 @@ TEST_F(MainUnitTest, RefusesTitlesThatHaveNoPlace) {
         EXPECT_EQ(Ask(TitleWrite(entry)), kWriteRefused) << entry;
         EXPECT_EQ(Ask(TitleData("lost")), "none");
     }
-    EXPECT_EQ(unit_->malformed(), 4) << "no TitleData may follow a refusal";
+    EXPECT_EQ(unit->Malformed(), 4) << "no TitleData may follow a refusal";
 
     Ask(TitleWrite("000100"));
     Ask(TitleData("kept"));
     Ask(TitleData("doubled"));
-    EXPECT_EQ(unit_->malformed(), 5);
-    EXPECT_EQ(*unit_->library().Title({GroupKind::Disc, 1, 0}), "kept");
+    EXPECT_EQ(unit->Malformed(), 5);
+    EXPECT_EQ(*unit->Library().Title({GroupKind::kDisc, 1, 0}), "kept");
 
-    problems_.clear();
+    problems.clear();
     Ask(TitleWrite("000100"));
     Ask(kMenuQuery);
-    EXPECT_EQ(problems_, std::vector<std::string>{"the accepted TitleWrite of Disc 1 got no TitleData"});
+    EXPECT_EQ(problems, std::vector<std::string>{"the accepted TitleWrite of Disc 1 got no TitleData"});
     Ask(TitleData("too late"));
-    EXPECT_EQ(unit_->malformed(), 6);
-    EXPECT_EQ(*unit_->library().Title({GroupKind::Disc, 1, 0}), "kept");
+    EXPECT_EQ(unit->Malformed(), 6);
+    EXPECT_EQ(*unit->Library().Title({GroupKind::kDisc, 1, 0}), "kept");
 }
 
 TEST_F(MainUnitTest, WritesOnlyWhenReadyIfSetSo) {
@@ -188,15 +188,15 @@ TEST_F(MainUnitTest, LeavesMalformedBytesUnansweredAndGoesOn) {
     Start();
     EXPECT_EQ(Ask("junk" + kMenuQuery.substr(0, 3)), "none");
     EXPECT_EQ(Ask(kMenuQuery), std::string("\x02") + "@052FF\x03");
-    EXPECT_EQ(problems_, (std::vector<std::string>{"bytes outside a frame", "frame without its end"}));
+    EXPECT_EQ(problems, (std::vector<std::string>{"bytes outside a frame", "frame without its end"}));
     // Damage on the line does not cost an accepted write: the client may send the title once more.
     Ask(TitleWrite("000100"));
     std::string damaged = TitleData("damaged");
     damaged[6] = 'X';
     Ask(damaged);
     Ask(TitleData("whole"));
-    EXPECT_EQ(*unit_->library().Title({GroupKind::Disc, 1, 0}), "whole");
-    EXPECT_EQ(unit_->malformed(), 3);
+    EXPECT_EQ(*unit->Library().Title({GroupKind::kDisc, 1, 0}), "whole");
+    EXPECT_EQ(unit->Malformed(), 3);
 }
 
 }  // namespace

@@ -26,41 +26,41 @@ UnitRequest Read(const std::string& frame) {
 }
 
 TEST(UnitRequest, ReadsTheShortFrames) {
-    EXPECT_EQ(Read(Frame(kDc1, "000")).kind, UnitRequest::Kind::ModelQuery);
+    EXPECT_EQ(Read(Frame(kDc1, "000")).kind, UnitRequest::Kind::kModelQuery);
 
     const UnitRequest menu = Read(Frame(kStx, "52060"));
-    EXPECT_EQ(menu.kind, UnitRequest::Kind::StatusQuery);
+    EXPECT_EQ(menu.kind, UnitRequest::Kind::kStatusQuery);
     EXPECT_EQ(menu.code, 0x60);
     EXPECT_EQ(Read(Frame(kStx, "52000")).code, 0x00);
 
     const UnitRequest command = Read(Frame(kStx, "07CBD"));
-    EXPECT_EQ(command.kind, UnitRequest::Kind::UnitCommand);
+    EXPECT_EQ(command.kind, UnitRequest::Kind::kUnitCommand);
     EXPECT_EQ(command.code, 0xBD);
     EXPECT_EQ(Read(Frame(kStx, "07CBE")).code, 0xBE);
 }
 
 TEST(UnitRequest, ReadsMapQueries) {
-    EXPECT_EQ(Read(Frame(kDc4, "50100300000000000000C9")).map, MapKind::Discs);
-    EXPECT_EQ(Read(Frame(kDc4, "50100301000000000000CA")).map, MapKind::Albums);
+    EXPECT_EQ(Read(Frame(kDc4, "50100300000000000000C9")).map, MapKind::kDiscs);
+    EXPECT_EQ(Read(Frame(kDc4, "50100301000000000000CA")).map, MapKind::kAlbums);
     EXPECT_TRUE(Read(Frame(kDc4, "50100302FFFF0000000023")).probe);
 
     const UnitRequest disc = Read(Frame(kDc4, "50100302001200000000CE"));
-    EXPECT_EQ(disc.kind, UnitRequest::Kind::MapQuery);
-    EXPECT_EQ(disc.map, MapKind::Tracks);
+    EXPECT_EQ(disc.kind, UnitRequest::Kind::kMapQuery);
+    EXPECT_EQ(disc.map, MapKind::kTracks);
     EXPECT_FALSE(disc.probe);
-    EXPECT_EQ(disc.entry, (Entry{GroupKind::Disc, 12, 0}));
-    EXPECT_EQ(Read(Frame(kDc4, "50100302212300000000D3")).entry, (Entry{GroupKind::Album, 123, 0}));
+    EXPECT_EQ(disc.entry, (Entry{GroupKind::kDisc, 12, 0}));
+    EXPECT_EQ(Read(Frame(kDc4, "50100302212300000000D3")).entry, (Entry{GroupKind::kAlbum, 123, 0}));
 }
 
 TEST(UnitRequest, ReadsTitleFrames) {
     const UnitRequest track = Read(Frame(kDc4, "50100500120300000000D1"));
-    EXPECT_EQ(track.kind, UnitRequest::Kind::TitleRead);
-    EXPECT_EQ(track.entry, (Entry{GroupKind::Disc, 12, 3}));
-    EXPECT_EQ(Read(Frame(kDc4, "50100520070000000000D4")).entry, (Entry{GroupKind::Album, 7, 0}));
-    EXPECT_EQ(Read(Frame(kDc4, "50100600120300000000D2")).kind, UnitRequest::Kind::TitleWrite);
+    EXPECT_EQ(track.kind, UnitRequest::Kind::kTitleRead);
+    EXPECT_EQ(track.entry, (Entry{GroupKind::kDisc, 12, 3}));
+    EXPECT_EQ(Read(Frame(kDc4, "50100520070000000000D4")).entry, (Entry{GroupKind::kAlbum, 7, 0}));
+    EXPECT_EQ(Read(Frame(kDc4, "50100600120300000000D2")).kind, UnitRequest::Kind::kTitleWrite);
 
     const UnitRequest data = Read(Frame(kDc4, kAbcData));
-    EXPECT_EQ(data.kind, UnitRequest::Kind::TitleData);
+    EXPECT_EQ(data.kind, UnitRequest::Kind::kTitleData);
     EXPECT_EQ(data.text, "abc" + std::string(29, ' '));
 }
 
@@ -120,7 +120,7 @@ TEST(PieceCutter, PutsFramesTogetherAtAnyPartition) {
             pieces.push_back(piece);
         }
         EXPECT_EQ(pieces, (std::vector{first, second})) << "cut at " << cut;
-        EXPECT_EQ(cutter.held(), 0U);
+        EXPECT_EQ(cutter.Held(), 0U);
     }
 }
 
@@ -135,8 +135,8 @@ TEST(PieceCutter, RecoversAndHoldsNoMoreThanAFrame) {
     for (const std::string& piece : cutter.Feed(kDc4 + std::string(100'000, 'x'))) {
         passed += piece.size();
     }
-    EXPECT_EQ(passed + cutter.held(), 100'001U);
-    EXPECT_LE(cutter.held(), 40U);
+    EXPECT_EQ(passed + cutter.Held(), 100'001U);
+    EXPECT_LE(cutter.Held(), 40U);
     EXPECT_EQ(cutter.Feed(query).back(), query);
 }
 

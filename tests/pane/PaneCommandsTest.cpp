@@ -38,7 +38,7 @@ protected:
     bool CanClear() { return IsOffered(IDM_CLEAR); }
     bool CanUndo() { return IsOffered(IDM_UNDO); }
     bool IsOffered(UINT command) {
-        SendMessageA(main_, WM_MENUSELECT, MAKEWPARAM(1, MF_POPUP | MF_HILITE), reinterpret_cast<LPARAM>(GetMenu(main_)));
+        SendMessageA(main, WM_MENUSELECT, MAKEWPARAM(1, MF_POPUP | MF_HILITE), reinterpret_cast<LPARAM>(GetMenu(main)));
         return !IsGrayed(command);
     }
 };
@@ -86,10 +86,10 @@ TEST_F(PaneCommandsTest, AGroupStaysSelectedWhileItsRowIsFilledAnew) {
     Select(2);
     ASSERT_TRUE(Asked("GetGroupTracks 1000\n"));
     // The refresher has just begun.
-    SendMessageA(main_, WM_COMMAND, IDM_STOP, 0);
+    SendMessageA(main, WM_COMMAND, IDM_STOP, 0);
     SendMessageA(Control(IDC_GROUP_LIST), LB_RESETCONTENT, 0, 0);
-    SendMessageA(main_, WM_COMMAND, IDM_STOP, 0);
-    SendMessageA(main_, WM_COMMAND, IDM_SEND_GROUP, 0);
+    SendMessageA(main, WM_COMMAND, IDM_STOP, 0);
+    SendMessageA(main, WM_COMMAND, IDM_SEND_GROUP, 0);
     EXPECT_EQ(scripted::Take(), "StopOperation\nStopOperation\nStopOperation\nSendGroup 1000\n");
     Settle();
     EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Disc 1\nDsc|2|Disc 2\nAlb|1|Album 1\n");
@@ -265,8 +265,8 @@ TEST_F(RangesTest, WrongNumbersAreRefusedPairByPair) {
             << numbers.discs.from << "-" << numbers.discs.to << " " << numbers.albums.from << "-" << numbers.albums.to;
     }
     EXPECT_EQ(scripted::Take(), "") << "nothing has happened";
-    EXPECT_EQ(scripted::Ranges().DiscTo, 999);
-    EXPECT_EQ(scripted::Ranges().TrackTo, 99);
+    EXPECT_EQ(scripted::Ranges().discTo, 999);
+    EXPECT_EQ(scripted::Ranges().trackTo, 99);
     EXPECT_NE(Rows(IDC_GROUP_LIST), "");
 }
 
@@ -279,9 +279,9 @@ TEST_F(RangesTest, TheNumbersReachTheLinkAndTheLists) {
     for (const auto& numbers : cases) {
         EXPECT_EQ(Enter(numbers.discs, numbers.albums, {2, 3}), 0);
         EXPECT_EQ(scripted::Take(), "StopOperation\nGetAllTitles\n");
-        EXPECT_EQ(scripted::Ranges().DiscFrom, numbers.discs.from);
-        EXPECT_EQ(scripted::Ranges().AlbumTo, numbers.albums.to);
-        EXPECT_EQ(scripted::Ranges().TrackFrom, 2);
+        EXPECT_EQ(scripted::Ranges().discFrom, numbers.discs.from);
+        EXPECT_EQ(scripted::Ranges().albumTo, numbers.albums.to);
+        EXPECT_EQ(scripted::Ranges().trackFrom, 2);
         EXPECT_EQ(Rows(IDC_GROUP_LIST), "");
         scripted::PostResult(Pane(), OP_GET_ALL);
         Settle();
@@ -307,5 +307,5 @@ TEST_F(RangesTest, TheNumbersReachTheLinkAndTheLists) {
         EXPECT_EQ(WindowText(GetDlgItem(dialog, IDC_TRACK_TO)), "45");
     });
     Command(IDM_OPTION);
-    EXPECT_EQ(scripted::Ranges().TrackTo, 3);
+    EXPECT_EQ(scripted::Ranges().trackTo, 3);
 }

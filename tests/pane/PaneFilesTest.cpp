@@ -26,8 +26,8 @@ class TestFile {
 public:
     explicit TestFile(const std::string& ending) {
         // Other cases run at the same time.
-        path_ = CurrentFolder() + "\\pane-files-" + std::to_string(GetTickCount()) + '-' +
-                std::to_string(reinterpret_cast<ULONG_PTR>(this)) + ending;
+        path = CurrentFolder() + "\\pane-files-" + std::to_string(GetTickCount()) + '-' +
+               std::to_string(reinterpret_cast<ULONG_PTR>(this)) + ending;
     }
     TestFile(const std::string& ending, const std::string& text) : TestFile(ending) {
         const HANDLE file = CreateFileA(Path(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -39,8 +39,8 @@ public:
     TestFile(const TestFile&) = delete;
     TestFile& operator=(const TestFile&) = delete;
 
-    const char* Path() const { return path_.c_str(); }
-    std::string Name() const { return path_.substr(path_.rfind('\\') + 1); }
+    const char* Path() const { return path.c_str(); }
+    std::string Name() const { return path.substr(path.rfind('\\') + 1); }
 
     // "(none)" if there is no such file.
     std::string Content() const {
@@ -56,7 +56,7 @@ public:
     }
 
 private:
-    std::string path_;
+    std::string path;
 };
 
 }  // namespace

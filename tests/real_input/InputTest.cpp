@@ -15,17 +15,17 @@ namespace {
 class InputTest : public testing::Test {
 protected:
     void SetUp() override {
-        menu_ = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 500, 300, menu_);
-        ShowWindow(main_, SW_SHOW);
-        ASSERT_TRUE(BringForward(main_));
+        menu = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 500, 300, menu);
+        ShowWindow(main, SW_SHOW);
+        ASSERT_TRUE(BringForward(main));
         ASSERT_TRUE(PumpUntil([] { return VisibleWindows("^main$") != ""; }));
         ASSERT_TRUE(PumpUntil([] { return Xdotool("getactivewindow getwindowname", true) == "main\n"; }));
         ASSERT_TRUE(PumpAll());
-        log_.Take();
+        log.Take();
     }
     void TearDown() override {
-        DestroyWindow(main_);
+        DestroyWindow(main);
         PumpAll();
     }
 
@@ -33,29 +33,29 @@ protected:
     void ExpectFrom(const std::string& input, const std::string& lines) {
         Xdotool(input);
         std::string seen;
-        PumpUntil([&] { return (seen += log_.Take()).size() >= lines.size(); }, nullptr, kGestureMs);
+        PumpUntil([&] { return (seen += log.Take()).size() >= lines.size(); }, nullptr, kGestureMs);
         PumpAll();
-        seen += log_.Take();
+        seen += log.Take();
         EXPECT_EQ(seen, lines) << input;
     }
 
     // Serves messages until such a line is there; gives all lines up to it.
     std::string SeenUntil(const std::string& text) {
         std::string seen;
-        EXPECT_TRUE(PumpUntil([&] { return (seen += log_.Take()).find(text) != std::string::npos; })) << seen;
+        EXPECT_TRUE(PumpUntil([&] { return (seen += log.Take()).find(text) != std::string::npos; })) << seen;
         return seen;
     }
 
     static constexpr DWORD kGestureMs = 3000;
-    MessageLog log_{{}};
-    HMENU menu_ = nullptr;
-    HWND main_ = nullptr;
+    MessageLog log{{}};
+    HMENU menu = nullptr;
+    HWND main = nullptr;
 };
 
 }  // namespace
 
 TEST_F(InputTest, Keys) {
-    log_.Record({WM_KEYDOWN, WM_KEYUP, WM_CHAR, WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSCHAR, WM_SYSCOMMAND});
+    log.Record({WM_KEYDOWN, WM_KEYUP, WM_CHAR, WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSCHAR, WM_SYSCOMMAND});
     SetMessageHook([](HWND, UINT message, WPARAM, LPARAM, LRESULT&) { return message == WM_SYSCOMMAND; });
     const auto plain = [](int key) {
         char lines[100];
@@ -87,32 +87,32 @@ TEST_F(InputTest, Keys) {
 }
 
 TEST_F(InputTest, Mouse) {
-    log_.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_MOUSEMOVE, WM_CAPTURECHANGED});
-    PointAt(main_, 40, 50);
+    log.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_MOUSEMOVE, WM_CAPTURECHANGED});
+    PointAt(main, 40, 50);
     SeenUntil("at 40,50");
     ASSERT_TRUE(PumpAll());
-    log_.Take();
+    log.Take();
     ExpectFrom("click 1", Lines({"* main WM_LBUTTONDOWN keys 0x1 at 40,50", "* main WM_LBUTTONUP keys 0x0 at 40,50"}));
     // What is captured hears of the mouse outside, too.
     ExpectFrom("mousedown 1", Lines({"* main WM_LBUTTONDOWN keys 0x1 at 40,50"}));
-    SetCapture(main_);
+    SetCapture(main);
     ExpectFrom("mousemove_relative -- -60 0", Lines({"* main WM_MOUSEMOVE keys 0x1 at 65516,50"}));
     ExpectFrom("mouseup 1", Lines({"* main WM_LBUTTONUP keys 0x0 at 65516,50"}));
     ReleaseCapture();
     Xdotool("mousemove_relative 60 0");
     SeenUntil("at 40,50");
-    log_.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK});
+    log.Record({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK});
     ExpectFrom("keydown shift click 1 keyup shift",
                Lines({"* main WM_LBUTTONDOWN keys 0x5 at 40,50", "* main WM_LBUTTONUP keys 0x4 at 40,50"}));
 }
 
 TEST_F(InputTest, TheMenuByMouse) {
-    log_.Record({WM_ENTERMENULOOP, WM_INITMENUPOPUP, WM_MENUSELECT, WM_COMMAND, WM_EXITMENULOOP});
-    EnableMenuItem(menu_, IDM_IMPORT, MF_BYCOMMAND | MF_ENABLED);
+    log.Record({WM_ENTERMENULOOP, WM_INITMENUPOPUP, WM_MENUSELECT, WM_COMMAND, WM_EXITMENULOOP});
+    EnableMenuItem(menu, IDM_IMPORT, MF_BYCOMMAND | MF_ENABLED);
     // The first popup is at the left end of the bar, right above the client area. The menu has a loop of its own, so the
     // mouse goes on by itself.
     POINT client = {0, 0};
-    ClientToScreen(main_, &client);
+    ClientToScreen(main, &client);
     const auto click = [&](int x, int y) {
         return "mousemove " + std::to_string(client.x + x) + " " + std::to_string(client.y + y) + " click 1 sleep 0.3 ";
     };
@@ -125,11 +125,11 @@ TEST_F(InputTest, TheMenuByMouse) {
 }
 
 TEST_F(InputTest, ControlsUnderRealKeysAndMouse) {
-    log_.Record({WM_COMMAND});
-    HWND button = MakeChild("BUTTON", BS_PUSHBUTTON, main_, 1, 10, 10, 80, 30);
-    HWND edit = MakeChild("EDIT", ES_AUTOHSCROLL, main_, 2, 10, 50, 200, 24);
-    log_.Name(button, "button");
-    log_.Name(edit, "edit");
+    log.Record({WM_COMMAND});
+    HWND button = MakeChild("BUTTON", BS_PUSHBUTTON, main, 1, 10, 10, 80, 30);
+    HWND edit = MakeChild("EDIT", ES_AUTOHSCROLL, main, 2, 10, 50, 200, 24);
+    log.Name(button, "button");
+    log.Name(edit, "edit");
     ASSERT_TRUE(PumpAll());
     PointAt(button, 20, 10);
     Xdotool("click 1");
@@ -153,9 +153,9 @@ protected:
     void SetUp() override {
         InputTest::SetUp();
         const std::string outputs = (theScreen->Folder() / "other").string();
-        other_ = std::make_unique<Process>("xmessage", std::vector<std::string>{"-name", "elsewhere", "elsewhere"}, outputs);
+        other = std::make_unique<Process>("xmessage", std::vector<std::string>{"-name", "elsewhere", "elsewhere"}, outputs);
         ASSERT_TRUE(PumpUntil([] { return VisibleWindows(kElsewhere) != ""; }));
-        ASSERT_TRUE(BringForward(main_));
+        ASSERT_TRUE(BringForward(main));
         ComeBack();
     }
 
@@ -165,75 +165,75 @@ protected:
     }
     void ComeBack() {
         Xdotool("search --name '^main$' windowactivate");
-        ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_ && IsInFront(); }) && PumpAll());
+        ASSERT_TRUE(PumpUntil([&] { return GetActiveWindow() == main && IsInFront(); }) && PumpAll());
     }
     static bool IsInFront() { return Xdotool("getactivewindow getwindowname", true) == "main\n"; }
 
     static constexpr char kElsewhere[] = "^elsewhere$|^xmessage$";
 
 private:
-    std::unique_ptr<Process> other_;
+    std::unique_ptr<Process> other;
 };
 
 TEST_F(ElsewhereTest, AKeyThatGoesUpThereIsUp) {
-    log_.Record({WM_SYSKEYDOWN, WM_KEYDOWN, WM_CHAR, WM_SYSCHAR});
+    log.Record({WM_SYSKEYDOWN, WM_KEYDOWN, WM_CHAR, WM_SYSCHAR});
     ExpectFrom("keydown alt", Lines({"* main WM_SYSKEYDOWN 0x12"}));
     GoElsewhere();
     Xdotool("keyup alt");
     ComeBack();
-    log_.Take();
+    log.Take();
     ExpectFrom("key a", Lines({"* main WM_KEYDOWN 0x41", "* main WM_CHAR 0x61"}));
 }
 
 // The user who types there must not be interrupted.
 TEST_F(ElsewhereTest, AFocusThatIsSetMeanwhileWaits) {
-    HWND edit = MakeTestWindow("edit", WS_CHILD | WS_VISIBLE, main_, 200, 30, nullptr);
+    HWND edit = MakeTestWindow("edit", WS_CHILD | WS_VISIBLE, main, 200, 30, nullptr);
     GoElsewhere();
     SetFocus(edit);
     EXPECT_FALSE(PumpUntil([] { return IsInFront(); }, nullptr, 500));
     EXPECT_EQ(GetFocus(), edit);
     ComeBack();
-    log_.Record({WM_KEYDOWN});
+    log.Record({WM_KEYDOWN});
     ExpectFrom("key a", Lines({"* edit WM_KEYDOWN 0x41"}));
     EXPECT_EQ(GetFocus(), edit);
 }
 
 TEST_F(ElsewhereTest, ABoxThatComesUpMeanwhileHasTheKeysOnReturn) {
     GoElsewhere();
-    HWND box = MakeTestWindow("box", WS_POPUP | WS_CAPTION, main_, 200, 100);
-    EnableWindow(main_, FALSE);
+    HWND box = MakeTestWindow("box", WS_POPUP | WS_CAPTION, main, 200, 100);
+    EnableWindow(main, FALSE);
     ShowWindow(box, SW_SHOW);
     ASSERT_TRUE(PumpUntil([] { return VisibleWindows("^box$") != ""; }) && PumpAll());
     Xdotool("search --name '^main$' windowactivate");
     EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == box; }));
     EXPECT_TRUE(PumpUntil([] { return Xdotool("getactivewindow getwindowname", true) == "box\n"; }) && PumpAll());
-    log_.Record({WM_KEYDOWN});
+    log.Record({WM_KEYDOWN});
     ExpectFrom("key a", Lines({"* box WM_KEYDOWN 0x41"}));
-    EnableWindow(main_, TRUE);
+    EnableWindow(main, TRUE);
     DestroyWindow(box);
-    EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == main_ && IsInFront(); }));
+    EXPECT_TRUE(PumpUntil([&] { return GetActiveWindow() == main && IsInFront(); }));
 }
 
 TEST_F(InputTest, TheWindowManager) {
-    log_.Record({WM_SIZE, WM_ACTIVATE, WM_SYSCOMMAND});
+    log.Record({WM_SIZE, WM_ACTIVATE, WM_SYSCOMMAND});
     Xdotool("getactivewindow windowminimize");
     SeenUntil("WM_SIZE kind 1, 0x0");
-    EXPECT_TRUE(PumpUntil([&] { return IsIconic(main_) && GetActiveWindow() == nullptr; }));
+    EXPECT_TRUE(PumpUntil([&] { return IsIconic(main) && GetActiveWindow() == nullptr; }));
     Xdotool("search --name '^main$' windowactivate");
     SeenUntil("WM_SIZE kind 0, ");
-    EXPECT_TRUE(PumpUntil([&] { return !IsIconic(main_) && GetActiveWindow() == main_; }));
+    EXPECT_TRUE(PumpUntil([&] { return !IsIconic(main) && GetActiveWindow() == main; }));
     // The close box, or the key that the window manager has for it.
     SetMessageHook([](HWND, UINT message, WPARAM, LPARAM, LRESULT&) { return message == WM_CLOSE; });
     Xdotool("key alt+F4");
     SeenUntil("WM_SYSCOMMAND 0xF060");
-    EXPECT_TRUE(IsWindowVisible(main_));
+    EXPECT_TRUE(IsWindowVisible(main));
     // Moved and sized by the user.
     Xdotool("getactivewindow windowsize 400 250 getactivewindow windowmove 200 150");
     EXPECT_TRUE(PumpUntil([&] {
         RECT client = {};
         POINT corner = {0, 0};
-        GetClientRect(main_, &client);
-        ClientToScreen(main_, &corner);
+        GetClientRect(main, &client);
+        ClientToScreen(main, &corner);
         return client.right == 400 && corner.x >= 200 && corner.x < 210;
     }));
 }

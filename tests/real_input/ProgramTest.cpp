@@ -13,7 +13,7 @@ class FrontTest : public ProgramTest {
 protected:
     void SetUp() override {
         std::string error;
-        EXPECT_TRUE(library::SaveLibrary(libraryFile_, {}, error)) << error;
+        EXPECT_TRUE(library::SaveLibrary(libraryFile, {}, error)) << error;
         StartTheUnit();
         Start();
     }
@@ -37,7 +37,7 @@ TEST_F(FrontTest, AboutBoxAndClosingQuestion) {
     Xdotool("key alt+f key c");
     ASSERT_TRUE(WaitUntilActive("Tesselia Message"));
     Xdotool("key Return");
-    EXPECT_EQ(program_->End(), 0) << program_->Errors();
+    EXPECT_EQ(program->End(), 0) << program->Errors();
 }
 
 TEST_F(FrontTest, ASecondCopyBringsTheFirstForward) {

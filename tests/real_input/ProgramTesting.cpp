@@ -30,27 +30,27 @@ ProgramTest::ProgramTest() {
 }
 
 void ProgramTest::StartTheUnit(const std::vector<std::string>& options, const std::string& port) {
-    unit_.reset();
-    unit_.reset(new UnitProcess(StartUnit(options, port)));
+    unit.reset();
+    unit.reset(new UnitProcess(StartUnit(options, port)));
 }
 
 void ProgramTest::Start(const std::string& front) {
-    program_ = std::make_unique<Process>(TESSELIA_PROGRAM, std::vector<std::string>{}, NextOutputs("tesselia"));
-    ASSERT_TRUE(WaitUntilActive(front)) << program_->Errors();
+    program = std::make_unique<Process>(TESSELIA_PROGRAM, std::vector<std::string>{}, NextOutputs("tesselia"));
+    ASSERT_TRUE(WaitUntilActive(front)) << program->Errors();
 }
 
 void ProgramTest::End() {
     Xdotool("key alt+F4");
     ASSERT_TRUE(WaitUntilActive("Tesselia Message"));
     Xdotool("key y");
-    EXPECT_EQ(program_->End(kEndLimit), 0) << program_->Errors();
+    EXPECT_EQ(program->End(kEndLimit), 0) << program->Errors();
 }
 
 void ProgramTest::Terminate() {
-    program_->Signal(SIGTERM);
-    EXPECT_NE(program_->End(kEndLimit), Process::kStillRunning);
+    program->Signal(SIGTERM);
+    EXPECT_NE(program->End(kEndLimit), Process::kStillRunning);
 }
 
 std::string ProgramTest::Settings() const {
-    return ReadFile(folder_ / "tesselia" / "registry.ini");
+    return ReadFile(folder / "tesselia" / "registry.ini");
 }

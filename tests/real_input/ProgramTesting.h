@@ -34,6 +34,6 @@ protected:
     // The file that holds them.
     std::string Settings() const;
 
-    std::unique_ptr<UnitProcess> unit_;
-    std::unique_ptr<Process> program_;
+    std::unique_ptr<UnitProcess> unit;
+    std::unique_ptr<Process> program;
 };

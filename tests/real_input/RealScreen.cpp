@@ -40,15 +40,15 @@ class StartLock {
 public:
     StartLock() {
         const std::string name = "tesselia-screen-" + std::to_string(getuid()) + ".lock";
-        file_ = open((std::filesystem::temp_directory_path() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        flock(file_, LOCK_EX);
+        file = open((std::filesystem::temp_directory_path() / name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        flock(file, LOCK_EX);
     }
-    ~StartLock() { close(file_); }
+    ~StartLock() { close(file); }
     StartLock(const StartLock&) = delete;
     StartLock& operator=(const StartLock&) = delete;
 
 private:
-    int file_;
+    int file;
 };
 
 void Die(const char* what) {
@@ -67,34 +67,34 @@ RealScreen::RealScreen() {
         if (Start()) {
             return;
         }
-        std::fprintf(stderr, "The screen did not start:\n%s%s", server_->Errors().c_str(),
-                     manager_ ? manager_->Errors().c_str() : "");
+        std::fprintf(stderr, "The screen did not start:\n%s%s", server->Errors().c_str(),
+                     manager ? manager->Errors().c_str() : "");
     }
     Die("no screen");
 }
 
 bool RealScreen::Start() {
     const std::string path = Folder();
-    manager_.reset();
+    manager.reset();
     const StartLock lock;
     // The server tells its display on standard output once it can be connected to.
-    server_ = std::make_unique<Process>(
+    server = std::make_unique<Process>(
         "Xvfb", std::vector<std::string>{"-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"},
         path + "/server");
-    if (!WaitUntil([&] { return server_->Output().find('\n') != std::string::npos; }, kStartLimit)) {
+    if (!WaitUntil([&] { return server->Output().find('\n') != std::string::npos; }, kStartLimit)) {
         return false;
     }
-    const std::string number = server_->Output();
+    const std::string number = server->Output();
     setenv("DISPLAY", (":" + number.substr(0, number.find('\n'))).c_str(), 1);
-    manager_ = std::make_unique<Process>("openbox", std::vector<std::string>{}, path + "/manager");
+    manager = std::make_unique<Process>("openbox", std::vector<std::string>{}, path + "/manager");
     return WaitUntil(
         [] { return Run("xprop -root _NET_SUPPORTING_WM_CHECK").output.find("window id") != std::string::npos; },
         kStartLimit);
 }
 
 RealScreen::~RealScreen() {
-    manager_.reset();
-    server_.reset();
+    manager.reset();
+    server.reset();
 }
 
 std::string Xdotool(const std::string& arguments, bool mayFail) {

@@ -19,14 +19,14 @@ public:
     RealScreen(const RealScreen&) = delete;
     RealScreen& operator=(const RealScreen&) = delete;
 
-    const std::filesystem::path& Folder() const { return folder_.Path(); }
+    const std::filesystem::path& Folder() const { return folder.Path(); }
 
 private:
     bool Start();
 
-    const TemporaryFolder folder_;
-    std::unique_ptr<Process> server_;
-    std::unique_ptr<Process> manager_;
+    const TemporaryFolder folder;
+    std::unique_ptr<Process> server;
+    std::unique_ptr<Process> manager;
 };
 
 // The one screen, made by main.

@@ -41,11 +41,11 @@ protected:
     // Until nothing has gone over the line for longer than any pause between two requests.
     void WaitUntilQuiet() {
         constexpr auto kQuiet = std::chrono::milliseconds(1200);
-        std::string before = unit_->Dialogue();
+        std::string before = unit->Dialogue();
         auto since = std::chrono::steady_clock::now();
         EXPECT_TRUE(WaitUntil(
             [&] {
-                const std::string now = unit_->Dialogue();
+                const std::string now = unit->Dialogue();
                 const auto time = std::chrono::steady_clock::now();
                 if (now != before || now.find("TitleRead") == std::string::npos) {
                     before = now;
@@ -76,7 +76,7 @@ protected:
         Xdotool("key " + keys);
         ASSERT_TRUE(WaitUntilActive(front));
     }
-    void TypePath(const char* name) { Xdotool("type --delay 20 '" + (folder_ / name).string() + "'"); }
+    void TypePath(const char* name) { Xdotool("type --delay 20 '" + (folder / name).string() + "'"); }
     // A click on the selected row opens its editor at once if the list has just got the focus.
     static void EditFirstGroup(const std::string& text) {
         Click(kStopX, kButtonsY);
@@ -102,9 +102,9 @@ TEST_F(SessionTest, TypedTitlesReachTheUnit) {
     TypeTitle("First & typed");
     TypeTitle("Second typed");
     Click(kSyncX, kButtonsY);
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Harbour, typed"));
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 1, "First & typed"));
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 2, "Second typed"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "Harbour, typed"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 1, "First & typed"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 2, "Second typed"));
     WaitUntilQuiet();
 
     // Undone before it was sent, an edit is nothing.
@@ -112,7 +112,7 @@ TEST_F(SessionTest, TypedTitlesReachTheUnit) {
     Xdotool("key ctrl+u");
     Xdotool("key alt+v key a");
     WaitUntilQuiet();
-    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 0), "Harbour, typed");
+    EXPECT_EQ(TitleOf(GroupKind::kDisc, 1, 0), "Harbour, typed");
 
     // In two groups at once, one of them cleared.
     EditFirstGroup("Once more");
@@ -120,34 +120,34 @@ TEST_F(SessionTest, TypedTitlesReachTheUnit) {
     WaitUntilQuiet();
     Xdotool("key Delete");
     Xdotool("key alt+v key a");
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Once more"));
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 2, 0, ""));
-    EXPECT_EQ(unit_->Complaints(), "");
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "Once more"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 2, 0, ""));
+    EXPECT_EQ(unit->Complaints(), "");
     End();
 }
 
 TEST_F(SessionTest, TransfersByMenu) {
     AddDiscs(20, 70);
     StartWithTitles();
-    const int all = unit_->CountRequests("TitleRead");
+    const int all = unit->CountRequests("TitleRead");
     EXPECT_GT(all, 50);
     Xdotool("key alt+v key 1");
-    ASSERT_TRUE(WaitUntil([&] { return unit_->CountRequests("TitleRead") >= all + 3; }));
+    ASSERT_TRUE(WaitUntil([&] { return unit->CountRequests("TitleRead") >= all + 3; }));
     WaitUntilQuiet();
-    const int group = unit_->CountRequests("TitleRead");
+    const int group = unit->CountRequests("TitleRead");
     EXPECT_LT(group, all + 15) << "one group alone";
     Xdotool("key alt+v key g");
-    ASSERT_TRUE(WaitUntil([&] { return unit_->CountRequests("TitleRead") >= group + 5; }));
+    ASSERT_TRUE(WaitUntil([&] { return unit->CountRequests("TitleRead") >= group + 5; }));
     Xdotool("key alt+v key q");
     WaitUntilQuiet();
-    const int stopped = unit_->CountRequests("TitleRead");
+    const int stopped = unit->CountRequests("TitleRead");
     EXPECT_LT(stopped, group + 40) << "stopped in the middle";
     // Narrower ranges: Disc 20 alone.
     Press("alt+t key o", "Display ranges");
     Xdotool("type --delay 20 '20\t20\t0\t0\t1\t9'");
     Press("Return", kTitle);
     WaitUntilQuiet();
-    EXPECT_LT(unit_->CountRequests("TitleRead"), stopped + 5);
+    EXPECT_LT(unit->CountRequests("TitleRead"), stopped + 5);
     End();
     EXPECT_NE(Settings().find("20"), std::string::npos) << Settings();
 }
@@ -161,14 +161,14 @@ TEST_F(SessionTest, TitlesComeFromFilesAndGoToFiles) {
         Click(kGroupsX, kFirstRowY + row * kRowHeight);
         WaitUntilQuiet();
     }
-    std::ofstream(folder_ / "in.csv") << " 0,\"From \"\"a\"\" file\"\r\n 2,\"Second, too\"\r\n50,\"No such track\"\r\n";
+    std::ofstream(folder / "in.csv") << " 0,\"From \"\"a\"\" file\"\r\n 2,\"Second, too\"\r\n50,\"No such track\"\r\n";
     Press("alt+f key i", kOpen);
     TypePath("in.csv");
     Press("Return", kTitle);
     Click(kSyncX, kButtonsY);
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "From \"a\" file"));
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 2, "Second, too"));
-    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 1), "Low Water");
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "From \"a\" file"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 2, "Second, too"));
+    EXPECT_EQ(TitleOf(GroupKind::kDisc, 1, 1), "Low Water");
     WaitUntilQuiet();
 
     Press("alt+f key e", kSave);
@@ -176,10 +176,10 @@ TEST_F(SessionTest, TitlesComeFromFilesAndGoToFiles) {
     TypePath("out");
     Press("Return", kTitle);
     const std::string written = " 0,\"From \"\"a\"\" file\"\r\n 1,\"Low Water\"\r\n 2,\"Second, too\"\r\n";
-    EXPECT_TRUE(WaitUntil([&] { return ReadFile(folder_ / "out.csv") == written; })) << ReadFile(folder_ / "out.csv");
+    EXPECT_TRUE(WaitUntil([&] { return ReadFile(folder / "out.csv") == written; })) << ReadFile(folder / "out.csv");
 
     // What is no play list changes nothing.
-    std::ofstream(folder_ / "bad.asx") << "no play list";
+    std::ofstream(folder / "bad.asx") << "no play list";
     Press("alt+f key i", kOpen);
     TypePath("bad.asx");
     Press("Return", kError);
@@ -193,7 +193,7 @@ TEST_F(SessionTest, FindsTheUnitOnAnyPort) {
     StartTheUnit({}, "COM3");
     Start();
     WaitUntilQuiet();
-    EXPECT_GT(unit_->CountRequests("TitleRead"), 3);
+    EXPECT_GT(unit->CountRequests("TitleRead"), 3);
     End();
 }
 
@@ -204,37 +204,37 @@ TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
         StartTheUnit(state);
         Start(kError);
         Press("Return", kTitle);
-        EXPECT_EQ(unit_->CountRequests("TitleRead"), 0);
+        EXPECT_EQ(unit->CountRequests("TitleRead"), 0);
         End();
     }
     // Busy for a while is no failure.
     StartTheUnit({"--status", "FE,FF,01,04,FD,40"});
     Start();
     WaitUntilQuiet();
-    EXPECT_GT(unit_->CountRequests("TitleRead"), 3);
+    EXPECT_GT(unit->CountRequests("TitleRead"), 3);
     End();
 }
 
 TEST_F(SessionTest, TypingGoesOnDuringAFetch) {
     library::UnitLibrary library = Saved();
     for (int track = 3; track <= 60; ++track) {
-        library.SetTitle({GroupKind::Disc, 1, track}, "Track " + std::to_string(track));
+        library.SetTitle({GroupKind::kDisc, 1, track}, "Track " + std::to_string(track));
     }
     std::string error;
-    ASSERT_TRUE(library::SaveLibrary(libraryFile_, library, error)) << error;
+    ASSERT_TRUE(library::SaveLibrary(libraryFile, library, error)) << error;
     StartTheUnit();
     Start();
     // The titles of the groups are there, and the tracks of the first are on their way.
-    ASSERT_TRUE(WaitUntil([this] { return unit_->CountRequests("TitleRead") >= 10; }));
+    ASSERT_TRUE(WaitUntil([this] { return unit->CountRequests("TitleRead") >= 10; }));
     Click(kGroupsX, kFirstRowY);
     TypeOver("Typed while tracks arrive");
-    EXPECT_LT(unit_->CountRequests("TitleRead"), 55) << "the fetch has not ended before";
-    EXPECT_TRUE(WaitUntil([this] { return unit_->CountRequests("TitleRead") > 60; })) << "and was not cut off";
+    EXPECT_LT(unit->CountRequests("TitleRead"), 55) << "the fetch has not ended before";
+    EXPECT_TRUE(WaitUntil([this] { return unit->CountRequests("TitleRead") > 60; })) << "and was not cut off";
     WaitUntilQuiet();
     TypeTitle("A track as well");
     Click(kSyncX, kButtonsY);
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Typed while tracks arrive"));
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 1, "A track as well"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "Typed while tracks arrive"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 1, "A track as well"));
     End();
 }
 
@@ -247,8 +247,8 @@ TEST_F(SessionTest, NoUnitAtAllIsTold) {
 TEST_F(SessionTest, AnEditOutlivesTheUnit) {
     StartWithTitles();
     EditFirstGroup("Kept");
-    unit_->Signal(SIGKILL);
-    unit_->End();
+    unit->Signal(SIGKILL);
+    unit->End();
     Click(kSyncX, kButtonsY);
     ASSERT_TRUE(WaitUntilActive(kError)) << "nothing is said to be written";
     Press("Return", kTitle);
@@ -256,7 +256,7 @@ TEST_F(SessionTest, AnEditOutlivesTheUnit) {
     Press("alt+t key c", kMessage);
     Press("Return", kTitle);
     Click(kSyncX, kButtonsY);
-    EXPECT_TRUE(WaitForTitle(GroupKind::Disc, 1, 0, "Kept"));
+    EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "Kept"));
     End();
 }
 
@@ -288,7 +288,7 @@ TEST_F(SessionTest, ClosesInEveryState) {
     AddDiscs(20, 99);
     StartTheUnit();
     Start();
-    ASSERT_TRUE(WaitUntil([&] { return unit_->CountRequests("TitleRead") > 5; }));
+    ASSERT_TRUE(WaitUntil([&] { return unit->CountRequests("TitleRead") > 5; }));
     End();
     // With an open editor, whose text is not sent.
     StartTheUnit();
@@ -298,7 +298,7 @@ TEST_F(SessionTest, ClosesInEveryState) {
     Click(kGroupsX, kFirstRowY);
     Xdotool("type --delay 20 'half a ti'");
     End();
-    EXPECT_EQ(TitleOf(GroupKind::Disc, 1, 0), "Harbour in March");
+    EXPECT_EQ(TitleOf(GroupKind::kDisc, 1, 0), "Harbour in March");
     // With a box that nobody answers.
     StartTheUnit({"--menu"});
     Start(kError);

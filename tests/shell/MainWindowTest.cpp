@@ -40,41 +40,41 @@ TEST_F(MainWindowTest, StartsCentredUnderItsTitle) {
     RECT desktop = {};
     GetWindowRect(GetDesktopWindow(), &desktop);
     RECT rect = {};
-    GetWindowRect(main_, &rect);
+    GetWindowRect(main, &rect);
     const int left = (desktop.right - 600) / 2;
     const int top = (desktop.bottom - 450) / 2;
     EXPECT_EQ(Rect(rect), Rect({left, top, left + 600, top + 450}));
-    EXPECT_EQ(WindowText(main_), Text(IDS_TITLE));
-    const LONG_PTR style = GetWindowLongPtrA(main_, GWL_STYLE);
+    EXPECT_EQ(WindowText(main), Text(IDS_TITLE));
+    const LONG_PTR style = GetWindowLongPtrA(main, GWL_STYLE);
     EXPECT_EQ(style & static_cast<LONG_PTR>(WS_OVERLAPPEDWINDOW), static_cast<LONG_PTR>(WS_OVERLAPPEDWINDOW));
-    EXPECT_NE(GetWindowLongPtrA(main_, GWL_EXSTYLE) & static_cast<LONG_PTR>(WS_EX_CLIENTEDGE), 0);
+    EXPECT_NE(GetWindowLongPtrA(main, GWL_EXSTYLE) & static_cast<LONG_PTR>(WS_EX_CLIENTEDGE), 0);
 }
 
 TEST_F(MainWindowTest, CannotBeMadeSmallerThanItsLeast) {
     MINMAXINFO info = {};
     info.ptMaxSize = {1, 2};
     info.ptMaxTrackSize = {3, 4};
-    EXPECT_EQ(SendMessageA(main_, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info)), 0);
+    EXPECT_EQ(SendMessageA(main, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info)), 0);
     EXPECT_EQ(info.ptMinTrackSize.x, 300);
     EXPECT_EQ(info.ptMinTrackSize.y, 170);
     EXPECT_EQ(info.ptMaxSize.y, 2);
     EXPECT_EQ(info.ptMaxTrackSize.x, 3);
-    MoveWindow(main_, 100, 100, 50, 50, TRUE);
-    EXPECT_TRUE(PumpUntil([this] { return Width(main_) == 300 && Height(main_) == 170; }));
+    MoveWindow(main, 100, 100, 50, 50, TRUE);
+    EXPECT_TRUE(PumpUntil([this] { return Width(main) == 300 && Height(main) == 170; }));
 }
 
 TEST_F(MainWindowTest, GreysWhatCannotBeDoneWheneverAPopupOpens) {
-    HMENU menu = GetMenu(main_);
+    HMENU menu = GetMenu(main);
     for (const UINT command : kAllCommands) {
         EXPECT_FALSE(IsGrayed(command)) << command;
     }
     EnableMenuItem(menu, IDM_OPTION, MF_BYCOMMAND | MF_GRAYED);
-    EXPECT_EQ(SelectMenu(main_, IDM_FONT, MF_HILITE, GetSubMenu(menu, 3)), 0);
+    EXPECT_EQ(SelectMenu(main, IDM_FONT, MF_HILITE, GetSubMenu(menu, 3)), 0);
     EXPECT_TRUE(IsGrayed(IDM_OPTION)) << "the highlight on a command changes nothing";
     for (const bool isTransferring : {false, true}) {
         scripted::StayActive(isTransferring);
-        SendMessageA(main_, WM_COMMAND, IDM_GET_ALL, 0);
-        SelectMenu(main_, 1, MF_POPUP | MF_HILITE, menu);
+        SendMessageA(main, WM_COMMAND, IDM_GET_ALL, 0);
+        SelectMenu(main, 1, MF_POPUP | MF_HILITE, menu);
         for (const UINT command : kAllCommands) {
             const bool needsTitles = command == IDM_UNDO || command == IDM_CLEAR;
             const bool needsIdleLink = command == IDM_IMPORT || command == IDM_EXPORT;
@@ -82,11 +82,11 @@ TEST_F(MainWindowTest, GreysWhatCannotBeDoneWheneverAPopupOpens) {
         }
     }
     // Its key works again once the menu is closed: something may be typed before the next one opens.
-    SelectMenu(main_, 0, 0xFFFF, nullptr);
+    SelectMenu(main, 0, 0xFFFF, nullptr);
     EXPECT_FALSE(IsGrayed(IDM_UNDO));
     // A menu of the message's own, not just the window's.
     HMENU other = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
-    SelectMenu(main_, 0, MF_SEPARATOR, other);
+    SelectMenu(main, 0, MF_SEPARATOR, other);
     EXPECT_NE(GetMenuState(other, IDM_UNDO, MF_BYCOMMAND) & MF_GRAYED, 0U);
     DestroyMenu(other);
 }
@@ -98,9 +98,9 @@ TEST_F(MainWindowTest, TheStatusBarHelpsWithEachCommand) {
     } kLines[] = {{40001, 7101}, {40002, 7102}, {40003, 7103}, {40004, 7104}, {40005, 7105}, {40017, 7108},
                   {40009, 7109}, {40008, 7110}, {40010, 7111}, {40019, 7112}, {40016, 7113}, {40011, 7114},
                   {40018, 7115}, {40012, 7116}, {40013, 7117}, {40014, 7118}};
-    HMENU menu = GetMenu(main_);
+    HMENU menu = GetMenu(main);
     for (const auto& line : kLines) {
-        SelectMenu(main_, line.command, MF_HILITE | MF_GRAYED, menu);
+        SelectMenu(main, line.command, MF_HILITE | MF_GRAYED, menu);
         EXPECT_EQ(BarText(), " " + Text(line.stringId)) << line.command;
         EXPECT_GT(BarText().size(), 2U);
     }
@@ -115,16 +115,16 @@ TEST_F(MainWindowTest, TheStatusBarHelpsWithEachCommand) {
                   {"a command without a menu item", IDM_ENTER, 0, menu},
                   {"the menu has closed", 0, 0xFFFF, nullptr}};
     for (const auto& blank : kBlank) {
-        SelectMenu(main_, IDM_CLOSE, MF_HILITE, menu);
-        SelectMenu(main_, blank.item, blank.flags, blank.menu);
+        SelectMenu(main, IDM_CLOSE, MF_HILITE, menu);
+        SelectMenu(main, blank.item, blank.flags, blank.menu);
         EXPECT_EQ(BarText(), " ") << blank.what;
     }
 }
 
 TEST_F(MainWindowTest, TogglesItsStatusBar) {
-    const auto isChecked = [this] { return (GetMenuState(GetMenu(main_), IDM_STATUS_BAR, MF_BYCOMMAND) & MF_CHECKED) != 0; };
+    const auto isChecked = [this] { return (GetMenuState(GetMenu(main), IDM_STATUS_BAR, MF_BYCOMMAND) & MF_CHECKED) != 0; };
     RECT client = {};
-    GetClientRect(main_, &client);
+    GetClientRect(main, &client);
     const int barHeight = Height(Bar());
     EXPECT_GT(barHeight, 0);
     for (int round = 0; round < 2; ++round) {
@@ -132,16 +132,16 @@ TEST_F(MainWindowTest, TogglesItsStatusBar) {
         EXPECT_TRUE(IsWindowVisible(Bar()));
         EXPECT_EQ(Height(Pane()), client.bottom - barHeight);
         EXPECT_EQ(Width(Pane()), client.right);
-        SendMessageA(main_, WM_COMMAND, IDM_STATUS_BAR, 0);
+        SendMessageA(main, WM_COMMAND, IDM_STATUS_BAR, 0);
         EXPECT_FALSE(isChecked());
         EXPECT_FALSE(IsWindowVisible(Bar()));
         EXPECT_EQ(Height(Pane()), client.bottom) << "at once, without a WM_SIZE";
-        SendMessageA(main_, WM_COMMAND, IDM_STATUS_BAR, 0);
+        SendMessageA(main, WM_COMMAND, IDM_STATUS_BAR, 0);
     }
-    MoveWindow(main_, 60, 60, 500, 300, TRUE);
+    MoveWindow(main, 60, 60, 500, 300, TRUE);
     EXPECT_TRUE(PumpUntil([this] {
         RECT now = {};
-        GetClientRect(main_, &now);
+        GetClientRect(main, &now);
         return Width(Pane()) == now.right && Width(Bar()) == now.right && Height(Pane()) + Height(Bar()) == now.bottom;
     }));
 }
@@ -157,7 +157,7 @@ TEST_F(MainWindowTest, LaysOutThePane) {
                  {503, "2,40 250x260", "251,40 250x260", "120,7 378x26"},
                  {504, "2,40 251x260", "252,40 251x260", "120,7 379x26"}};
     for (const auto& size : cases) {
-        SendMessageA(main_, WM_SIZE, SIZE_RESTORED, MAKELPARAM(size.width, 300 + barHeight));
+        SendMessageA(main, WM_SIZE, SIZE_RESTORED, MAKELPARAM(size.width, 300 + barHeight));
         EXPECT_EQ(PlaceOf(Pane()), "0,0 " + std::to_string(size.width) + "x300");
         EXPECT_EQ(PlaceOf(Control(IDC_SYNC)), "10,5 50x30");
         EXPECT_EQ(PlaceOf(Control(IDC_STOP)), "63,5 50x30");
@@ -196,28 +196,28 @@ TEST_F(MainWindowTest, TheControlThatLostTheFocusGetsItBack) {
         SetFocus(Control(button));
         SetFocus(Control(IDC_GROUP_LIST));
         ASSERT_TRUE(PumpAll());
-        SetFocus(main_);
+        SetFocus(main);
         EXPECT_EQ(GetFocus(), Control(button));
         SetFocus(Control(IDC_TRACK_LIST));
-        EXPECT_EQ(SendMessageA(main_, WM_SETFOCUS, 0, 0), 0);
+        EXPECT_EQ(SendMessageA(main, WM_SETFOCUS, 0, 0), 0);
         EXPECT_EQ(GetFocus(), Control(button)) << "it stays remembered";
     }
 }
 
 TEST_F(MainWindowTest, HelpTopicsOpenOverTheDesktop) {
     std::vector<HelpRequest> requests;
-    help_.onRequest = [&](const HelpRequest& request) {
+    help.onRequest = [&](const HelpRequest& request) {
         requests.push_back(request);
         return nullptr;
     };
-    SendMessageA(main_, WM_COMMAND, IDM_HELP_TOPICS, 0);
-    SendMessageA(main_, WM_COMMAND, 40006, 0);
+    SendMessageA(main, WM_COMMAND, IDM_HELP_TOPICS, 0);
+    SendMessageA(main, WM_COMMAND, 40006, 0);
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests[0].window, GetDesktopWindow());
     EXPECT_EQ(requests[0].file, "Tesselia.chm");
     EXPECT_EQ(requests[0].command, HH_DISPLAY_TOC);
     EXPECT_EQ(requests[0].data, 0U);
-    help_.onRequest = {};
+    help.onRequest = {};
 }
 
 TEST(WindowPlacementTest, TheTaskBarMayStandAtAnyEdge) {

@@ -19,36 +19,36 @@ constexpr char kFontKey[] = R"(SOFTWARE\ORVANE\HDD/CD recorder\Tesselia\Font\)";
 class Key {
 public:
     explicit Key(const char* name) {
-        EXPECT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, name, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key_, nullptr),
+        EXPECT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, name, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
                   ERROR_SUCCESS);
     }
-    ~Key() { RegCloseKey(key_); }
+    ~Key() { RegCloseKey(key); }
     Key(const Key&) = delete;
     Key& operator=(const Key&) = delete;
 
     void Set(const char* name, int number) {
-        RegSetValueExA(key_, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+        RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
     }
     void Set(const char* name, const std::string& text) {
-        RegSetValueExA(key_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                        static_cast<DWORD>(text.size() + 1));
     }
     // Of a value that is not there -1.
     int Number(const char* name) {
         int number = -1;
         DWORD size = sizeof number;
-        return RegQueryValueExA(key_, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&number), &size) == ERROR_SUCCESS
+        return RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&number), &size) == ERROR_SUCCESS
                    ? number
                    : -1;
     }
     DWORD SizeOf(const char* name) {
         DWORD size = 0;
-        RegQueryValueExA(key_, name, nullptr, nullptr, nullptr, &size);
+        RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &size);
         return size;
     }
 
 private:
-    HKEY key_ = nullptr;
+    HKEY key = nullptr;
 };
 
 class SettingsTest : public PaneTest {
@@ -57,7 +57,7 @@ protected:
 
     std::string Place() const {
         RECT rect = {};
-        GetWindowRect(main_, &rect);
+        GetWindowRect(main, &rect);
         return std::to_string(rect.left) + "," + std::to_string(rect.top) + " " + std::to_string(rect.right - rect.left) +
                "x" + std::to_string(rect.bottom - rect.top);
     }
@@ -79,9 +79,9 @@ protected:
 TEST_F(SettingsTest, AFirstRunIsCentredAndShowsEverything) {
     Open();
     EXPECT_EQ(Place(), Centred(600, 450));
-    EXPECT_EQ(scripted::Ranges().DiscFrom, 1);
-    EXPECT_EQ(scripted::Ranges().AlbumTo, 999);
-    EXPECT_EQ(scripted::Ranges().TrackTo, 99);
+    EXPECT_EQ(scripted::Ranges().discFrom, 1);
+    EXPECT_EQ(scripted::Ranges().albumTo, 999);
+    EXPECT_EQ(scripted::Ranges().trackTo, 99);
     LOGFONTA system = {};
     GetObjectA(GetStockObject(SYSTEM_FONT), sizeof system, &system);
     EXPECT_EQ(ListFont().lfHeight, system.lfHeight);
@@ -98,7 +98,7 @@ TEST_F(SettingsTest, ComeBackInTheNextRuns) {
     AddDisc(3, 1);
     AddDisc(7, 2);
     Refill(7);
-    MoveWindow(main_, 40, 60, 510, 380, TRUE);
+    MoveWindow(main, 40, 60, 510, 380, TRUE);
     ASSERT_TRUE(PumpUntil([this] { return Place() == "40,60 510x380"; }));
     LOGFONTA font = ListFont();
     font.lfHeight = -22;
@@ -155,8 +155,8 @@ TEST_F(SettingsTest, WhatIsMissingOrOddTakesItsDefaultAlone) {
         }
         Open();
         EXPECT_EQ(Place(), stored.place);
-        EXPECT_EQ(scripted::Ranges().TrackTo, stored.trackTo);
-        EXPECT_EQ(scripted::Ranges().TrackFrom, 1);
+        EXPECT_EQ(scripted::Ranges().trackTo, stored.trackTo);
+        EXPECT_EQ(scripted::Ranges().trackFrom, 1);
         Close();
     }
     // A value that does not fit counts as missing.
@@ -170,8 +170,8 @@ TEST_F(SettingsTest, WhatIsMissingOrOddTakesItsDefaultAlone) {
         font.Set("FaceName", std::string(60, 'x'));
     }
     Open();
-    EXPECT_EQ(scripted::Ranges().DiscTo, 999);
-    EXPECT_EQ(scripted::Ranges().AlbumTo, 5);
+    EXPECT_EQ(scripted::Ranges().discTo, 999);
+    EXPECT_EQ(scripted::Ranges().albumTo, 5);
     EXPECT_NE(ListFont().lfHeight, -30) << "a font without a name leaves the lists the one that they have";
     Close();
 }
@@ -185,6 +185,6 @@ TEST_F(SettingsTest, ASizeBeyondAllScreensIsNoHarm) {
         key.Set("PosY", -1073741000);
     }
     Open();
-    EXPECT_TRUE(IsWindowVisible(main_));
+    EXPECT_TRUE(IsWindowVisible(main));
     Close();
 }

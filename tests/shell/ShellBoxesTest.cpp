@@ -15,9 +15,9 @@ class AboutBoxTest : public MainWindowTest {
 protected:
     void Run(const std::function<void(HWND)>& look) {
         DialogAnswer answer(Text(IDS_ABOUT_TITLE).c_str(), IDOK, look);
-        SendMessageA(main_, WM_COMMAND, IDM_VERSION_INFO, 0);
+        SendMessageA(main, WM_COMMAND, IDM_VERSION_INFO, 0);
         EXPECT_EQ(FindDialog(Text(IDS_ABOUT_TITLE).c_str()), nullptr);
-        EXPECT_TRUE(IsWindowEnabled(main_));
+        EXPECT_TRUE(IsWindowEnabled(main));
     }
 };
 
@@ -40,34 +40,34 @@ struct Search {
     bool hasEntry = false;
     std::vector<HelpRequest> requests;
 };
-Search* search = nullptr;
+Search* currentSearch = nullptr;
 
 HWND WINAPI AnswerHelp(HWND window, LPCSTR file, UINT command, DWORD_PTR data) {
-    search->requests.push_back({window, file, command, data});
+    currentSearch->requests.push_back({window, file, command, data});
     return window;
 }
 
 HMODULE WINAPI LoadHelp(LPCSTR name) {
-    search->libraries.emplace_back(name);
-    return search->library;
+    currentSearch->libraries.emplace_back(name);
+    return currentSearch->library;
 }
 
 FARPROC WINAPI FindHelp(HMODULE library, LPCSTR name) {
-    EXPECT_EQ(library, search->library);
+    EXPECT_EQ(library, currentSearch->library);
     EXPECT_EQ(name, MAKEINTRESOURCEA(14));
-    ++search->entries;
-    return search->hasEntry ? reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&AnswerHelp)) : nullptr;
+    ++currentSearch->entries;
+    return currentSearch->hasEntry ? reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&AnswerHelp)) : nullptr;
 }
 
 class HtmlHelpCallTest : public testing::Test {
 protected:
     void SetUp() override {
-        search = &search_;
+        currentSearch = &search;
         UseHelpLoader({LoadHelp, FindHelp});
     }
     void TearDown() override { UseHelpLoader({LoadLibraryA, GetProcAddress}); }
 
-    Search search_;
+    Search search;
 };
 
 }  // namespace
@@ -78,8 +78,8 @@ TEST_F(AboutBoxTest, TellsNameVersionAndNotice) {
         EXPECT_EQ(WindowText(GetDlgItem(box, IDC_ABOUT_VERSION)), "Version 1.0.3.0");
         EXPECT_EQ(WindowText(GetDlgItem(box, IDC_ABOUT_NOTICE)), Text(IDS_NOTICE));
         EXPECT_FALSE(Text(IDS_NOTICE).empty());
-        EXPECT_FALSE(IsWindowEnabled(main_));
-        EXPECT_EQ(GetWindow(box, GW_OWNER), main_);
+        EXPECT_FALSE(IsWindowEnabled(main));
+        EXPECT_EQ(GetWindow(box, GW_OWNER), main);
     });
 }
 
@@ -103,7 +103,7 @@ TEST_F(AboutBoxTest, EscapeDoesNothing) {
 TEST_F(AboutBoxTest, EnterEndsIt) {
     boxInFront = nullptr;
     const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, PressEnterInBox);
-    SendMessageA(main_, WM_COMMAND, IDM_VERSION_INFO, 0);
+    SendMessageA(main, WM_COMMAND, IDM_VERSION_INFO, 0);
     KillTimer(nullptr, timer);
     EXPECT_NE(boxInFront, nullptr);
     EXPECT_FALSE(IsWindow(boxInFront));
@@ -135,36 +135,36 @@ TEST(MessageServiceTest, TextsComeByNumber) {
 
 TEST_F(HtmlHelpCallTest, AMachineWithoutHelpIsSearchedOnce) {
     EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
-    const size_t attempts = search_.libraries.size();
+    const size_t attempts = search.libraries.size();
     ASSERT_GE(attempts, 1U);
     EXPECT_LE(attempts, 2U) << "the registered one, if there is one, and the usual name";
-    EXPECT_EQ(search_.libraries.back(), "hhctrl.ocx");
-    EXPECT_EQ(search_.entries, 0);
+    EXPECT_EQ(search.libraries.back(), "hhctrl.ocx");
+    EXPECT_EQ(search.entries, 0);
     for (int call = 1; call <= 3; ++call) {
         EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
-        EXPECT_EQ(search_.libraries.size(), attempts);
-        EXPECT_EQ(search_.entries, call);
+        EXPECT_EQ(search.libraries.size(), attempts);
+        EXPECT_EQ(search.entries, call);
     }
 }
 
 TEST_F(HtmlHelpCallTest, ALibraryWithoutTheEntryIsNoHelp) {
-    search_.library = GetModuleHandleA(nullptr);
+    search.library = GetModuleHandleA(nullptr);
     EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
     EXPECT_EQ(HtmlHelpCall(nullptr, "Tesselia.chm", HH_DISPLAY_TOC, 0), nullptr);
-    EXPECT_EQ(search_.libraries.size(), 1U);
-    EXPECT_EQ(search_.entries, 2);
+    EXPECT_EQ(search.libraries.size(), 1U);
+    EXPECT_EQ(search.entries, 2);
 }
 
 TEST_F(HtmlHelpCallTest, TheViewerIsFoundOnceAndGetsEachCall) {
-    search_.library = GetModuleHandleA(nullptr);
-    search_.hasEntry = true;
+    search.library = GetModuleHandleA(nullptr);
+    search.hasEntry = true;
     HWND desktop = GetDesktopWindow();
     EXPECT_EQ(HtmlHelpCall(desktop, "Tesselia.chm", HH_DISPLAY_TOC, 5), desktop);
     EXPECT_EQ(HtmlHelpCall(nullptr, "Other.chm", HH_CLOSE_ALL, 0), nullptr);
-    EXPECT_EQ(search_.libraries.size(), 1U);
-    EXPECT_EQ(search_.entries, 1);
-    ASSERT_EQ(search_.requests.size(), 2U);
-    EXPECT_EQ(search_.requests[0].file, "Tesselia.chm");
-    EXPECT_EQ(search_.requests[0].data, 5U);
-    EXPECT_EQ(search_.requests[1].command, HH_CLOSE_ALL);
+    EXPECT_EQ(search.libraries.size(), 1U);
+    EXPECT_EQ(search.entries, 1);
+    ASSERT_EQ(search.requests.size(), 2U);
+    EXPECT_EQ(search.requests[0].file, "Tesselia.chm");
+    EXPECT_EQ(search.requests[0].data, 5U);
+    EXPECT_EQ(search.requests[1].command, HH_CLOSE_ALL);
 }

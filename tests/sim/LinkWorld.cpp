@@ -28,7 +28,7 @@ GroupKind KindOf(GroupId group) {
 
 Entry EntryOf(GroupId group, TrackNo track) {
     const bool album = KindOf(group) == kKindAlbum;
-    return {album ? library::GroupKind::Album : library::GroupKind::Disc, album ? AlbumNumber(group) : group, track};
+    return {album ? library::GroupKind::kAlbum : library::GroupKind::kDisc, album ? AlbumNumber(group) : group, track};
 }
 
 // A few Discs and Albums, some without a title, some without tracks. No two titles are alike, so a title under a wrong
@@ -137,7 +137,7 @@ void LinkWorld::Run() {
     SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     link.SetPaneWindow(window);
     link.SetTitleStore(&store);
-    link.SetDisplayRanges({.DiscTo = kDiscCount, .AlbumTo = kAlbumCount, .TrackTo = kTrackCount});
+    link.SetDisplayRanges({.discTo = kDiscCount, .albumTo = kAlbumCount, .trackTo = kTrackCount});
 
     HANDLE starter = nullptr;
     if (options.secondStarter) {

@@ -65,7 +65,7 @@ public:
     // The queue of the link was emptied by a stop, a start or the end of an operation: the next request may come at once.
     void Released() { released = true; }
 
-    const library::UnitLibrary& Library() const { return unit.library(); }
+    const library::UnitLibrary& Library() const { return unit.Library(); }
     // The latest frames of both directions in words, and the notes of the world.
     std::string Dialogue() const;
     void Note(std::string line);

@@ -41,7 +41,7 @@ void UnitPeer::Attach(SerialLine& newLine) {
 void UnitPeer::Calm() {
     calm = true;
     faults.SetRates({});
-    mainunit::UnitSettings settings = unit.settings();
+    mainunit::UnitSettings settings = unit.Settings();
     settings.status = {mainunit::kReady};
     settings.menu = mainunit::kNotInMenu;
     unit.Configure(settings);
@@ -57,7 +57,7 @@ void UnitPeer::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t last
     }
     if (!calm && options.oddStatus && simulation.Chance(0.1)) {
         constexpr std::uint8_t kOdd[] = {0x00, 0x01, 0x02, 0x04, 0x08, 0x46, 0xFD, 0xFE, 0xFF, 0x03};
-        mainunit::UnitSettings settings = unit.settings();
+        mainunit::UnitSettings settings = unit.Settings();
         settings.status = {kOdd[simulation.Random(std::size(kOdd))], kOdd[simulation.Random(std::size(kOdd))],
                            mainunit::kReady};
         settings.menu = simulation.Chance(0.05) ? mainunit::kReady : mainunit::kNotInMenu;
@@ -83,8 +83,8 @@ void UnitPeer::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t last
 void UnitPeer::NoteAcceptance(const std::string& received, const std::vector<mainunit::Reply>& replies) {
     UnitRequest request;
     std::string problem;
-    const std::string acceptance = mainunit::BlockReply(mainunit::SubType::TitleWrite, mainunit::kAccepted);
-    if (mainunit::ReadRequest(received, request, problem) && request.kind == UnitRequest::Kind::TitleWrite &&
+    const std::string acceptance = mainunit::BlockReply(mainunit::SubType::kTitleWrite, mainunit::kAccepted);
+    if (mainunit::ReadRequest(received, request, problem) && request.kind == UnitRequest::Kind::kTitleWrite &&
         std::any_of(replies.begin(), replies.end(), [&](const auto& reply) { return reply.bytes == acceptance; })) {
         accepted.insert(library::NameOf(request.entry));
     }
@@ -103,7 +103,7 @@ void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
         return;
     }
     lastWrite = timeUs;
-    if (request.kind == UnitRequest::Kind::TitleData) {
+    if (request.kind == UnitRequest::Kind::kTitleData) {
         const std::string text = request.text.substr(0, request.text.find_last_not_of(' ') + 1);
         sent[{library::NameOf(writing), text}] = timeUs;
         if (options.repliesInTime && accepted.erase(library::NameOf(writing)) == 0) {
@@ -111,7 +111,7 @@ void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
         }
         return;
     }
-    if (request.kind == UnitRequest::Kind::TitleWrite) {
+    if (request.kind == UnitRequest::Kind::kTitleWrite) {
         writing = request.entry;
     }
     CheckOrder(std::string(bytes), timeUs);
@@ -133,8 +133,8 @@ void UnitPeer::CheckOrder(const std::string& bytes, std::uint64_t timeUs) {
 }
 
 void UnitPeer::Remember() {
-    for (const library::GroupKind kind : {library::GroupKind::Disc, library::GroupKind::Album}) {
-        for (const auto& [number, group] : unit.library().GroupsOf(kind)) {
+    for (const library::GroupKind kind : {library::GroupKind::kDisc, library::GroupKind::kAlbum}) {
+        for (const auto& [number, group] : unit.Library().GroupsOf(kind)) {
             if (group.title) {
                 held.insert({library::NameOf({kind, number, 0}), *group.title});
             }

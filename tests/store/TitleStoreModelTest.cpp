@@ -122,7 +122,7 @@ const TrackNo kSomeTracks[] = {std::numeric_limits<TrackNo>::min(), 0, 1, 2, 3, 
 
 class ModelRun {
 public:
-    explicit ModelRun(unsigned seed) : random_(seed) {}
+    explicit ModelRun(unsigned seed) : random(seed) {}
 
     void Step() {
         const GroupId group = kSomeGroups[Draw(8)];
@@ -134,7 +134,7 @@ public:
             case 1: return DropTracks(group);
             case 2: return Draw(10) == 0 ? Reset() : Clear(group);
             case 3:
-            case 4: EXPECT_EQ(store_.DeleteTitle(group, track), model_.Forget(group, track)); return;
+            case 4: EXPECT_EQ(store.DeleteTitle(group, track), model.Forget(group, track)); return;
             case 5:
             case 6: return ForgetSent(group, track, text);
             case 7:
@@ -144,7 +144,7 @@ public:
             case 11:
             case 12:
             case 13:
-                EXPECT_EQ(store_.StoreReceived(group, track, Pointer(reply)), model_.Receive(group, track, reply));
+                EXPECT_EQ(store.StoreReceived(group, track, Pointer(reply)), model.Receive(group, track, reply));
                 return;
             default: break;
         }
@@ -153,13 +153,13 @@ public:
         }
         // Nobody edits the tracks of an Album.
         const TrackNo edited = group > 999 ? std::min(track, 0) : track;
-        EXPECT_EQ(store_.EditTitle(group, edited, text.c_str()), model_.Edit(group, edited, text));
+        EXPECT_EQ(store.EditTitle(group, edited, text.c_str()), model.Edit(group, edited, text));
     }
 
     void Compare() {
         for (GroupId group : kSomeGroups) {
-            const bool counted = model_.IsOpen(group) && model_.tracks.count(group) != 0;
-            EXPECT_EQ(store_.GetTrackCount(group), counted ? model_.counts[group] : -1) << group;
+            const bool counted = model.IsOpen(group) && model.tracks.count(group) != 0;
+            EXPECT_EQ(store.GetTrackCount(group), counted ? model.counts[group] : -1) << group;
             for (TrackNo track : kSomeTracks) {
                 CompareEntry(group, track);
                 if (testing::Test::HasFailure()) {
@@ -168,8 +168,8 @@ public:
                 }
             }
         }
-        const bool undo = std::any_of(model_.records.begin(), model_.records.end(), [](auto& r) { return r.has_value(); });
-        EXPECT_EQ(store_.CanUndo(), undo ? 1 : 0);
+        const bool undo = std::any_of(model.records.begin(), model.records.end(), [](auto& r) { return r.has_value(); });
+        EXPECT_EQ(store.CanUndo(), undo ? 1 : 0);
     }
 
     int undone = 0;
@@ -177,51 +177,51 @@ public:
 private:
     static constexpr const char* kTexts[] = {"", "a", "b", "a longer title", "exactly thirty-two bytes of text"};
 
-    unsigned Draw(unsigned count) { return static_cast<unsigned>(random_() % count); }
+    unsigned Draw(unsigned count) { return static_cast<unsigned>(random() % count); }
     static const char* Pointer(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
 
     void Reset() {
-        store_.ResetAll();
-        model_ = Model();
+        store.ResetAll();
+        model = Model();
     }
 
     void Clear(GroupId group) {
-        const bool open = model_.IsOpen(group);
-        EXPECT_EQ(store_.ClearGroup(group), open ? 1 : 0);
+        const bool open = model.IsOpen(group);
+        EXPECT_EQ(store.ClearGroup(group), open ? 1 : 0);
         if (open) {
-            model_.PunchHoles(group, 0, 99);
-            model_.groups.erase(group);
-            model_.tracks.erase(group);
-            model_.counts.erase(group);
+            model.PunchHoles(group, 0, 99);
+            model.groups.erase(group);
+            model.tracks.erase(group);
+            model.counts.erase(group);
         }
     }
 
     void DropTracks(GroupId group) {
         const bool album = group >= 1000 && group <= 1998;
-        EXPECT_EQ(store_.DropAlbumTracks(group), album ? 1 : 0);
+        EXPECT_EQ(store.DropAlbumTracks(group), album ? 1 : 0);
         if (album) {
-            model_.tracks.erase(group);
-            model_.counts.erase(group);
+            model.tracks.erase(group);
+            model.counts.erase(group);
         }
     }
 
     void Fetch(GroupId group, TrackNo track, const std::optional<std::string>& reply) {
-        const Entry* entry = model_.Find(group, track);
+        const Entry* entry = model.Find(group, track);
         const bool edited = entry != nullptr && entry->state == State::kEdited;
-        EXPECT_EQ(store_.StoreFetched(group, track, Pointer(reply)), edited ? 0 : model_.Receive(group, track, reply));
+        EXPECT_EQ(store.StoreFetched(group, track, Pointer(reply)), edited ? 0 : model.Receive(group, track, reply));
     }
 
     void ForgetSent(GroupId group, TrackNo track, const std::string& text) {
-        const Entry* entry = model_.Reachable(group, track);
+        const Entry* entry = model.Reachable(group, track);
         const bool sent = entry != nullptr && entry->state == State::kEdited && entry->text == text;
-        EXPECT_EQ(store_.ForgetSent(group, track, text.c_str()), sent ? model_.Forget(group, track) : 0);
+        EXPECT_EQ(store.ForgetSent(group, track, text.c_str()), sent ? model.Forget(group, track) : 0);
     }
 
     void Undo() {
         Record given{0, 0, ""};
         char text[kTitleSize] = "";
-        const int done = store_.UndoEdit(&given.group, &given.track, text);
-        const std::optional<Record> expected = model_.Undo();
+        const int done = store.UndoEdit(&given.group, &given.track, text);
+        const std::optional<Record> expected = model.Undo();
         ASSERT_EQ(done, expected ? 1 : 0);
         if (expected) {
             EXPECT_EQ(given.group, expected->group);
@@ -232,23 +232,23 @@ private:
     }
 
     void CompareEntry(GroupId group, TrackNo track) {
-        const Entry* entry = model_.Find(group, track);
-        const bool reachable = model_.Reachable(group, track) != nullptr;
+        const Entry* entry = model.Find(group, track);
+        const bool reachable = model.Reachable(group, track) != nullptr;
         const State state = entry != nullptr ? entry->state : State::kUnknown;
         const int expected = state == State::kEdited ? TS_EDITED : (state == State::kReceived ? TS_RECEIVED : TS_NONE);
-        const int known = store_.IsKnown(group, track);
-        const int edited = store_.IsEdited(group, track);
-        const int given = store_.GetState(group, track);
+        const int known = store.IsKnown(group, track);
+        const int edited = store.IsEdited(group, track);
+        const int given = store.GetState(group, track);
         EXPECT_EQ(known, state != State::kUnknown ? 1 : 0);
         EXPECT_EQ(given, entry != nullptr ? expected : -1);
-        EXPECT_EQ(store_.IsDisc(group, track), reachable ? (group <= 999 ? 1 : 0) : -1);
+        EXPECT_EQ(store.IsDisc(group, track), reachable ? (group <= 999 ? 1 : 0) : -1);
         // Whatever the model says: no third state, "edited" has one meaning, and no text without an answer.
         EXPECT_LE(given, TS_EDITED);
         EXPECT_EQ(edited, given == TS_EDITED ? 1 : 0);
         EXPECT_TRUE(known == 1 || given <= TS_NONE);
         char text[kTitleSize];
         std::memset(text, '#', sizeof text);
-        const int found = store_.GetTitle(group, track, text);
+        const int found = store.GetTitle(group, track, text);
         EXPECT_EQ(found, reachable && expected != TS_NONE ? 1 : 0);
         if (found == 1) {
             EXPECT_STREQ(text, entry->text.c_str());
@@ -257,9 +257,9 @@ private:
         }
     }
 
-    std::mt19937 random_;
-    TitleStore store_;
-    Model model_;
+    std::mt19937 random;
+    TitleStore store;
+    Model model;
 };
 
 TEST(TitleStoreModelTest, RandomOperations) {

@@ -49,7 +49,7 @@ std::size_t CountThreads() {
 }
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments, const std::string& outputs)
-    : outputs_(outputs), start_(Clock::now()) {
+    : outputs(outputs), start(Clock::now()) {
     std::vector<std::string> copies = arguments;
     copies.insert(copies.begin(), program);
     std::vector<char*> words;
@@ -63,14 +63,14 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, (outputs + ".out").c_str(), kFlags, kFileMode);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (outputs + ".err").c_str(), kFlags, kFileMode);
-    EXPECT_EQ(posix_spawnp(&process_, program.c_str(), &actions, nullptr, words.data(), environ), 0) << program;
+    EXPECT_EQ(posix_spawnp(&process, program.c_str(), &actions, nullptr, words.data(), environ), 0) << program;
     posix_spawn_file_actions_destroy(&actions);
 }
 
 Process::~Process() {
-    if (process_ > 0) {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
+    if (process > 0) {
+        kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
     }
 }
 
@@ -79,18 +79,18 @@ bool Process::WaitForError(const std::string& text) const {
 }
 
 void Process::Signal(int number) const {
-    ASSERT_GT(process_, 0);
-    EXPECT_EQ(kill(process_, number), 0);
+    ASSERT_GT(process, 0);
+    EXPECT_EQ(kill(process, number), 0);
 }
 
 bool Process::HasEnded() {
     rusage usage{};
-    if (process_ > 0 && wait4(process_, &status_, WNOHANG, &usage) == process_) {
-        process_ = 0;
-        cpuSeconds_ = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
-        wallSeconds_ = std::chrono::duration<double>(Clock::now() - start_).count();
+    if (process > 0 && wait4(process, &status, WNOHANG, &usage) == process) {
+        process = 0;
+        cpuSeconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
+        wallSeconds = std::chrono::duration<double>(Clock::now() - start).count();
     }
-    return process_ <= 0;
+    return process <= 0;
 }
 
 int Process::End(std::chrono::milliseconds limit) {
@@ -99,5 +99,5 @@ int Process::End(std::chrono::milliseconds limit) {
         WaitUntil([this] { return HasEnded(); });
         return kStillRunning;
     }
-    return WIFEXITED(status_) ? WEXITSTATUS(status_) : -WTERMSIG(status_);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }

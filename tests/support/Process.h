@@ -32,8 +32,8 @@ public:
     Process& operator=(const Process&) = delete;
     virtual ~Process();
 
-    std::string Output() const { return ReadFile(outputs_ + ".out"); }
-    std::string Errors() const { return ReadFile(outputs_ + ".err"); }
+    std::string Output() const { return ReadFile(outputs + ".out"); }
+    std::string Errors() const { return ReadFile(outputs + ".err"); }
 
     // Waits for a text in the standard error.
     bool WaitForError(const std::string& text) const;
@@ -46,16 +46,16 @@ public:
     static constexpr int kStillRunning = -1000;
 
     // Both are known once the program has ended: its processor time, and the time from its start to its end.
-    double CpuSeconds() const { return cpuSeconds_; }
-    double WallSeconds() const { return wallSeconds_; }
+    double CpuSeconds() const { return cpuSeconds; }
+    double WallSeconds() const { return wallSeconds; }
 
 private:
     bool HasEnded();
 
-    std::string outputs_;
-    std::chrono::steady_clock::time_point start_;
-    pid_t process_ = 0;  // 0 when there is none any more
-    int status_ = 0;     // as wait4 gives it
-    double cpuSeconds_ = 0;
-    double wallSeconds_ = 0;
+    std::string outputs;
+    std::chrono::steady_clock::time_point start;
+    pid_t process = 0;  // 0 when there is none any more
+    int status = 0;     // as wait4 gives it
+    double cpuSeconds = 0;
+    double wallSeconds = 0;
 };

@@ -10,21 +10,21 @@
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        std::string path = std::filesystem::temp_directory_path() / "tesselia-test-XXXXXX";
-        if (mkdtemp(path.data()) == nullptr) {
+        std::string name = std::filesystem::temp_directory_path() / "tesselia-test-XXXXXX";
+        if (mkdtemp(name.data()) == nullptr) {
             std::abort();
         }
-        path_ = path;
+        path = name;
     }
     ~TemporaryFolder() {
         std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
+        std::filesystem::remove_all(path, ignored);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    const std::filesystem::path& Path() const { return path_; }
+    const std::filesystem::path& Path() const { return path; }
 
 private:
-    std::filesystem::path path_;
+    std::filesystem::path path;
 };

@@ -132,39 +132,39 @@ constexpr Stage kStages[] = {
 // A stage is over when its picture has come about and stood still for some time.
 class Tour {
 public:
-    explicit Tour(std::string folder) : folder_(std::move(folder)) {}
+    explicit Tour(std::string folder) : folder(std::move(folder)) {}
 
     void Look(HWND main) {
         const DWORD now = GetTickCount();
-        if (!hasBegun_) {
+        if (!hasBegun) {
             Current().begin(main);
-            hasBegun_ = true;
-            since_ = now;
-            stillSince_ = now;
+            hasBegun = true;
+            since = now;
+            stillSince = now;
             return;
         }
         std::string picture = desktop::PictureOfWindows();
-        if (picture.empty() || picture != last_) {
-            stillSince_ = now;
-            last_ = std::move(picture);
-        } else if (now - stillSince_ >= Current().stillMs && IsThrough(main)) {
+        if (picture.empty() || picture != last) {
+            stillSince = now;
+            last = std::move(picture);
+        } else if (now - stillSince >= Current().stillMs && IsThrough(main)) {
             Save();
         }
-        if (now - since_ > kLimitMs) {
+        if (now - since > kLimitMs) {
             std::fprintf(stderr, "The stage %s does not come to its end\n", Current().name);
             std::exit(kExitFailed);
         }
     }
 
-    bool IsOver() const { return stage_ == std::size(kStages); }
+    bool IsOver() const { return stage == std::size(kStages); }
 
 private:
-    const Stage& Current() const { return kStages[stage_]; }
+    const Stage& Current() const { return kStages[stage]; }
 
     // A transfer ends with both lists filled and nothing to tell; what was sent looks as it did before. All else shows.
     bool IsThrough(HWND main) const {
         if (Current().stillMs == kShortStillMs) {
-            return last_ != saved_;
+            return last != saved;
         }
         return SendMessageA(Control(main, IDC_MESSAGE_LINE), WM_GETTEXTLENGTH, 0, 0) == 0 &&
                SendMessageA(Control(main, IDC_GROUP_LIST), LB_GETCOUNT, 0, 0) > 0 &&
@@ -173,31 +173,31 @@ private:
 
     void Save() {
         char number[8];
-        std::snprintf(number, sizeof number, "%02zu-", stage_ + 1);
-        const std::string path = folder_ + "/" + number + Current().name + ".png";
+        std::snprintf(number, sizeof number, "%02zu-", stage + 1);
+        const std::string path = folder + "/" + number + Current().name + ".png";
         std::ofstream file(path, std::ios::binary);
-        file << last_;
+        file << last;
         file.close();
         if (!file) {
             std::fprintf(stderr, "%s cannot be written\n", path.c_str());
             std::exit(kExitFailed);
         }
         std::puts(path.c_str());
-        saved_ = last_;
-        hasBegun_ = false;
-        ++stage_;
+        saved = last;
+        hasBegun = false;
+        ++stage;
         if (IsOver()) {
             Press({'Y'});
         }
     }
 
-    std::string folder_;
-    std::size_t stage_ = 0;
-    bool hasBegun_ = false;
-    DWORD since_ = 0;       // the stage began
-    DWORD stillSince_ = 0;  // the picture is as it is now
-    std::string last_;
-    std::string saved_;
+    std::string folder;
+    std::size_t stage = 0;
+    bool hasBegun = false;
+    DWORD since = 0;       // the stage began
+    DWORD stillSince = 0;  // the picture is as it is now
+    std::string last;
+    std::string saved;
 };
 
 Tour* tour = nullptr;

@@ -13,31 +13,31 @@
 template <class T>
 class Shared {
 public:
-    constexpr Shared() noexcept : value_{} {}
-    constexpr Shared(T value) noexcept : value_(value) {}
+    constexpr Shared() noexcept : value{} {}
+    constexpr Shared(T value) noexcept : value(value) {}
     Shared(const Shared&) = delete;
     Shared& operator=(const Shared&) = delete;
 
-    T operator=(T value) noexcept {
+    T operator=(T newValue) noexcept {
         sim::SchedulingPoint();
-        value_.store(value);
-        return value;
+        value.store(newValue);
+        return newValue;
     }
     operator T() const noexcept {
         sim::SchedulingPoint();
-        return value_.load();
+        return value.load();
     }
 
-    T Exchange(T value) noexcept {
+    T Exchange(T newValue) noexcept {
         sim::SchedulingPoint();
-        return value_.exchange(value);
+        return value.exchange(newValue);
     }
     // Adds and gives the new value.
     T Add(T amount) noexcept {
         sim::SchedulingPoint();
-        return value_.fetch_add(amount) + amount;
+        return value.fetch_add(amount) + amount;
     }
 
 private:
-    std::atomic<T> value_;
+    std::atomic<T> value;
 };

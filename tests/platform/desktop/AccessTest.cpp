@@ -14,13 +14,13 @@ namespace {
 class Access : public testing::Test {
 protected:
     Access() {
-        top_ = MakeTopLevel("Top");
-        list_ = Add("LISTBOX", LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOTIFY, RECT{10, 10, 210, 110}, top_);
+        top = MakeTopLevel("Top");
+        list = Add("LISTBOX", LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOTIFY, RECT{10, 10, 210, 110}, top);
         for (const char* row : {"Dsc\t1\tSea && Sand", "Dsc\t2\t", "Alb\t12\tLast"}) {
-            SendMessageA(list_, LB_INSERTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(row));
+            SendMessageA(list, LB_INSERTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(row));
         }
     }
-    ~Access() override { DestroyWindow(top_); }
+    ~Access() override { DestroyWindow(top); }
 
     static HWND Add(const char* className, DWORD style, RECT place, HWND parent) {
         return CreateWindowExA(0, className, "", WS_CHILD | WS_VISIBLE | style, place.left, place.top,
@@ -31,63 +31,63 @@ protected:
     }
     static std::string NameOf(QAccessibleInterface* access) { return access->text(QAccessible::Name).toStdString(); }
 
-    HWND top_ = nullptr;
-    HWND list_ = nullptr;
+    HWND top = nullptr;
+    HWND list = nullptr;
 };
 
 TEST_F(Access, RowsAreReadWithTheirFields) {
-    QAccessibleInterface* list = Of(list_);
-    ASSERT_EQ(list->role(), QAccessible::List);
-    ASSERT_EQ(list->childCount(), 3);
-    EXPECT_EQ(NameOf(list->child(0)), "Dsc 1 Sea & Sand");
-    EXPECT_EQ(NameOf(list->child(1)), "Dsc 2");
-    EXPECT_EQ(list->child(2)->role(), QAccessible::ListItem);
-    EXPECT_EQ(list->indexOfChild(list->child(2)), 2);
-    EXPECT_EQ(list->child(2)->parent(), list);
-    const QPoint middle = list->child(1)->rect().center();
-    EXPECT_EQ(list->childAt(middle.x(), middle.y()), list->child(1));
+    QAccessibleInterface* rows = Of(list);
+    ASSERT_EQ(rows->role(), QAccessible::List);
+    ASSERT_EQ(rows->childCount(), 3);
+    EXPECT_EQ(NameOf(rows->child(0)), "Dsc 1 Sea & Sand");
+    EXPECT_EQ(NameOf(rows->child(1)), "Dsc 2");
+    EXPECT_EQ(rows->child(2)->role(), QAccessible::ListItem);
+    EXPECT_EQ(rows->indexOfChild(rows->child(2)), 2);
+    EXPECT_EQ(rows->child(2)->parent(), rows);
+    const QPoint middle = rows->child(1)->rect().center();
+    EXPECT_EQ(rows->childAt(middle.x(), middle.y()), rows->child(1));
 
-    QAccessibleInterface* gone = list->child(2);
-    SendMessageA(list_, LB_DELETESTRING, 1, 0);
-    EXPECT_EQ(list->childCount(), 2);
+    QAccessibleInterface* gone = rows->child(2);
+    SendMessageA(list, LB_DELETESTRING, 1, 0);
+    EXPECT_EQ(rows->childCount(), 2);
     EXPECT_FALSE(gone->isValid());
-    EXPECT_EQ(NameOf(list->child(1)), "Alb 12 Last");
+    EXPECT_EQ(NameOf(rows->child(1)), "Alb 12 Last");
     EXPECT_EQ(NameOf(gone), "");
-    SendMessageA(list_, LB_RESETCONTENT, 0, 0);
-    EXPECT_EQ(list->childCount(), 0);
-    EXPECT_EQ(list->child(0), nullptr);
+    SendMessageA(list, LB_RESETCONTENT, 0, 0);
+    EXPECT_EQ(rows->childCount(), 0);
+    EXPECT_EQ(rows->child(0), nullptr);
 }
 
 TEST_F(Access, TheSelectedRowAndTheOneWithTheKeysAreMarked) {
-    QAccessibleInterface* list = Of(list_);
-    SendMessageA(list_, LB_SETCURSEL, 1, 0);
-    EXPECT_TRUE(list->child(1)->state().selected);
-    EXPECT_FALSE(list->child(1)->state().focused);
-    ASSERT_TRUE(ServeUntil([this] { return GetForegroundWindow() == top_; }));
-    SetFocus(list_);
-    SendMessageA(list_, WM_KEYDOWN, VK_DOWN, 0);
-    EXPECT_TRUE(list->child(2)->state().selected);
-    EXPECT_TRUE(list->child(2)->state().focused);
-    EXPECT_FALSE(list->child(1)->state().selected);
-    EXPECT_EQ(list->focusChild(), list->child(2));
-    EnableWindow(list_, FALSE);
-    EXPECT_TRUE(list->child(2)->state().disabled);
+    QAccessibleInterface* rows = Of(list);
+    SendMessageA(list, LB_SETCURSEL, 1, 0);
+    EXPECT_TRUE(rows->child(1)->state().selected);
+    EXPECT_FALSE(rows->child(1)->state().focused);
+    ASSERT_TRUE(ServeUntil([this] { return GetForegroundWindow() == top; }));
+    SetFocus(list);
+    SendMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
+    EXPECT_TRUE(rows->child(2)->state().selected);
+    EXPECT_TRUE(rows->child(2)->state().focused);
+    EXPECT_FALSE(rows->child(1)->state().selected);
+    EXPECT_EQ(rows->focusChild(), rows->child(2));
+    EnableWindow(list, FALSE);
+    EXPECT_TRUE(rows->child(2)->state().disabled);
 }
 
 TEST_F(Access, FieldsHaveNames) {
-    SendMessageA(list_, LB_SETCURSEL, 0, 0);
-    HWND editor = Add("EDIT", 0, RECT{0, 0, 80, 18}, list_);
+    SendMessageA(list, LB_SETCURSEL, 0, 0);
+    HWND editor = Add("EDIT", 0, RECT{0, 0, 80, 18}, list);
     EXPECT_EQ(NameOf(Of(editor)), "Dsc 1 Sea & Sand");
-    EXPECT_EQ(Of(list_)->childCount(), 4) << "the rows, and the editor behind them";
-    EXPECT_EQ(Of(list_)->indexOfChild(Of(editor)), 3);
+    EXPECT_EQ(Of(list)->childCount(), 4) << "the rows, and the editor behind them";
+    EXPECT_EQ(Of(list)->indexOfChild(Of(editor)), 3);
 
-    HWND frame = Add("BUTTON", BS_GROUPBOX, RECT{0, 120, 300, 170}, top_);
+    HWND frame = Add("BUTTON", BS_GROUPBOX, RECT{0, 120, 300, 170}, top);
     SetWindowTextA(frame, "Disc");
-    SetWindowTextA(Add("STATIC", 0, RECT{10, 130, 50, 150}, top_), "From");
-    HWND from = Add("EDIT", 0, RECT{60, 130, 100, 150}, top_);
-    SetWindowTextA(Add("STATIC", 0, RECT{110, 130, 150, 150}, top_), "To");
-    HWND to = Add("EDIT", 0, RECT{160, 130, 200, 150}, top_);
-    desktop::NameFields(top_);
+    SetWindowTextA(Add("STATIC", 0, RECT{10, 130, 50, 150}, top), "From");
+    HWND from = Add("EDIT", 0, RECT{60, 130, 100, 150}, top);
+    SetWindowTextA(Add("STATIC", 0, RECT{110, 130, 150, 150}, top), "To");
+    HWND to = Add("EDIT", 0, RECT{160, 130, 200, 150}, top);
+    desktop::NameFields(top);
     EXPECT_EQ(NameOf(Of(from)), "Disc From");
     EXPECT_EQ(NameOf(Of(to)), "Disc To");
 }

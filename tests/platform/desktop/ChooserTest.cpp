@@ -37,18 +37,18 @@ Dialog* FindOpen() {
 class User {
 public:
     User() {
-        QObject::connect(&timer_, &QTimer::timeout, [this] {
-            if (!acts_.empty() && acts_.front()()) {
-                acts_.pop_front();
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            if (!acts.empty() && acts.front()()) {
+                acts.pop_front();
             }
         });
-        timer_.start(5);
+        timer.start(5);
     }
-    ~User() { EXPECT_TRUE(acts_.empty()) << acts_.size() << " things were never done"; }
+    ~User() { EXPECT_TRUE(acts.empty()) << acts.size() << " things were never done"; }
     User(const User&) = delete;
     User& operator=(const User&) = delete;
 
-    void Do(std::function<bool()> act) { acts_.push_back(std::move(act)); }
+    void Do(std::function<bool()> act) { acts.push_back(std::move(act)); }
 
     template <class Dialog>
     void In(std::function<void(Dialog&)> act) {
@@ -83,8 +83,8 @@ public:
     }
 
 private:
-    QTimer timer_;
-    std::deque<std::function<bool()>> acts_;
+    QTimer timer;
+    std::deque<std::function<bool()>> acts;
 };
 
 // Of those that no face of Windows is shown in.
@@ -99,179 +99,179 @@ QString FamilyWithBold() {
 
 class Chooser : public testing::Test {
 protected:
-    Chooser() : owner_(MakeTopLevel("Owner of choosers")) {
-        chooser_.lStructSize = sizeof chooser_;
-        chooser_.hwndOwner = owner_;
-        chooser_.lpstrFilter = "Comma separated (*.csv)\0*.csv\0Text (*.txt;*.tab)\0*.txt;*.tab\0All Files (*.*)\0*.*\0";
-        chooser_.nFilterIndex = 1;
-        chooser_.lpstrFile = file_;
-        chooser_.nMaxFile = sizeof file_;
-        chooser_.lpstrFileTitle = title_;
-        chooser_.nMaxFileTitle = sizeof title_;
-        chooser_.lpstrTitle = "Choose one";
-        chooser_.lpstrDefExt = "csv";
-        initial_ = Windows(".");
-        chooser_.lpstrInitialDir = initial_.c_str();
+    Chooser() : owner(MakeTopLevel("Owner of choosers")) {
+        chooser.lStructSize = sizeof chooser;
+        chooser.hwndOwner = owner;
+        chooser.lpstrFilter = "Comma separated (*.csv)\0*.csv\0Text (*.txt;*.tab)\0*.txt;*.tab\0All Files (*.*)\0*.*\0";
+        chooser.nFilterIndex = 1;
+        chooser.lpstrFile = file;
+        chooser.nMaxFile = sizeof file;
+        chooser.lpstrFileTitle = title;
+        chooser.nMaxFileTitle = sizeof title;
+        chooser.lpstrTitle = "Choose one";
+        chooser.lpstrDefExt = "csv";
+        initial = Windows(".");
+        chooser.lpstrInitialDir = initial.c_str();
     }
     ~Chooser() override {
         kernel::SetCodePage(kernel::kWesternPage);
-        DestroyWindow(owner_);
+        DestroyWindow(owner);
     }
     Chooser(const Chooser&) = delete;
     Chooser& operator=(const Chooser&) = delete;
 
     void MakeFile(const QString& name) const {
-        QFile file(folder_.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("content");
+        QFile made(folder.filePath(name));
+        ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+        made.write("content");
     }
 
     std::string Windows(const QString& name) const {
-        QString path = folder_.filePath(name);
+        QString path = folder.filePath(name);
         return path.replace('/', '\\').toStdString();
     }
 
-    const QTemporaryDir folder_;
-    std::string initial_;
-    HWND owner_;
-    OPENFILENAMEA chooser_{};
-    char file_[260] = "";
-    char title_[64] = "";
-    User user_;
+    const QTemporaryDir folder;
+    std::string initial;
+    HWND owner;
+    OPENFILENAMEA chooser{};
+    char file[260] = "";
+    char title[64] = "";
+    User user;
 };
 
 TEST_F(Chooser, OpensAFileThatIsThere) {
     MakeFile("titles.csv");
-    chooser_.Flags = OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
+    chooser.Flags = OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
     bool ownerWasEnabled = true;
     bool served = false;
-    user_.In<QFileDialog>([&](QFileDialog& dialog) {
+    user.In<QFileDialog>([&](QFileDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Choose one");
-        EXPECT_EQ(QDir(dialog.directory()).canonicalPath(), QDir(folder_.path()).canonicalPath());
-        ownerWasEnabled = IsWindowEnabled(owner_);
-        PostMessageA(owner_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Served"));
+        EXPECT_EQ(QDir(dialog.directory()).canonicalPath(), QDir(folder.path()).canonicalPath());
+        ownerWasEnabled = IsWindowEnabled(owner);
+        PostMessageA(owner, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Served"));
     });
-    user_.Do([&] {
+    user.Do([&] {
         char text[20] = "";
-        GetWindowTextA(owner_, text, sizeof text);
+        GetWindowTextA(owner, text, sizeof text);
         served = std::string(text) == "Served";
         return served;
     });
     // The name lacks its extension; first one that is not there.
-    user_.Type("nothing");
-    user_.Answer("Choose one", IDOK);
-    user_.Type("titles");
-    EXPECT_TRUE(GetOpenFileNameA(&chooser_));
+    user.Type("nothing");
+    user.Answer("Choose one", IDOK);
+    user.Type("titles");
+    EXPECT_TRUE(GetOpenFileNameA(&chooser));
     EXPECT_FALSE(ownerWasEnabled);
     EXPECT_TRUE(served);
-    EXPECT_TRUE(IsWindowEnabled(owner_));
-    EXPECT_EQ(GetActiveWindow(), owner_);
-    EXPECT_EQ(file_, Windows("titles.csv"));
-    EXPECT_STREQ(title_, "titles.csv");
-    EXPECT_STREQ(file_ + chooser_.nFileOffset, "titles.csv");
-    EXPECT_STREQ(file_ + chooser_.nFileExtension, "csv");
-    EXPECT_EQ(chooser_.nFilterIndex, 1u);
+    EXPECT_TRUE(IsWindowEnabled(owner));
+    EXPECT_EQ(GetActiveWindow(), owner);
+    EXPECT_EQ(file, Windows("titles.csv"));
+    EXPECT_STREQ(title, "titles.csv");
+    EXPECT_STREQ(file + chooser.nFileOffset, "titles.csv");
+    EXPECT_STREQ(file + chooser.nFileExtension, "csv");
+    EXPECT_EQ(chooser.nFilterIndex, 1u);
 }
 
 TEST_F(Chooser, AsksBeforeItReplacesAFile) {
     MakeFile("old.csv");
-    chooser_.Flags = OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST;
-    user_.Type("old.csv");
-    user_.Answer("Confirm Save As", IDNO);
-    user_.Type("old");
-    user_.Answer("Confirm Save As", IDYES);
-    EXPECT_TRUE(GetSaveFileNameA(&chooser_));
-    EXPECT_EQ(file_, Windows("old.csv"));
+    chooser.Flags = OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST;
+    user.Type("old.csv");
+    user.Answer("Confirm Save As", IDNO);
+    user.Type("old");
+    user.Answer("Confirm Save As", IDYES);
+    EXPECT_TRUE(GetSaveFileNameA(&chooser));
+    EXPECT_EQ(file, Windows("old.csv"));
     // A new one goes without a question, with the extension of the filter that is chosen.
-    user_.In<QFileDialog>([](QFileDialog& dialog) {
+    user.In<QFileDialog>([](QFileDialog& dialog) {
         dialog.selectNameFilter(dialog.nameFilters().at(1));
         emit dialog.filterSelected(dialog.selectedNameFilter());
     });
-    user_.Type("new");
-    EXPECT_TRUE(GetSaveFileNameA(&chooser_));
-    EXPECT_EQ(file_, Windows("new.txt"));
-    EXPECT_EQ(chooser_.nFilterIndex, 2u);
+    user.Type("new");
+    EXPECT_TRUE(GetSaveFileNameA(&chooser));
+    EXPECT_EQ(file, Windows("new.txt"));
+    EXPECT_EQ(chooser.nFilterIndex, 2u);
     // A dot alone makes no extension.
-    chooser_.nFilterIndex = 1;
+    chooser.nFilterIndex = 1;
     for (const auto& [typed, saved] : {std::pair{"Best of Vol. 1", "Best of Vol. 1.csv"},
                                        {"No.5", "No.5.csv"},
                                        {"other.TXT", "other.TXT"},
                                        {"a.b.mp3", "a.b.mp3"}}) {
-        user_.Type(typed);
-        EXPECT_TRUE(GetSaveFileNameA(&chooser_));
-        EXPECT_EQ(file_, Windows(saved));
+        user.Type(typed);
+        EXPECT_TRUE(GetSaveFileNameA(&chooser));
+        EXPECT_EQ(file, Windows(saved));
     }
     // The folder has to be there.
-    user_.Type(folder_.path() + "/missing/new.csv");
-    user_.Answer("Choose one", IDOK);
-    user_.Cancel();
-    EXPECT_FALSE(GetSaveFileNameA(&chooser_));
+    user.Type(folder.path() + "/missing/new.csv");
+    user.Answer("Choose one", IDOK);
+    user.Cancel();
+    EXPECT_FALSE(GetSaveFileNameA(&chooser));
 }
 
 TEST_F(Chooser, ACancelledChoiceChangesNothing) {
-    std::strcpy(file_, "before.csv");
-    chooser_.nFileOffset = 77;
-    const OPENFILENAMEA before = chooser_;
-    user_.In<QFileDialog>([](QFileDialog& dialog) {
+    std::strcpy(file, "before.csv");
+    chooser.nFileOffset = 77;
+    const OPENFILENAMEA before = chooser;
+    user.In<QFileDialog>([](QFileDialog& dialog) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), "before.csv");
         dialog.selectNameFilter(dialog.nameFilters().at(2));
         dialog.reject();
     });
-    EXPECT_FALSE(GetSaveFileNameA(&chooser_));
-    EXPECT_EQ(std::memcmp(&before, &chooser_, sizeof before), 0);
-    EXPECT_STREQ(file_, "before.csv");
-    chooser_.lStructSize = 60;
-    EXPECT_FALSE(GetSaveFileNameA(&chooser_));
+    EXPECT_FALSE(GetSaveFileNameA(&chooser));
+    EXPECT_EQ(std::memcmp(&before, &chooser, sizeof before), 0);
+    EXPECT_STREQ(file, "before.csv");
+    chooser.lStructSize = 60;
+    EXPECT_FALSE(GetSaveFileNameA(&chooser));
 }
 
 TEST_F(Chooser, TheEndOfTheProgramOrOfTheOwnerCancels) {
-    user_.In<QFileDialog>([](QFileDialog&) { PostQuitMessage(5); });
-    EXPECT_FALSE(GetOpenFileNameA(&chooser_));
+    user.In<QFileDialog>([](QFileDialog&) { PostQuitMessage(5); });
+    EXPECT_FALSE(GetOpenFileNameA(&chooser));
     EXPECT_EQ(FindOpen<QFileDialog>(), nullptr);
     MSG message{};
     EXPECT_FALSE(GetMessageA(&message, nullptr, 0, 0));
     EXPECT_EQ(message.wParam, 5u);
-    user_.In<QFileDialog>([this](QFileDialog&) { PostMessageA(owner_, WM_CLOSE, 0, 0); });
-    EXPECT_FALSE(GetOpenFileNameA(&chooser_));
-    EXPECT_FALSE(IsWindow(owner_));
+    user.In<QFileDialog>([this](QFileDialog&) { PostMessageA(owner, WM_CLOSE, 0, 0); });
+    EXPECT_FALSE(GetOpenFileNameA(&chooser));
+    EXPECT_FALSE(IsWindow(owner));
     EXPECT_EQ(FindOpen<QFileDialog>(), nullptr);
 }
 
 TEST_F(Chooser, NamesThatTheCodePageLacksOrThatAreTooLongHaveAnAlias) {
     const QString japanese = QString::fromUtf8("\u8868.csv");
     MakeFile(japanese);
-    user_.Type(japanese);
-    ASSERT_TRUE(GetOpenFileNameA(&chooser_));
-    EXPECT_STREQ(file_ + chooser_.nFileExtension, "csv");
-    HANDLE file = CreateFileA(file_, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    EXPECT_EQ(GetFileSize(file, nullptr), 7u);
-    CloseHandle(file);
+    user.Type(japanese);
+    ASSERT_TRUE(GetOpenFileNameA(&chooser));
+    EXPECT_STREQ(file + chooser.nFileExtension, "csv");
+    HANDLE opened = CreateFileA(file, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    EXPECT_EQ(GetFileSize(opened, nullptr), 7u);
+    CloseHandle(opened);
     // The next chooser begins at the same file, when it is given back in two parts.
-    const std::string alias = file_;
-    initial_ = alias.substr(0, chooser_.nFileOffset - 1u);
-    chooser_.lpstrInitialDir = initial_.c_str();
-    std::strcpy(file_, alias.c_str() + chooser_.nFileOffset);
-    user_.In<QFileDialog>([&](QFileDialog& dialog) {
+    const std::string alias = file;
+    initial = alias.substr(0, chooser.nFileOffset - 1u);
+    chooser.lpstrInitialDir = initial.c_str();
+    std::strcpy(file, alias.c_str() + chooser.nFileOffset);
+    user.In<QFileDialog>([&](QFileDialog& dialog) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), japanese);
         dialog.reject();
     });
-    EXPECT_FALSE(GetOpenFileNameA(&chooser_));
+    EXPECT_FALSE(GetOpenFileNameA(&chooser));
 
     const QString longName = QString(240, 'n') + ".txt";
     MakeFile(longName);
-    file_[0] = '\0';
-    user_.Type(folder_.filePath(longName));
-    ASSERT_TRUE(GetOpenFileNameA(&chooser_));
-    EXPECT_LT(std::strlen(file_), 260u);
-    EXPECT_STREQ(file_ + chooser_.nFileExtension, "txt");
-    EXPECT_TRUE(DeleteFileA(file_));
-    EXPECT_FALSE(QFile::exists(folder_.filePath(longName)));
+    file[0] = '\0';
+    user.Type(folder.filePath(longName));
+    ASSERT_TRUE(GetOpenFileNameA(&chooser));
+    EXPECT_LT(std::strlen(file), 260u);
+    EXPECT_STREQ(file + chooser.nFileExtension, "txt");
+    EXPECT_TRUE(DeleteFileA(file));
+    EXPECT_FALSE(QFile::exists(folder.filePath(longName)));
 
     // Where the page has the name it is the name, whose second byte here is a backslash.
     kernel::SetCodePage(kernel::kJapanesePage);
-    user_.Type(folder_.filePath(japanese));
-    ASSERT_TRUE(GetOpenFileNameA(&chooser_));
-    EXPECT_STREQ(file_ + chooser_.nFileOffset, "\x95\x5C.csv");
+    user.Type(folder.filePath(japanese));
+    ASSERT_TRUE(GetOpenFileNameA(&chooser));
+    EXPECT_STREQ(file + chooser.nFileOffset, "\x95\x5C.csv");
 }
 
 TEST_F(Chooser, AFontGoesInAndComesOut) {
@@ -283,18 +283,18 @@ TEST_F(Chooser, AFontGoesInAndComesOut) {
     const LOGFONTA before = font;
     CHOOSEFONTA chooser{};
     chooser.lStructSize = sizeof chooser;
-    chooser.hwndOwner = owner_;
+    chooser.hwndOwner = owner;
     chooser.lpLogFont = &font;
     chooser.Flags = CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT;
-    user_.In<QFontDialog>([this](QFontDialog& dialog) {
+    user.In<QFontDialog>([this](QFontDialog& dialog) {
         EXPECT_EQ(dialog.currentFont().pointSize(), 12);
-        EXPECT_FALSE(IsWindowEnabled(owner_));
+        EXPECT_FALSE(IsWindowEnabled(owner));
         dialog.reject();
     });
     EXPECT_FALSE(ChooseFontA(&chooser));
     EXPECT_EQ(std::memcmp(&font, &before, sizeof font), 0);
 
-    user_.In<QFontDialog>([](QFontDialog& dialog) {
+    user.In<QFontDialog>([](QFontDialog& dialog) {
         QFont chosen = dialog.currentFont();
         chosen.setPointSize(18);
         dialog.setCurrentFont(chosen);
@@ -308,7 +308,7 @@ TEST_F(Chooser, AFontGoesInAndComesOut) {
     EXPECT_EQ(font.lfCharSet, SHIFTJIS_CHARSET);
 
     const QString family = FamilyWithBold();
-    user_.In<QFontDialog>([family](QFontDialog& dialog) {
+    user.In<QFontDialog>([family](QFontDialog& dialog) {
         QFont chosen(family, 18, QFont::Bold);
         dialog.setCurrentFont(chosen);
         dialog.accept();

@@ -13,18 +13,18 @@ constexpr int kEditId = 102;
 class EditTest : public testing::Test {
 protected:
     void SetUp() override {
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
-        edit_ = MakeChild("EDIT", ES_AUTOHSCROLL, main_, kEditId, 10, 50, 150, 24);
-        log_.Watch(edit_, "edit");
-        ShowWindow(main_, SW_SHOW);
-        ASSERT_TRUE(BringForward(main_));
-        SetFocus(edit_);
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
+        edit = MakeChild("EDIT", ES_AUTOHSCROLL, main, kEditId, 10, 50, 150, 24);
+        log.Watch(edit, "edit");
+        ShowWindow(main, SW_SHOW);
+        ASSERT_TRUE(BringForward(main));
+        SetFocus(edit);
         ASSERT_TRUE(PumpAll());
-        log_.Take();
+        log.Take();
     }
-    void TearDown() override { DestroyWindow(main_); }
+    void TearDown() override { DestroyWindow(main); }
 
-    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) { return SendMessageA(edit_, message, wParam, lParam); }
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) { return SendMessageA(edit, message, wParam, lParam); }
 
     // Text and selection, "hello 1-3".
     std::string State() {
@@ -33,7 +33,7 @@ protected:
         const LRESULT packed = Send(EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
         EXPECT_EQ(LOWORD(static_cast<DWORD_PTR>(packed)), start);
         EXPECT_EQ(HIWORD(static_cast<DWORD_PTR>(packed)), end);
-        return WindowText(edit_) + " " + std::to_string(start) + "-" + std::to_string(end);
+        return WindowText(edit) + " " + std::to_string(start) + "-" + std::to_string(end);
     }
     std::string Select(int start, int end) {
         Send(EM_SETSEL, static_cast<WPARAM>(start), end);
@@ -61,9 +61,9 @@ protected:
         EXPECT_EQ(State(), state);
     }
 
-    MessageLog log_{{WM_COMMAND}};
-    HWND main_ = nullptr;
-    HWND edit_ = nullptr;
+    MessageLog log{{WM_COMMAND}};
+    HWND main = nullptr;
+    HWND edit = nullptr;
 };
 
 }  // namespace
@@ -72,24 +72,23 @@ TEST_F(EditTest, TheParentHearsOfEachChange) {
     const std::string change =
         Lines({"main WM_COMMAND id 102 code 1024 from edit", "main WM_COMMAND id 102 code 768 from edit"});
     EXPECT_EQ(Type("ab"), "ab 2-2");
-    EXPECT_EQ(log_.Take(), change + change);
-    SetWindowTextA(edit_, "hello");
+    EXPECT_EQ(log.Take(), change + change);
+    SetWindowTextA(edit, "hello");
     EXPECT_EQ(State(), "hello 0-0");
-    EXPECT_EQ(log_.Take(), change) << "once for a text that the program sets";
+    EXPECT_EQ(log.Take(), change) << "once for a text that the program sets";
     Select(1, 3);
     Key(VK_RIGHT);
     Key(VK_HOME);
     Type("\b");
     EXPECT_EQ(Type("\r\x1b\t"), "hello 0-0");
-    EXPECT_EQ(log_.Take(), "") << "nothing has changed";
-    SetFocus(main_);
-    SetFocus(edit_);
-    EXPECT_EQ(log_.Take(),
-              Lines({"main WM_COMMAND id 102 code 512 from edit", "main WM_COMMAND id 102 code 256 from edit"}));
+    EXPECT_EQ(log.Take(), "") << "nothing has changed";
+    SetFocus(main);
+    SetFocus(edit);
+    EXPECT_EQ(log.Take(), Lines({"main WM_COMMAND id 102 code 512 from edit", "main WM_COMMAND id 102 code 256 from edit"}));
 }
 
 TEST_F(EditTest, SelectionAndKeys) {
-    SetWindowTextA(edit_, "hello");
+    SetWindowTextA(edit, "hello");
     EXPECT_EQ(Select(1, 3), "hello 1-3");
     EXPECT_EQ(Type("X"), "hXlo 2-2");
     EXPECT_EQ(Select(0, -1), "hXlo 0-4");
@@ -113,15 +112,15 @@ TEST_F(EditTest, LimitHoldsForInputAlone) {
     const char* const maxText = "main WM_COMMAND id 102 code 1281 from edit";
     Send(EM_LIMITTEXT, 6);
     EXPECT_EQ(Type("123456"), "123456 6-6");
-    EXPECT_EQ(log_.Take().find(maxText), std::string::npos);
+    EXPECT_EQ(log.Take().find(maxText), std::string::npos);
     EXPECT_EQ(Type("7"), "123456 6-6");
-    EXPECT_NE(log_.Take().find(maxText), std::string::npos);
+    EXPECT_NE(log.Take().find(maxText), std::string::npos);
     Select(0, 2);
     EXPECT_EQ(Type("ab"), "ab3456 2-2") << "a character may replace what is selected";
     Select(0, 2);
     Send(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>("wxyz"));
     EXPECT_EQ(State(), "wx3456 2-2");
-    SetWindowTextA(edit_, "longer than that");
+    SetWindowTextA(edit, "longer than that");
     EXPECT_EQ(State(), "longer than that 0-0") << "the program may set what it likes";
     EXPECT_EQ(Type("x"), "longer than that 0-0");
     EXPECT_EQ(Type("\b"), "longer than that 0-0");
@@ -131,7 +130,7 @@ TEST_F(EditTest, LimitHoldsForInputAlone) {
 }
 
 TEST_F(EditTest, Clipboard) {
-    SetWindowTextA(edit_, "some text");
+    SetWindowTextA(edit, "some text");
     Select(0, 4);
     EXPECT_EQ(Do(WM_COPY), "some text 0-4");
     EXPECT_EQ(Do(WM_CUT), " text 0-0");
@@ -158,11 +157,11 @@ TEST_F(EditTest, RealKeys) {
     ExpectByKeys({VK_CONTROL, 'V'}, "aBB 3-3");
     ExpectByKeys({VK_BACK}, "aB 2-2");
     PressKeys({VK_CONTROL, 'Z'});
-    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit_) == "aBB"; })) << WindowText(edit_);
+    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit) == "aBB"; })) << WindowText(edit);
 }
 
 TEST_F(EditTest, NumbersAlone) {
-    HWND number = MakeChild("EDIT", ES_NUMBER, main_, kEditId + 1, 10, 80, 80, 24);
+    HWND number = MakeChild("EDIT", ES_NUMBER, main, kEditId + 1, 10, 80, 80, 24);
     for (const char c : std::string("1a2-3")) {
         SendMessageA(number, WM_CHAR, static_cast<WPARAM>(c), 1);
     }

@@ -34,10 +34,10 @@ void WritePage(const QString& folder, const char* language, const char* title) {
 class HelpViewer : public testing::Test {
 protected:
     HelpViewer() {
-        EXPECT_TRUE(lock_.lock());
+        EXPECT_TRUE(lock.lock());
         desktop::OfferHelp();
         HMODULE library = LoadLibraryA("hhctrl.ocx");
-        help_ = reinterpret_cast<HtmlHelp>(reinterpret_cast<void (*)()>(GetProcAddress(library, MAKEINTRESOURCEA(14))));
+        help = reinterpret_cast<HtmlHelp>(reinterpret_cast<void (*)()>(GetProcAddress(library, MAKEINTRESOURCEA(14))));
         kernel::SetResourceLanguage(kernel::kEnglish);
         QDir(Folder()).removeRecursively();
     }
@@ -47,7 +47,7 @@ protected:
 
     static QString Folder() { return QCoreApplication::applicationDirPath() + "/../share/tesselia/help"; }
 
-    HWND Call(UINT command, DWORD_PTR data = 0) { return help_(GetDesktopWindow(), "Tesselia.chm", command, data); }
+    HWND Call(UINT command, DWORD_PTR data = 0) { return help(GetDesktopWindow(), "Tesselia.chm", command, data); }
 
     static QWidget* Shown() {
         for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -58,12 +58,12 @@ protected:
         return nullptr;
     }
 
-    QLockFile lock_{QCoreApplication::applicationDirPath() + "/help-tests.lock"};
-    HtmlHelp help_ = nullptr;
+    QLockFile lock{QCoreApplication::applicationDirPath() + "/help-tests.lock"};
+    HtmlHelp help = nullptr;
 };
 
 TEST_F(HelpViewer, WithoutPagesNothingIsShown) {
-    ASSERT_NE(help_, nullptr);
+    ASSERT_NE(help, nullptr);
     DWORD cookie = 0;
     Call(kInitialize, reinterpret_cast<DWORD_PTR>(&cookie));
     EXPECT_NE(cookie, 0u);

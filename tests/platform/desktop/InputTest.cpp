@@ -19,29 +19,29 @@ std::string DlgCode(HWND parent, const char* className, DWORD style) {
 class TabOrderTest : public testing::Test {
 protected:
     void SetUp() override {
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
         for (int i = 0; i < 6; ++i) {
-            MakeChild("BUTTON", BS_PUSHBUTTON, main_, 100 + i, 10, 10 + 20 * i, 50, 20);
+            MakeChild("BUTTON", BS_PUSHBUTTON, main, 100 + i, 10, 10 + 20 * i, 50, 20);
         }
-        ShowWindow(main_, SW_SHOW);
+        ShowWindow(main, SW_SHOW);
     }
-    void TearDown() override { DestroyWindow(main_); }
+    void TearDown() override { DestroyWindow(main); }
 
-    HWND Child(int id) { return GetDlgItem(main_, id); }
-    int Next(int id) { return GetDlgCtrlID(GetNextDlgTabItem(main_, id == 0 ? nullptr : Child(id), FALSE)); }
-    int Previous(int id) { return GetDlgCtrlID(GetNextDlgTabItem(main_, Child(id), TRUE)); }
+    HWND Child(int id) { return GetDlgItem(main, id); }
+    int Next(int id) { return GetDlgCtrlID(GetNextDlgTabItem(main, id == 0 ? nullptr : Child(id), FALSE)); }
+    int Previous(int id) { return GetDlgCtrlID(GetNextDlgTabItem(main, Child(id), TRUE)); }
     void Place(int id, HWND behind) { SetWindowPos(Child(id), behind, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE); }
 
     // The children from the front to the back.
     std::string Order() {
         std::string order;
-        for (HWND child = GetWindow(main_, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        for (HWND child = GetWindow(main, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
             order += (order.empty() ? "" : " ") + std::to_string(GetDlgCtrlID(child));
         }
         return order;
     }
 
-    HWND main_ = nullptr;
+    HWND main = nullptr;
 };
 
 }  // namespace
@@ -85,7 +85,7 @@ TEST_F(TabOrderTest, LeavesOutWhatCannotHaveTheFocus) {
     EXPECT_EQ(Next(100), 100) << "there is no other";
     EnableWindow(Child(100), FALSE);
     EXPECT_EQ(Next(100), 100);
-    EXPECT_EQ(GetNextDlgTabItem(main_, nullptr, FALSE), nullptr);
+    EXPECT_EQ(GetNextDlgTabItem(main, nullptr, FALSE), nullptr);
 }
 
 TEST(DlgCodeTest, ControlsTellWhichKeysTheyWant) {

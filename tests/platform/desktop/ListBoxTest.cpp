@@ -47,15 +47,15 @@ bool ParentHook(HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& resul
 class ListBoxTest : public testing::Test {
 protected:
     void SetUp() override {
-        rowLog = &log_;
+        rowLog = &log;
         SetMessageHook(ParentHook);
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
-        list_ = MakeChild("LISTBOX", LBS_NOTIFY | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT, main_,
-                          kListId, 10, 10, kWidth, kHeight);
-        log_.Watch(list_, "list");
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
+        list = MakeChild("LISTBOX", LBS_NOTIFY | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT, main,
+                         kListId, 10, 10, kWidth, kHeight);
+        log.Watch(list, "list");
     }
 
-    void TearDown() override { DestroyWindow(main_); }
+    void TearDown() override { DestroyWindow(main); }
 
     void Fill(int count) {
         for (int i = 0; i < count; ++i) {
@@ -63,20 +63,20 @@ protected:
             Send(LB_INSERTSTRING, i, text.c_str());
             Send(LB_SETITEMDATA, i, 100 + i);
         }
-        log_.Take();
+        log.Take();
     }
 
     void FillAndShow(int count) {
         Fill(count);
-        ShowWindow(main_, SW_SHOW);
-        ASSERT_TRUE(BringForward(main_));
-        UpdateWindow(main_);
+        ShowWindow(main, SW_SHOW);
+        ASSERT_TRUE(BringForward(main));
+        UpdateWindow(main);
         ASSERT_TRUE(PumpAll());
-        log_.Take();
+        log.Take();
     }
 
     int Send(UINT message, int wParam = 0, LPARAM lParam = 0) {
-        return static_cast<int>(SendMessageA(list_, message, static_cast<WPARAM>(wParam), lParam));
+        return static_cast<int>(SendMessageA(list, message, static_cast<WPARAM>(wParam), lParam));
     }
     int Send(UINT message, int wParam, const char* text) { return Send(message, wParam, reinterpret_cast<LPARAM>(text)); }
 
@@ -108,9 +108,9 @@ protected:
     }
     std::string Selected() { return std::to_string(Send(LB_GETCURSEL)) + " top " + std::to_string(Send(LB_GETTOPINDEX)); }
 
-    MessageLog log_{{WM_COMMAND}};
-    HWND main_ = nullptr;
-    HWND list_ = nullptr;
+    MessageLog log{{WM_COMMAND}};
+    HWND main = nullptr;
+    HWND list = nullptr;
 };
 
 }  // namespace
@@ -123,7 +123,7 @@ TEST_F(ListBoxTest, RowsAreInsertedAndDeleted) {
     EXPECT_EQ(Send(LB_INSERTSTRING, 2, "c"), 2);
     EXPECT_EQ(Send(LB_INSERTSTRING, 5, "x"), LB_ERR);
     EXPECT_EQ(Send(LB_GETCOUNT), 4);
-    EXPECT_EQ(log_.Take(), Lines({"measure 0", "measure 0", "measure 2", "measure 2"}));
+    EXPECT_EQ(log.Take(), Lines({"measure 0", "measure 0", "measure 2", "measure 2"}));
     EXPECT_TRUE(areFieldsRight);
     EXPECT_EQ(Text(0) + Text(1) + Text(2) + Text(3), "abcd");
     EXPECT_EQ(Send(LB_GETTEXTLEN, 3), 1);
@@ -143,7 +143,7 @@ TEST_F(ListBoxTest, RowsAreInsertedAndDeleted) {
     Send(LB_RESETCONTENT);
     EXPECT_EQ(Send(LB_GETCOUNT), 0);
     EXPECT_EQ(Send(LB_GETCURSEL), LB_ERR);
-    EXPECT_EQ(log_.Take(), "") << "the parent hears of the user's doings alone";
+    EXPECT_EQ(log.Take(), "") << "the parent hears of the user's doings alone";
 }
 
 TEST_F(ListBoxTest, SelectionByMessageScrollsAndTellsNobody) {
@@ -157,7 +157,7 @@ TEST_F(ListBoxTest, SelectionByMessageScrollsAndTellsNobody) {
     EXPECT_EQ(Selected(), "3 top 3");
     EXPECT_EQ(Send(LB_SETCURSEL, -1), LB_ERR);
     EXPECT_EQ(Selected(), "-1 top 3");
-    EXPECT_EQ(log_.Take(), "");
+    EXPECT_EQ(log.Take(), "");
 
     Send(LB_SETCURSEL, 3);
     Send(LB_INSERTSTRING, 0, "new");
@@ -193,7 +193,7 @@ TEST_F(ListBoxTest, PlacesOfRows) {
     EXPECT_EQ(Place(19), "80 to 100");
 
     // Where the last row in sight is cut off, the list scrolls far enough to show a selected row whole.
-    MoveWindow(list_, 10, 10, kWidth, kHeight - 5, TRUE);
+    MoveWindow(list, 10, 10, kWidth, kHeight - 5, TRUE);
     Send(LB_SETTOPINDEX, 0);
     Send(LB_SETCURSEL, 4);
     EXPECT_EQ(Place(4), "60 to 80");
@@ -203,8 +203,8 @@ TEST_F(ListBoxTest, PlacesOfRows) {
 
 TEST_F(ListBoxTest, KeysMoveTheSelection) {
     FillAndShow(20);
-    SetFocus(list_);
-    log_.Take();
+    SetFocus(list);
+    log.Take();
     EXPECT_EQ(Press(VK_DOWN), "0 top 0");
     EXPECT_EQ(Press(VK_DOWN), "1 top 0");
     EXPECT_EQ(Press(VK_NEXT), "5 top 1") << "a page less one row";
@@ -218,12 +218,12 @@ TEST_F(ListBoxTest, KeysMoveTheSelection) {
     EXPECT_EQ(Press(VK_RIGHT), "1 top 0");
     EXPECT_EQ(Press(VK_LEFT), "0 top 0");
 
-    log_.Take();
+    log.Take();
     Press(VK_DOWN);
-    EXPECT_NE(log_.Take().find("main WM_COMMAND id 1000 code 1 from list"), std::string::npos);
+    EXPECT_NE(log.Take().find("main WM_COMMAND id 1000 code 1 from list"), std::string::npos);
     Press(VK_SPACE);
     Press(VK_RETURN);
-    EXPECT_EQ(log_.Take(), "");
+    EXPECT_EQ(log.Take(), "");
 
     Send(LB_SETTOPINDEX, 12);
     EXPECT_EQ(Press(VK_DOWN), "2 top 2") << "the list comes back to a selection that is out of sight";
@@ -236,91 +236,91 @@ TEST_F(ListBoxTest, KeysMoveTheSelection) {
 TEST_F(ListBoxTest, MouseSelectsAndTellsOnRelease) {
     FillAndShow(20);
     SetMessageHook(nullptr);
-    log_.Record({WM_COMMAND, WM_SETFOCUS, WM_CAPTURECHANGED, WM_LBUTTONDOWN, WM_LBUTTONUP});
-    PostClick(list_, 10, 45);
+    log.Record({WM_COMMAND, WM_SETFOCUS, WM_CAPTURECHANGED, WM_LBUTTONDOWN, WM_LBUTTONUP});
+    PostClick(list, 10, 45);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"* list WM_LBUTTONDOWN keys 0x1 at 10,45", "list WM_SETFOCUS from main",
-                                  "main WM_COMMAND id 1000 code 4 from list", "* list WM_LBUTTONUP keys 0x0 at 10,45",
-                                  "list WM_CAPTURECHANGED to nobody", "main WM_COMMAND id 1000 code 1 from list"}));
+    EXPECT_EQ(log.Take(), Lines({"* list WM_LBUTTONDOWN keys 0x1 at 10,45", "list WM_SETFOCUS from main",
+                                 "main WM_COMMAND id 1000 code 4 from list", "* list WM_LBUTTONUP keys 0x0 at 10,45",
+                                 "list WM_CAPTURECHANGED to nobody", "main WM_COMMAND id 1000 code 1 from list"}));
     EXPECT_EQ(Selected(), "2 top 0");
 
-    log_.Record({WM_COMMAND});
+    log.Record({WM_COMMAND});
     Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 5));
     EXPECT_EQ(Selected(), "0 top 0") << "selected with the press already";
-    EXPECT_EQ(log_.Take(), "");
+    EXPECT_EQ(log.Take(), "");
     Send(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(10, 25));
     EXPECT_EQ(Selected(), "1 top 0");
     Send(WM_LBUTTONUP, 0, MAKELPARAM(10, 25));
-    EXPECT_EQ(log_.Take(), Lines({"main WM_COMMAND id 1000 code 1 from list"}));
+    EXPECT_EQ(log.Take(), Lines({"main WM_COMMAND id 1000 code 1 from list"}));
 
     Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 25));
     Send(WM_LBUTTONUP, 0, MAKELPARAM(10, 25));
-    EXPECT_EQ(log_.Take(), Lines({"main WM_COMMAND id 1000 code 1 from list"})) << "told for the selected row as well";
+    EXPECT_EQ(log.Take(), Lines({"main WM_COMMAND id 1000 code 1 from list"})) << "told for the selected row as well";
     Send(WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(10, 25));
     Send(WM_LBUTTONUP, 0, MAKELPARAM(10, 25));
-    EXPECT_EQ(log_.Take(), Lines({"main WM_COMMAND id 1000 code 2 from list"}));
+    EXPECT_EQ(log.Take(), Lines({"main WM_COMMAND id 1000 code 2 from list"}));
 
     Send(LB_RESETCONTENT);
     Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 5));
     Send(WM_LBUTTONUP, 0, MAKELPARAM(10, 5));
     EXPECT_EQ(Selected(), "-1 top 0");
-    EXPECT_EQ(log_.Take(), "");
+    EXPECT_EQ(log.Take(), "");
 }
 
 TEST_F(ListBoxTest, RowsAreDrawnByTheParent) {
     FillAndShow(3);
     Send(LB_SETCURSEL, 1);
-    EXPECT_EQ(log_.Take(), Lines({"draw 1 select state 0x1 at 20 to 40"}));
-    SetFocus(list_);
-    EXPECT_EQ(log_.Take(), Lines({"draw 1 focus state 0x11 at 20 to 40", "main WM_COMMAND id 1000 code 4 from list"}));
+    EXPECT_EQ(log.Take(), Lines({"draw 1 select state 0x1 at 20 to 40"}));
+    SetFocus(list);
+    EXPECT_EQ(log.Take(), Lines({"draw 1 focus state 0x11 at 20 to 40", "main WM_COMMAND id 1000 code 4 from list"}));
     ASSERT_TRUE(PumpAll());
-    log_.Take();
+    log.Take();
 
-    InvalidateRect(list_, nullptr, TRUE);
+    InvalidateRect(list, nullptr, TRUE);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"draw 0 entire state 0x0 at 0 to 20", "draw 1 entire state 0x1 at 20 to 40",
-                                  "draw 2 entire state 0x0 at 40 to 60", "draw 1 focus state 0x11 at 20 to 40"}))
+    EXPECT_EQ(log.Take(), Lines({"draw 0 entire state 0x0 at 0 to 20", "draw 1 entire state 0x1 at 20 to 40",
+                                 "draw 2 entire state 0x0 at 40 to 60", "draw 1 focus state 0x11 at 20 to 40"}))
         << "the focus is drawn behind all rows";
 
     Send(WM_KEYDOWN, VK_UP);
-    EXPECT_EQ(log_.Take(), Lines({"draw 1 focus state 0x1 at 20 to 40", "draw 1 select state 0x0 at 20 to 40",
-                                  "draw 0 select state 0x1 at 0 to 20", "draw 0 focus state 0x11 at 0 to 20",
-                                  "main WM_COMMAND id 1000 code 1 from list"}));
-    SetFocus(main_);
-    EXPECT_EQ(log_.Take(), Lines({"draw 0 focus state 0x1 at 0 to 20", "main WM_COMMAND id 1000 code 5 from list"}));
+    EXPECT_EQ(log.Take(), Lines({"draw 1 focus state 0x1 at 20 to 40", "draw 1 select state 0x0 at 20 to 40",
+                                 "draw 0 select state 0x1 at 0 to 20", "draw 0 focus state 0x11 at 0 to 20",
+                                 "main WM_COMMAND id 1000 code 1 from list"}));
+    SetFocus(main);
+    EXPECT_EQ(log.Take(), Lines({"draw 0 focus state 0x1 at 0 to 20", "main WM_COMMAND id 1000 code 5 from list"}));
 
-    EnableWindow(list_, FALSE);
+    EnableWindow(list, FALSE);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"draw 0 entire state 0x5 at 0 to 20", "draw 1 entire state 0x4 at 20 to 40",
-                                  "draw 2 entire state 0x4 at 40 to 60"}));
+    EXPECT_EQ(log.Take(), Lines({"draw 0 entire state 0x5 at 0 to 20", "draw 1 entire state 0x4 at 20 to 40",
+                                 "draw 2 entire state 0x4 at 40 to 60"}));
     EXPECT_TRUE(areFieldsRight);
 }
 
 TEST_F(ListBoxTest, NothingIsDrawnWhileRedrawingIsOff) {
     FillAndShow(3);
     Send(WM_SETREDRAW, FALSE);
-    EXPECT_TRUE(IsWindowVisible(list_));
+    EXPECT_TRUE(IsWindowVisible(list));
     Send(LB_SETCURSEL, 1);
     Send(LB_DELETESTRING, 2);
     Send(LB_INSERTSTRING, 2, "other");
     Send(LB_SETITEMDATA, 2, 102);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"measure 2"}));
+    EXPECT_EQ(log.Take(), Lines({"measure 2"}));
     Send(WM_SETREDRAW, TRUE);
-    EXPECT_TRUE(IsWindowVisible(list_));
-    InvalidateRect(list_, nullptr, TRUE);
+    EXPECT_TRUE(IsWindowVisible(list));
+    InvalidateRect(list, nullptr, TRUE);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"draw 0 entire state 0x0 at 0 to 20", "draw 1 entire state 0x1 at 20 to 40",
-                                  "draw 2 entire state 0x0 at 40 to 60"}));
+    EXPECT_EQ(log.Take(), Lines({"draw 0 entire state 0x0 at 0 to 20", "draw 1 entire state 0x1 at 20 to 40",
+                                 "draw 2 entire state 0x0 at 40 to 60"}));
 }
 
 TEST_F(ListBoxTest, ChangesAreDrawnLater) {
     FillAndShow(3);
     Send(LB_INSERTSTRING, 3, "row 3");
     Send(LB_SETITEMDATA, 3, 103);
-    EXPECT_EQ(log_.Take(), Lines({"measure 3"}));
+    EXPECT_EQ(log.Take(), Lines({"measure 3"}));
     ASSERT_TRUE(PumpAll());
-    EXPECT_NE(log_.Take().find("draw 3 entire state 0x0 at 60 to 80"), std::string::npos);
+    EXPECT_NE(log.Take().find("draw 3 entire state 0x0 at 60 to 80"), std::string::npos);
 
     // A row may get its height while it is drawn; what is below it then has another place.
     SetMessageHook([](HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -331,8 +331,8 @@ TEST_F(ListBoxTest, ChangesAreDrawnLater) {
         }
         return isDone;
     });
-    InvalidateRect(list_, nullptr, TRUE);
+    InvalidateRect(list, nullptr, TRUE);
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(Place(3), "75 to 100");
-    EXPECT_NE(log_.Take().find("draw 3 entire state 0x0 at 75 to 100"), std::string::npos);
+    EXPECT_NE(log.Take().find("draw 3 entire state 0x0 at 75 to 100"), std::string::npos);
 }

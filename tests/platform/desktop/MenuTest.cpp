@@ -12,63 +12,63 @@ namespace {
 class MenuTest : public testing::Test {
 protected:
     void SetUp() override {
-        menu_ = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
-        ASSERT_NE(menu_, nullptr);
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400, menu_);
+        menu = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_MENU));
+        ASSERT_NE(menu, nullptr);
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400, menu);
     }
-    void TearDown() override { DestroyWindow(main_); }
+    void TearDown() override { DestroyWindow(main); }
 
     std::string Text(UINT item, UINT flags) {
         char text[64] = "";
-        GetMenuStringA(menu_, item, text, sizeof text, flags);
+        GetMenuStringA(menu, item, text, sizeof text, flags);
         return text;
     }
 
-    MessageLog log_{{}};
-    HMENU menu_ = nullptr;
-    HWND main_ = nullptr;
+    MessageLog log{{}};
+    HMENU menu = nullptr;
+    HWND main = nullptr;
 };
 
 }  // namespace
 
 TEST_F(MenuTest, ItemsAndTheirStates) {
-    EXPECT_EQ(GetMenu(main_), menu_);
-    EXPECT_EQ(GetMenuItemCount(menu_), 5);
-    HMENU edit = GetSubMenu(menu_, 1);
+    EXPECT_EQ(GetMenu(main), menu);
+    EXPECT_EQ(GetMenuItemCount(menu), 5);
+    HMENU edit = GetSubMenu(menu, 1);
     EXPECT_EQ(GetMenuItemCount(edit), 3);
-    EXPECT_EQ(GetSubMenu(menu_, 5), nullptr);
+    EXPECT_EQ(GetSubMenu(menu, 5), nullptr);
     EXPECT_EQ(GetMenuItemID(edit, 0), static_cast<UINT>(IDM_UNDO));
     EXPECT_EQ(GetMenuItemID(edit, 1), 0U) << "a separator";
-    EXPECT_EQ(GetMenuItemID(menu_, 1), static_cast<UINT>(-1)) << "a popup";
+    EXPECT_EQ(GetMenuItemID(menu, 1), static_cast<UINT>(-1)) << "a popup";
 
-    EXPECT_EQ(GetMenuState(menu_, IDM_UNDO, MF_BYCOMMAND), 0U);
-    EXPECT_EQ(EnableMenuItem(menu_, IDM_UNDO, MF_BYCOMMAND | MF_GRAYED), static_cast<BOOL>(MF_ENABLED));
+    EXPECT_EQ(GetMenuState(menu, IDM_UNDO, MF_BYCOMMAND), 0U);
+    EXPECT_EQ(EnableMenuItem(menu, IDM_UNDO, MF_BYCOMMAND | MF_GRAYED), static_cast<BOOL>(MF_ENABLED));
     EXPECT_EQ(GetMenuState(edit, 0, MF_BYPOSITION), MF_GRAYED);
-    EXPECT_EQ(EnableMenuItem(menu_, IDM_UNDO, MF_BYCOMMAND | MF_ENABLED), static_cast<BOOL>(MF_GRAYED));
-    EXPECT_EQ(EnableMenuItem(menu_, 12345, MF_BYCOMMAND | MF_GRAYED), -1);
-    EXPECT_EQ(GetMenuState(menu_, 12345, MF_BYCOMMAND), static_cast<UINT>(-1));
-    EXPECT_EQ(GetMenuState(menu_, 1, MF_BYPOSITION), MF_POPUP | 3 << 8) << "a popup tells the number of its items";
+    EXPECT_EQ(EnableMenuItem(menu, IDM_UNDO, MF_BYCOMMAND | MF_ENABLED), static_cast<BOOL>(MF_GRAYED));
+    EXPECT_EQ(EnableMenuItem(menu, 12345, MF_BYCOMMAND | MF_GRAYED), -1);
+    EXPECT_EQ(GetMenuState(menu, 12345, MF_BYCOMMAND), static_cast<UINT>(-1));
+    EXPECT_EQ(GetMenuState(menu, 1, MF_BYPOSITION), MF_POPUP | 3 << 8) << "a popup tells the number of its items";
     EXPECT_NE(GetMenuState(edit, 1, MF_BYPOSITION) & MF_SEPARATOR, 0U);
 
     MENUITEMINFOA info = {};
     info.cbSize = sizeof info;
     info.fMask = MIIM_STATE;
-    EXPECT_TRUE(GetMenuItemInfoA(menu_, IDM_STATUS_BAR, FALSE, &info));
+    EXPECT_TRUE(GetMenuItemInfoA(menu, IDM_STATUS_BAR, FALSE, &info));
     EXPECT_EQ(info.fState, MFS_CHECKED);
     info.fState ^= MFS_CHECKED;
-    EXPECT_TRUE(SetMenuItemInfoA(menu_, IDM_STATUS_BAR, FALSE, &info));
-    EXPECT_EQ(GetMenuState(menu_, IDM_STATUS_BAR, MF_BYCOMMAND), 0U);
+    EXPECT_TRUE(SetMenuItemInfoA(menu, IDM_STATUS_BAR, FALSE, &info));
+    EXPECT_EQ(GetMenuState(menu, IDM_STATUS_BAR, MF_BYCOMMAND), 0U);
 
     EXPECT_NE(Text(IDM_UNDO, MF_BYCOMMAND).find("\tCtrl+U"), std::string::npos);
     EXPECT_EQ(Text(4, MF_BYPOSITION).substr(Text(4, MF_BYPOSITION).size() - 4), "(&H)");
 }
 
 TEST_F(MenuTest, KeysOpenItAndChoose) {
-    ShowWindow(main_, SW_SHOW);
-    ASSERT_TRUE(BringForward(main_));
+    ShowWindow(main, SW_SHOW);
+    ASSERT_TRUE(BringForward(main));
     ASSERT_TRUE(PumpAll());
-    EnableMenuItem(menu_, IDM_UNDO, MF_BYCOMMAND | MF_GRAYED);
-    log_.Record({WM_ENTERMENULOOP, WM_INITMENU, WM_INITMENUPOPUP, WM_MENUSELECT, WM_COMMAND, WM_EXITMENULOOP});
+    EnableMenuItem(menu, IDM_UNDO, MF_BYCOMMAND | MF_GRAYED);
+    log.Record({WM_ENTERMENULOOP, WM_INITMENU, WM_INITMENUPOPUP, WM_MENUSELECT, WM_COMMAND, WM_EXITMENULOOP});
     const std::string begin = Lines({"main WM_ENTERMENULOOP", "main WM_INITMENU"});
     const std::string end = Lines({"main WM_MENUSELECT item 0 flags 0xFFFF no menu", "main WM_EXITMENULOOP"});
     const struct {
@@ -110,7 +110,7 @@ TEST_F(MenuTest, KeysOpenItAndChoose) {
             PressKeys(keys);
         }
         std::string seen;
-        PumpUntil([&] { return (seen += log_.Take()).size() >= menuCase.lines.size(); });
+        PumpUntil([&] { return (seen += log.Take()).size() >= menuCase.lines.size(); });
         EXPECT_EQ(seen, menuCase.lines) << menuCase.what;
     }
 }
@@ -118,32 +118,32 @@ TEST_F(MenuTest, KeysOpenItAndChoose) {
 TEST_F(MenuTest, AcceleratorsSendTheirCommand) {
     HACCEL table = LoadAcceleratorsA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDR_ACCELERATORS));
     ASSERT_NE(table, nullptr);
-    log_.Record({WM_COMMAND});
+    log.Record({WM_COMMAND});
     MSG message = {};
-    message.hwnd = main_;
+    message.hwnd = main;
     const auto translate = [&](UINT kind, int key) {
         message.message = kind;
         message.wParam = static_cast<WPARAM>(key);
-        return TranslateAcceleratorA(main_, table, &message) != 0;
+        return TranslateAcceleratorA(main, table, &message) != 0;
     };
     EXPECT_TRUE(translate(WM_KEYDOWN, VK_RETURN));
-    EXPECT_EQ(log_.Take(), Lines({"main WM_COMMAND id 40007 code 1 from nobody"}));
+    EXPECT_EQ(log.Take(), Lines({"main WM_COMMAND id 40007 code 1 from nobody"}));
     EXPECT_FALSE(translate(WM_KEYUP, VK_RETURN));
     EXPECT_FALSE(translate(WM_CHAR, VK_RETURN));
     EXPECT_FALSE(translate(WM_KEYDOWN, 'U')) << "Ctrl is not held";
-    EXPECT_EQ(log_.Take(), "");
+    EXPECT_EQ(log.Take(), "");
 
-    ShowWindow(main_, SW_SHOW);
-    ASSERT_TRUE(BringForward(main_));
+    ShowWindow(main, SW_SHOW);
+    ASSERT_TRUE(BringForward(main));
     // As in a program's loop, for the key has to be held when its message is fetched.
     PressKeys({VK_CONTROL, 'U'});
     const DWORD begin = GetTickCount();
     std::string seen;
-    while ((seen += log_.Take()).empty() && GetTickCount() - begin < kLimitMs) {
+    while ((seen += log.Take()).empty() && GetTickCount() - begin < kLimitMs) {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
         MSG next;
         while (PeekMessageA(&next, nullptr, 0, 0, PM_REMOVE)) {
-            if (!TranslateAcceleratorA(main_, table, &next)) {
+            if (!TranslateAcceleratorA(main, table, &next)) {
                 DispatchMessageA(&next);
             }
         }

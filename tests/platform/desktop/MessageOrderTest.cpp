@@ -13,260 +13,260 @@ constexpr int kEditId = 102;
 class MessageOrderTest : public testing::Test {
 protected:
     void Make() {
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
-        button_ = MakeChild("BUTTON", BS_PUSHBUTTON, main_, kButtonId, 10, 10, 80, 24);
-        edit_ = MakeChild("EDIT", ES_AUTOHSCROLL, main_, kEditId, 10, 50, 80, 24);
-        log_.Watch(button_, "button");
-        log_.Watch(edit_, "edit");
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW);
+        button = MakeChild("BUTTON", BS_PUSHBUTTON, main, kButtonId, 10, 10, 80, 24);
+        edit = MakeChild("EDIT", ES_AUTOHSCROLL, main, kEditId, 10, 50, 80, 24);
+        log.Watch(button, "button");
+        log.Watch(edit, "edit");
     }
 
     void MakeAndShow() {
         Make();
-        ShowWindow(main_, SW_SHOW);
-        ASSERT_TRUE(BringForward(main_));
-        UpdateWindow(main_);
+        ShowWindow(main, SW_SHOW);
+        ASSERT_TRUE(BringForward(main));
+        UpdateWindow(main);
         ASSERT_TRUE(PumpAll());
-        log_.Take();
+        log.Take();
     }
 
     void TearDown() override {
-        if (IsWindow(main_)) {
-            DestroyWindow(main_);
+        if (IsWindow(main)) {
+            DestroyWindow(main);
         }
     }
 
     // A WM_SIZE line with the window's present client size.
     std::string SizeLine(const char* window, int kind) const {
         RECT client = {};
-        GetClientRect(main_, &client);
+        GetClientRect(main, &client);
         return std::string(window) + " WM_SIZE kind " + std::to_string(kind) + ", " + std::to_string(client.right) + "x" +
                std::to_string(client.bottom) + "\n";
     }
 
-    MessageLog log_{{}};
-    HWND main_ = nullptr;
-    HWND button_ = nullptr;
-    HWND edit_ = nullptr;
+    MessageLog log{{}};
+    HWND main = nullptr;
+    HWND button = nullptr;
+    HWND edit = nullptr;
 };
 
 }  // namespace
 
 TEST_F(MessageOrderTest, CreateAndDestroy) {
-    log_.Record({WM_GETMINMAXINFO, WM_NCCREATE, WM_NCCALCSIZE, WM_CREATE, WM_SIZE, WM_MOVE, WM_SHOWWINDOW, WM_CLOSE,
-                 WM_DESTROY, WM_NCDESTROY});
+    log.Record({WM_GETMINMAXINFO, WM_NCCREATE, WM_NCCALCSIZE, WM_CREATE, WM_SIZE, WM_MOVE, WM_SHOWWINDOW, WM_CLOSE,
+                WM_DESTROY, WM_NCDESTROY});
     Make();
-    EXPECT_EQ(log_.Take(),
+    EXPECT_EQ(log.Take(),
               Lines({"(new) WM_GETMINMAXINFO", "main WM_NCCREATE", "main WM_NCCALCSIZE new alone", "main WM_CREATE"}));
-    EXPECT_FALSE(IsWindowVisible(main_));
-    EXPECT_FALSE(IsWindowVisible(button_)) << "a child is only as visible as its parents";
+    EXPECT_FALSE(IsWindowVisible(main));
+    EXPECT_FALSE(IsWindowVisible(button)) << "a child is only as visible as its parents";
 
-    HWND child = MakeTestWindow("child", WS_CHILD | WS_VISIBLE, main_, 40, 30);
-    EXPECT_EQ(log_.Take(), Lines({"child WM_NCCREATE", "child WM_NCCALCSIZE new alone", "child WM_CREATE",
-                                  "child WM_SIZE kind 0, 40x30", "child WM_MOVE", "child WM_SHOWWINDOW show"}));
+    HWND child = MakeTestWindow("child", WS_CHILD | WS_VISIBLE, main, 40, 30);
+    EXPECT_EQ(log.Take(), Lines({"child WM_NCCREATE", "child WM_NCCALCSIZE new alone", "child WM_CREATE",
+                                 "child WM_SIZE kind 0, 40x30", "child WM_MOVE", "child WM_SHOWWINDOW show"}));
     DestroyWindow(child);
-    EXPECT_EQ(log_.Take(), Lines({"child WM_SHOWWINDOW hide", "child WM_DESTROY", "child WM_NCDESTROY"}));
+    EXPECT_EQ(log.Take(), Lines({"child WM_SHOWWINDOW hide", "child WM_DESTROY", "child WM_NCDESTROY"}));
 
-    DestroyWindow(main_);
-    EXPECT_EQ(log_.Take(), Lines({"main WM_DESTROY", "button WM_DESTROY", "edit WM_DESTROY", "button WM_NCDESTROY",
-                                  "edit WM_NCDESTROY", "main WM_NCDESTROY"}));
+    DestroyWindow(main);
+    EXPECT_EQ(log.Take(), Lines({"main WM_DESTROY", "button WM_DESTROY", "edit WM_DESTROY", "button WM_NCDESTROY",
+                                 "edit WM_NCDESTROY", "main WM_NCDESTROY"}));
 }
 
 TEST_F(MessageOrderTest, ShowAndHide) {
     Make();
-    log_.Record({WM_SHOWWINDOW, WM_WINDOWPOSCHANGING, WM_ACTIVATEAPP, WM_NCACTIVATE, WM_ACTIVATE, WM_SETFOCUS, WM_KILLFOCUS,
-                 WM_WINDOWPOSCHANGED, WM_SIZE, WM_MOVE});
-    EXPECT_FALSE(ShowWindow(main_, SW_SHOW));
-    EXPECT_EQ(log_.Take(),
+    log.Record({WM_SHOWWINDOW, WM_WINDOWPOSCHANGING, WM_ACTIVATEAPP, WM_NCACTIVATE, WM_ACTIVATE, WM_SETFOCUS, WM_KILLFOCUS,
+                WM_WINDOWPOSCHANGED, WM_SIZE, WM_MOVE});
+    EXPECT_FALSE(ShowWindow(main, SW_SHOW));
+    EXPECT_EQ(log.Take(),
               Lines({"main WM_SHOWWINDOW show", "main WM_WINDOWPOSCHANGING nosize nomove show", "main WM_ACTIVATEAPP active",
                      "main WM_NCACTIVATE active", "main WM_ACTIVATE state 1, other nobody", "main WM_SETFOCUS from nobody",
                      "main WM_WINDOWPOSCHANGED nosize nomove nozorder show"}) +
                   SizeLine("main", 0) + Lines({"main WM_MOVE"}));
-    EXPECT_TRUE(IsWindowVisible(button_));
-    EXPECT_TRUE(ShowWindow(main_, SW_SHOW));
-    EXPECT_EQ(log_.Take(), "") << "it was visible already";
+    EXPECT_TRUE(IsWindowVisible(button));
+    EXPECT_TRUE(ShowWindow(main, SW_SHOW));
+    EXPECT_EQ(log.Take(), "") << "it was visible already";
 
-    EXPECT_TRUE(ShowWindow(main_, SW_HIDE));
-    EXPECT_EQ(log_.Take(), Lines({"main WM_SHOWWINDOW hide", "main WM_WINDOWPOSCHANGING nosize nomove hide",
-                                  "main WM_WINDOWPOSCHANGED nosize nomove nozorder hide", "main WM_NCACTIVATE inactive",
-                                  "main WM_ACTIVATE state 0, other nobody", "main WM_ACTIVATEAPP inactive",
-                                  "main WM_KILLFOCUS to nobody"}));
-    EXPECT_FALSE(ShowWindow(main_, SW_HIDE));
-    EXPECT_EQ(log_.Take(), "");
+    EXPECT_TRUE(ShowWindow(main, SW_HIDE));
+    EXPECT_EQ(log.Take(), Lines({"main WM_SHOWWINDOW hide", "main WM_WINDOWPOSCHANGING nosize nomove hide",
+                                 "main WM_WINDOWPOSCHANGED nosize nomove nozorder hide", "main WM_NCACTIVATE inactive",
+                                 "main WM_ACTIVATE state 0, other nobody", "main WM_ACTIVATEAPP inactive",
+                                 "main WM_KILLFOCUS to nobody"}));
+    EXPECT_FALSE(ShowWindow(main, SW_HIDE));
+    EXPECT_EQ(log.Take(), "");
 
-    log_.Record({WM_SHOWWINDOW, WM_ACTIVATE, WM_SETFOCUS, WM_SIZE, WM_MOVE});
-    EXPECT_FALSE(ShowWindow(main_, SW_SHOW));
-    EXPECT_EQ(log_.Take(),
+    log.Record({WM_SHOWWINDOW, WM_ACTIVATE, WM_SETFOCUS, WM_SIZE, WM_MOVE});
+    EXPECT_FALSE(ShowWindow(main, SW_SHOW));
+    EXPECT_EQ(log.Take(),
               Lines({"main WM_SHOWWINDOW show", "main WM_ACTIVATE state 1, other nobody", "main WM_SETFOCUS from nobody"}))
         << "place and size are told when a window is first shown";
 }
 
 TEST_F(MessageOrderTest, MoveAndSize) {
     MakeAndShow();
-    log_.Record({WM_WINDOWPOSCHANGING, WM_GETMINMAXINFO, WM_NCCALCSIZE, WM_WINDOWPOSCHANGED, WM_MOVE, WM_SIZE});
-    MoveWindow(button_, 20, 20, 90, 30, TRUE);
-    EXPECT_EQ(log_.Take(),
+    log.Record({WM_WINDOWPOSCHANGING, WM_GETMINMAXINFO, WM_NCCALCSIZE, WM_WINDOWPOSCHANGED, WM_MOVE, WM_SIZE});
+    MoveWindow(button, 20, 20, 90, 30, TRUE);
+    EXPECT_EQ(log.Take(),
               Lines({"button WM_WINDOWPOSCHANGING nozorder noactivate", "button WM_NCCALCSIZE with old and new",
                      "button WM_WINDOWPOSCHANGED nozorder noactivate", "button WM_MOVE", "button WM_SIZE kind 0, 90x30"}));
-    MoveWindow(button_, 20, 20, 90, 30, TRUE);
-    EXPECT_EQ(log_.Take(), Lines({"button WM_WINDOWPOSCHANGING nozorder noactivate"})) << "nothing changes";
-    SetWindowPos(button_, nullptr, 30, 20, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    EXPECT_EQ(log_.Take(), Lines({"button WM_WINDOWPOSCHANGING nosize nozorder",
-                                  "button WM_WINDOWPOSCHANGED nosize nozorder", "button WM_MOVE"}));
-    SetWindowPos(button_, nullptr, 0, 0, 50, 20, SWP_NOMOVE | SWP_NOZORDER);
-    EXPECT_EQ(log_.Take(), Lines({"button WM_WINDOWPOSCHANGING nomove nozorder", "button WM_NCCALCSIZE with old and new",
-                                  "button WM_WINDOWPOSCHANGED nomove nozorder", "button WM_SIZE kind 0, 50x20"}));
-    SetWindowPos(button_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
-    EXPECT_EQ(log_.Take(), Lines({"button WM_WINDOWPOSCHANGING nosize nomove nozorder framechanged",
-                                  "button WM_NCCALCSIZE with old and new",
-                                  "button WM_WINDOWPOSCHANGED nosize nomove nozorder framechanged"}));
+    MoveWindow(button, 20, 20, 90, 30, TRUE);
+    EXPECT_EQ(log.Take(), Lines({"button WM_WINDOWPOSCHANGING nozorder noactivate"})) << "nothing changes";
+    SetWindowPos(button, nullptr, 30, 20, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    EXPECT_EQ(log.Take(), Lines({"button WM_WINDOWPOSCHANGING nosize nozorder", "button WM_WINDOWPOSCHANGED nosize nozorder",
+                                 "button WM_MOVE"}));
+    SetWindowPos(button, nullptr, 0, 0, 50, 20, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(log.Take(), Lines({"button WM_WINDOWPOSCHANGING nomove nozorder", "button WM_NCCALCSIZE with old and new",
+                                 "button WM_WINDOWPOSCHANGED nomove nozorder", "button WM_SIZE kind 0, 50x20"}));
+    SetWindowPos(button, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
+    EXPECT_EQ(log.Take(), Lines({"button WM_WINDOWPOSCHANGING nosize nomove nozorder framechanged",
+                                 "button WM_NCCALCSIZE with old and new",
+                                 "button WM_WINDOWPOSCHANGED nosize nomove nozorder framechanged"}));
 
-    SetWindowPos(main_, nullptr, 0, 0, 320, 240, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    EXPECT_EQ(log_.Take(),
+    SetWindowPos(main, nullptr, 0, 0, 320, 240, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    EXPECT_EQ(log.Take(),
               Lines({"main WM_WINDOWPOSCHANGING nomove nozorder noactivate", "main WM_GETMINMAXINFO",
                      "main WM_NCCALCSIZE with old and new", "main WM_WINDOWPOSCHANGED nomove nozorder noactivate"}) +
                   SizeLine("main", 0));
     RECT rect = {};
-    GetWindowRect(main_, &rect);
+    GetWindowRect(main, &rect);
     EXPECT_EQ(rect.right - rect.left, 320);
     EXPECT_EQ(rect.bottom - rect.top, 240);
 }
 
 TEST_F(MessageOrderTest, FocusMovesBetweenWindows) {
     MakeAndShow();
-    log_.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_COMMAND, WM_ENABLE});
-    EXPECT_EQ(SetFocus(button_), main_);
-    EXPECT_EQ(SetFocus(edit_), button_);
-    EXPECT_EQ(log_.Take(),
+    log.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_COMMAND, WM_ENABLE});
+    EXPECT_EQ(SetFocus(button), main);
+    EXPECT_EQ(SetFocus(edit), button);
+    EXPECT_EQ(log.Take(),
               Lines({"main WM_KILLFOCUS to button", "button WM_SETFOCUS from main", "button WM_KILLFOCUS to edit",
                      "edit WM_SETFOCUS from button", "main WM_COMMAND id 102 code 256 from edit"}));
-    EXPECT_EQ(SetFocus(edit_), edit_);
-    EXPECT_EQ(log_.Take(), "");
-    EXPECT_EQ(SetFocus(nullptr), edit_);
+    EXPECT_EQ(SetFocus(edit), edit);
+    EXPECT_EQ(log.Take(), "");
+    EXPECT_EQ(SetFocus(nullptr), edit);
     EXPECT_EQ(GetFocus(), nullptr);
-    EXPECT_EQ(GetActiveWindow(), main_);
-    EXPECT_EQ(SetFocus(main_), nullptr);
-    EXPECT_EQ(log_.Take(), Lines({"edit WM_KILLFOCUS to nobody", "main WM_COMMAND id 102 code 512 from edit",
-                                  "main WM_SETFOCUS from nobody"}));
+    EXPECT_EQ(GetActiveWindow(), main);
+    EXPECT_EQ(SetFocus(main), nullptr);
+    EXPECT_EQ(log.Take(), Lines({"edit WM_KILLFOCUS to nobody", "main WM_COMMAND id 102 code 512 from edit",
+                                 "main WM_SETFOCUS from nobody"}));
 }
 
 TEST_F(MessageOrderTest, FocusLeavesWhatCannotHaveIt) {
     MakeAndShow();
-    log_.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_ENABLE});
-    EXPECT_FALSE(EnableWindow(button_, FALSE));
-    EXPECT_TRUE(EnableWindow(button_, FALSE));
-    EXPECT_EQ(log_.Take(), Lines({"button WM_ENABLE off"}));
-    EXPECT_EQ(SetFocus(button_), nullptr);
-    EXPECT_EQ(GetFocus(), main_) << "a disabled window gets no focus";
-    EXPECT_EQ(log_.Take(), "");
-    EXPECT_TRUE(EnableWindow(button_, TRUE));
+    log.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_ENABLE});
+    EXPECT_FALSE(EnableWindow(button, FALSE));
+    EXPECT_TRUE(EnableWindow(button, FALSE));
+    EXPECT_EQ(log.Take(), Lines({"button WM_ENABLE off"}));
+    EXPECT_EQ(SetFocus(button), nullptr);
+    EXPECT_EQ(GetFocus(), main) << "a disabled window gets no focus";
+    EXPECT_EQ(log.Take(), "");
+    EXPECT_TRUE(EnableWindow(button, TRUE));
 
-    SetFocus(button_);
-    log_.Take();
-    EnableWindow(button_, FALSE);
+    SetFocus(button);
+    log.Take();
+    EnableWindow(button, FALSE);
     EXPECT_EQ(GetFocus(), nullptr);
-    EXPECT_EQ(log_.Take(), Lines({"button WM_KILLFOCUS to nobody", "button WM_ENABLE off"}));
+    EXPECT_EQ(log.Take(), Lines({"button WM_KILLFOCUS to nobody", "button WM_ENABLE off"}));
 
-    SetFocus(edit_);
-    ShowWindow(edit_, SW_HIDE);
-    EXPECT_EQ(GetFocus(), main_);
-    EXPECT_EQ(log_.Take(),
+    SetFocus(edit);
+    ShowWindow(edit, SW_HIDE);
+    EXPECT_EQ(GetFocus(), main);
+    EXPECT_EQ(log.Take(),
               Lines({"edit WM_SETFOCUS from nobody", "edit WM_KILLFOCUS to main", "main WM_SETFOCUS from edit"}));
-    EXPECT_EQ(SetFocus(edit_), main_);
-    EXPECT_EQ(GetFocus(), edit_) << "a hidden window may have the focus all the same";
+    EXPECT_EQ(SetFocus(edit), main);
+    EXPECT_EQ(GetFocus(), edit) << "a hidden window may have the focus all the same";
 
-    ShowWindow(edit_, SW_SHOW);
-    DestroyWindow(edit_);
-    EXPECT_EQ(GetFocus(), main_);
+    ShowWindow(edit, SW_SHOW);
+    DestroyWindow(edit);
+    EXPECT_EQ(GetFocus(), main);
 }
 
 TEST_F(MessageOrderTest, Click) {
     MakeAndShow();
-    log_.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_COMMAND, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE, WM_CAPTURECHANGED});
-    PostClick(button_, 5, 6);
+    log.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_COMMAND, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE, WM_CAPTURECHANGED});
+    PostClick(button, 5, 6);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"* button WM_LBUTTONDOWN keys 0x1 at 5,6", "main WM_KILLFOCUS to button",
-                                  "button WM_SETFOCUS from main", "* button WM_LBUTTONUP keys 0x0 at 5,6",
-                                  "button WM_CAPTURECHANGED to nobody", "main WM_COMMAND id 101 code 0 from button"}));
-    PostDrag(button_, 5, 6, 200, 6);
+    EXPECT_EQ(log.Take(), Lines({"* button WM_LBUTTONDOWN keys 0x1 at 5,6", "main WM_KILLFOCUS to button",
+                                 "button WM_SETFOCUS from main", "* button WM_LBUTTONUP keys 0x0 at 5,6",
+                                 "button WM_CAPTURECHANGED to nobody", "main WM_COMMAND id 101 code 0 from button"}));
+    PostDrag(button, 5, 6, 200, 6);
     ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(log_.Take(), Lines({"* button WM_LBUTTONDOWN keys 0x1 at 5,6", "* button WM_MOUSEMOVE keys 0x1 at 200,6",
-                                  "* button WM_LBUTTONUP keys 0x0 at 200,6", "button WM_CAPTURECHANGED to nobody"}))
+    EXPECT_EQ(log.Take(), Lines({"* button WM_LBUTTONDOWN keys 0x1 at 5,6", "* button WM_MOUSEMOVE keys 0x1 at 200,6",
+                                 "* button WM_LBUTTONUP keys 0x0 at 200,6", "button WM_CAPTURECHANGED to nobody"}))
         << "the press was taken back";
-    log_.Record({WM_COMMAND});
-    SendMessageA(button_, BM_CLICK, 0, 0);
-    EXPECT_EQ(log_.Take(), Lines({"main WM_COMMAND id 101 code 0 from button"}));
+    log.Record({WM_COMMAND});
+    SendMessageA(button, BM_CLICK, 0, 0);
+    EXPECT_EQ(log.Take(), Lines({"main WM_COMMAND id 101 code 0 from button"}));
 }
 
 TEST_F(MessageOrderTest, KeysOnAButton) {
     MakeAndShow();
-    log_.Record({WM_COMMAND, WM_CAPTURECHANGED, WM_KEYDOWN, WM_KEYUP, WM_CHAR});
-    SetFocus(button_);
+    log.Record({WM_COMMAND, WM_CAPTURECHANGED, WM_KEYDOWN, WM_KEYUP, WM_CHAR});
+    SetFocus(button);
     PressKeys({VK_SPACE});
     PressKeys({VK_RETURN});
     const std::string expected = Lines({"* button WM_KEYDOWN 0x20", "* button WM_CHAR 0x20", "* button WM_KEYUP 0x20",
                                         "button WM_CAPTURECHANGED to nobody", "main WM_COMMAND id 101 code 0 from button",
                                         "* button WM_KEYDOWN 0x0D", "* button WM_CHAR 0x0D", "* button WM_KEYUP 0x0D"});
     std::string seen;
-    PumpUntil([&] { return (seen += log_.Take()).size() >= expected.size(); });
+    PumpUntil([&] { return (seen += log.Take()).size() >= expected.size(); });
     EXPECT_EQ(seen, expected) << "Enter is the dialog's affair, not the button's";
 }
 
 TEST_F(MessageOrderTest, AnotherTopLevelWindow) {
     MakeAndShow();
-    SetFocus(edit_);
-    log_.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_NCACTIVATE, WM_ACTIVATE, WM_ACTIVATEAPP, WM_SHOWWINDOW, WM_SYSCOMMAND,
-                 WM_CLOSE, WM_DESTROY, WM_NCDESTROY});
+    SetFocus(edit);
+    log.Record({WM_SETFOCUS, WM_KILLFOCUS, WM_NCACTIVATE, WM_ACTIVATE, WM_ACTIVATEAPP, WM_SHOWWINDOW, WM_SYSCOMMAND,
+                WM_CLOSE, WM_DESTROY, WM_NCDESTROY});
     HWND second = MakeTestWindow("second", WS_OVERLAPPEDWINDOW);
     ShowWindow(second, SW_SHOW);
-    EXPECT_EQ(log_.Take(),
+    EXPECT_EQ(log.Take(),
               Lines({"second WM_SHOWWINDOW show", "main WM_NCACTIVATE inactive", "main WM_ACTIVATE state 0, other second",
                      "second WM_NCACTIVATE active", "second WM_ACTIVATE state 1, other main", "edit WM_KILLFOCUS to second",
                      "second WM_SETFOCUS from edit"}));
     ASSERT_TRUE(BringForward(second));
     PostMessageA(second, WM_SYSCOMMAND, SC_CLOSE, 0);
     ASSERT_TRUE(PumpUntil([second] { return !IsWindow(second); }));
-    EXPECT_EQ(log_.Take(), Lines({"* second WM_SYSCOMMAND 0xF060", "second WM_CLOSE", "second WM_NCACTIVATE inactive",
-                                  "second WM_ACTIVATE state 0, other main", "main WM_NCACTIVATE active",
-                                  "main WM_ACTIVATE state 1, other second", "second WM_KILLFOCUS to main",
-                                  "main WM_SETFOCUS from second", "second WM_DESTROY", "second WM_NCDESTROY"}));
+    EXPECT_EQ(log.Take(), Lines({"* second WM_SYSCOMMAND 0xF060", "second WM_CLOSE", "second WM_NCACTIVATE inactive",
+                                 "second WM_ACTIVATE state 0, other main", "main WM_NCACTIVATE active",
+                                 "main WM_ACTIVATE state 1, other second", "second WM_KILLFOCUS to main",
+                                 "main WM_SETFOCUS from second", "second WM_DESTROY", "second WM_NCDESTROY"}));
 
     second = MakeTestWindow("second", WS_OVERLAPPEDWINDOW);
     ShowWindow(second, SW_SHOWNOACTIVATE);
-    EXPECT_EQ(GetActiveWindow(), main_);
+    EXPECT_EQ(GetActiveWindow(), main);
     DestroyWindow(second);
-    EXPECT_EQ(log_.Take(), Lines({"second WM_SHOWWINDOW show", "second WM_DESTROY", "second WM_NCDESTROY"}));
+    EXPECT_EQ(log.Take(), Lines({"second WM_SHOWWINDOW show", "second WM_DESTROY", "second WM_NCDESTROY"}));
 }
 
 TEST_F(MessageOrderTest, MinimiseAndMaximise) {
     MakeAndShow();
-    log_.Record({WM_SIZE});
-    ShowWindow(main_, SW_SHOWMINIMIZED);
-    EXPECT_TRUE(IsIconic(main_));
-    EXPECT_TRUE(IsWindowVisible(main_));
-    EXPECT_EQ(log_.Take(), Lines({"main WM_SIZE kind 1, 0x0"}));
-    ShowWindow(main_, SW_RESTORE);
-    EXPECT_FALSE(IsIconic(main_));
-    EXPECT_EQ(log_.Take(), SizeLine("main", 0));
-    ShowWindow(main_, SW_SHOWMAXIMIZED);
-    EXPECT_TRUE(IsZoomed(main_));
-    EXPECT_EQ(log_.Take(), SizeLine("main", 2));
-    ShowWindow(main_, SW_RESTORE);
-    EXPECT_FALSE(IsZoomed(main_));
-    EXPECT_EQ(log_.Take(), SizeLine("main", 0));
+    log.Record({WM_SIZE});
+    ShowWindow(main, SW_SHOWMINIMIZED);
+    EXPECT_TRUE(IsIconic(main));
+    EXPECT_TRUE(IsWindowVisible(main));
+    EXPECT_EQ(log.Take(), Lines({"main WM_SIZE kind 1, 0x0"}));
+    ShowWindow(main, SW_RESTORE);
+    EXPECT_FALSE(IsIconic(main));
+    EXPECT_EQ(log.Take(), SizeLine("main", 0));
+    ShowWindow(main, SW_SHOWMAXIMIZED);
+    EXPECT_TRUE(IsZoomed(main));
+    EXPECT_EQ(log.Take(), SizeLine("main", 2));
+    ShowWindow(main, SW_RESTORE);
+    EXPECT_FALSE(IsZoomed(main));
+    EXPECT_EQ(log.Take(), SizeLine("main", 0));
 }
 
 TEST_F(MessageOrderTest, TextIsSetAndReadByMessages) {
     MakeAndShow();
-    log_.Record({WM_SETTEXT, WM_GETTEXT});
-    SetWindowTextA(button_, "&Go");
-    EXPECT_EQ(log_.Take(), Lines({"button WM_SETTEXT"}));
-    EXPECT_EQ(WindowText(button_), "&Go");
-    EXPECT_EQ(log_.Take(), Lines({"button WM_GETTEXT"}));
-    SetWindowTextA(main_, "main's");
-    EXPECT_EQ(WindowText(main_), "main's");
+    log.Record({WM_SETTEXT, WM_GETTEXT});
+    SetWindowTextA(button, "&Go");
+    EXPECT_EQ(log.Take(), Lines({"button WM_SETTEXT"}));
+    EXPECT_EQ(WindowText(button), "&Go");
+    EXPECT_EQ(log.Take(), Lines({"button WM_GETTEXT"}));
+    SetWindowTextA(main, "main's");
+    EXPECT_EQ(WindowText(main), "main's");
     char small[4];
-    EXPECT_EQ(GetWindowTextA(main_, small, sizeof small), 3);
+    EXPECT_EQ(GetWindowTextA(main, small, sizeof small), 3);
     EXPECT_STREQ(small, "mai");
-    EXPECT_EQ(GetDlgItemTextA(main_, kButtonId, small, sizeof small), 3U);
+    EXPECT_EQ(GetDlgItemTextA(main, kButtonId, small, sizeof small), 3U);
     EXPECT_STREQ(small, "&Go");
 }

@@ -23,10 +23,10 @@ RegistryValue Number(DWORD number) {
 
 class RegistryFileTest : public testing::Test {
 protected:
-    QString Path() const { return folder_.path() + "/config/tesselia/registry.ini"; }
+    QString Path() const { return folder.path() + "/config/tesselia/registry.ini"; }
 
     void SetContent(const QByteArray& text) {
-        QDir().mkpath(folder_.path() + "/config/tesselia");
+        QDir().mkpath(folder.path() + "/config/tesselia");
         QFile file(Path());
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);
@@ -49,7 +49,7 @@ protected:
         return value != nullptr ? value->bytes : "missing";
     }
 
-    const QTemporaryDir folder_;
+    const QTemporaryDir folder;
 };
 
 TEST_F(RegistryFileTest, OnlyTheUserMayReadWhatIsSaved) {
@@ -66,7 +66,7 @@ TEST_F(RegistryFileTest, OnlyTheUserMayReadWhatIsSaved) {
               "[HKEY_LOCAL_MACHINE]\n\n[HKEY_LOCAL_MACHINE\\Software]\n\n"
               "[HKEY_LOCAL_MACHINE\\Software\\HDD/CD]\nPosX=-600\nSizeX=600\n");
     // Neither the lock nor a half-written file stays.
-    EXPECT_EQ(QDir(folder_.path() + "/config/tesselia").entryList(QDir::Files | QDir::Hidden), QStringList{"registry.ini"});
+    EXPECT_EQ(QDir(folder.path() + "/config/tesselia").entryList(QDir::Files | QDir::Hidden), QStringList{"registry.ini"});
 }
 
 TEST_F(RegistryFileTest, WhatCannotBeUnderstoodIsLeftOut) {

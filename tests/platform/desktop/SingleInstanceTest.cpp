@@ -56,7 +56,7 @@ constexpr int kLimitMs = 10000;
 class Copy {
 public:
     explicit Copy(const char* title) {
-        process_.start(QCoreApplication::applicationFilePath(), {kOtherCopyOption, title});
+        process.start(QCoreApplication::applicationFilePath(), {kOtherCopyOption, title});
         EXPECT_TRUE(HasWritten(kReadyLine));
     }
     ~Copy() { Crash(); }
@@ -64,27 +64,27 @@ public:
     Copy& operator=(const Copy&) = delete;
 
     bool HasWritten(const char* line) {
-        while (!written_.contains(line) && process_.waitForReadyRead(kLimitMs)) {
-            written_ += process_.readAllStandardOutput();
+        while (!written.contains(line) && process.waitForReadyRead(kLimitMs)) {
+            written += process.readAllStandardOutput();
         }
-        return written_.contains(line);
+        return written.contains(line);
     }
 
     void Crash() {
-        process_.kill();
-        process_.waitForFinished();
+        process.kill();
+        process.waitForFinished();
     }
 
     void Signal(int number) {
         // To process 0 it would be a signal to this test itself.
-        const auto id = static_cast<pid_t>(process_.processId());
+        const auto id = static_cast<pid_t>(process.processId());
         ASSERT_GT(id, 0);
         kill(id, number);
     }
 
 private:
-    QProcess process_;
-    QByteArray written_;
+    QProcess process;
+    QByteArray written;
 };
 
 QStringList Sockets() {

@@ -37,21 +37,21 @@ INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
 class TemplateDialogTest : public testing::Test {
 protected:
     void SetUp() override {
-        dialogLog = &log_;
-        main_ = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400);
-        ShowWindow(main_, SW_SHOW);
-        ASSERT_TRUE(BringForward(main_));
+        dialogLog = &log;
+        main = MakeTestWindow("main", WS_OVERLAPPEDWINDOW, nullptr, 600, 400);
+        ShowWindow(main, SW_SHOW);
+        ASSERT_TRUE(BringForward(main));
         ASSERT_TRUE(PumpAll());
-        log_.Take();
+        log.Take();
     }
-    void TearDown() override { DestroyWindow(main_); }
+    void TearDown() override { DestroyWindow(main); }
 
     HWND Create(int id) {
-        return CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id), main_, DialogProc, kParameter);
+        return CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id), main, DialogProc, kParameter);
     }
 
-    MessageLog log_{{}};
-    HWND main_ = nullptr;
+    MessageLog log{{}};
+    HWND main = nullptr;
 };
 
 // The id of the focus, and of an edit its selection.
@@ -71,7 +71,7 @@ std::string Focus() {
 }  // namespace
 
 TEST_F(TemplateDialogTest, ModalFromBeginningToEnd) {
-    log_.Record({WM_ENABLE, WM_SETFONT, WM_INITDIALOG, WM_DESTROY, WM_NCDESTROY});
+    log.Record({WM_ENABLE, WM_SETFONT, WM_INITDIALOG, WM_DESTROY, WM_NCDESTROY});
     // The owner hears of a modal dialog that has nothing to do.
     SetMessageHook([](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT&) {
         if (message == WM_ENTERIDLE && IsWindowVisible(reinterpret_cast<HWND>(lParam))) {
@@ -79,13 +79,13 @@ TEST_F(TemplateDialogTest, ModalFromBeginningToEnd) {
         }
         return false;
     });
-    EXPECT_EQ(DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_RANGES), main_, DialogProc, kParameter),
+    EXPECT_EQ(DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_RANGES), main, DialogProc, kParameter),
               kResult);
-    EXPECT_EQ(log_.Take(), Lines({"main WM_ENABLE off", "dialog WM_SETFONT", "dialog WM_INITDIALOG", "first control 1005",
-                                  "main WM_ENABLE on", "dialog WM_DESTROY", "dialog WM_NCDESTROY"}));
-    EXPECT_EQ(GetActiveWindow(), main_);
-    EXPECT_EQ(DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(4711), main_, DialogProc, kParameter), -1);
-    EXPECT_TRUE(IsWindowEnabled(main_));
+    EXPECT_EQ(log.Take(), Lines({"main WM_ENABLE off", "dialog WM_SETFONT", "dialog WM_INITDIALOG", "first control 1005",
+                                 "main WM_ENABLE on", "dialog WM_DESTROY", "dialog WM_NCDESTROY"}));
+    EXPECT_EQ(GetActiveWindow(), main);
+    EXPECT_EQ(DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(4711), main, DialogProc, kParameter), -1);
+    EXPECT_TRUE(IsWindowEnabled(main));
 }
 
 TEST_F(TemplateDialogTest, Keys) {
@@ -111,21 +111,21 @@ TEST_F(TemplateDialogTest, Keys) {
         EXPECT_EQ(Focus(), step.focus);
     }
 
-    log_.Record({WM_COMMAND});
-    log_.Watch(GetDlgItem(dialog, IDOK), "OK");
-    log_.Watch(GetDlgItem(dialog, IDCANCEL), "Cancel");
-    log_.Take();
+    log.Record({WM_COMMAND});
+    log.Watch(GetDlgItem(dialog, IDOK), "OK");
+    log.Watch(GetDlgItem(dialog, IDCANCEL), "Cancel");
+    log.Take();
     const auto command = [&](int key) {
         PressKeys({key});
         std::string seen;
-        PumpUntil([&] { return !(seen += log_.Take()).empty(); }, dialog);
+        PumpUntil([&] { return !(seen += log.Take()).empty(); }, dialog);
         return seen;
     };
     EXPECT_EQ(command(VK_RETURN), Lines({"dialog WM_COMMAND id 1 code 0 from OK"})) << "the default button, from an edit";
     EXPECT_EQ(command(VK_ESCAPE), Lines({"dialog WM_COMMAND id 2 code 0 from Cancel"}));
     PressKeys({VK_SHIFT, VK_TAB});
     ASSERT_TRUE(PumpUntil([] { return Focus() == "2"; }, dialog));
-    log_.Take();
+    log.Take();
     EXPECT_EQ(command(VK_RETURN), Lines({"dialog WM_COMMAND id 2 code 0 from Cancel"}))
         << "a button that the keyboard has reached is the default";
     DestroyWindow(dialog);
@@ -136,11 +136,11 @@ TEST_F(TemplateDialogTest, EscapeWithoutACancelButton) {
     ASSERT_NE(dialog, nullptr);
     ShowWindow(dialog, SW_SHOW);
     ASSERT_TRUE(BringForward(dialog));
-    log_.Record({WM_COMMAND});
-    log_.Take();
+    log.Record({WM_COMMAND});
+    log.Take();
     PressKeys({VK_ESCAPE});
     std::string seen;
-    PumpUntil([&] { return !(seen += log_.Take()).empty(); }, dialog);
+    PumpUntil([&] { return !(seen += log.Take()).empty(); }, dialog);
     EXPECT_EQ(seen, Lines({"dialog WM_COMMAND id 2 code 0 from nobody"}));
     DestroyWindow(dialog);
 }
@@ -149,7 +149,7 @@ TEST_F(TemplateDialogTest, ControlsAreWhereTheTemplateHasThem) {
     HWND dialog = Create(IDD_ABOUT);
     ASSERT_NE(dialog, nullptr);
     EXPECT_FALSE(IsWindowVisible(dialog));
-    EXPECT_EQ(GetWindow(dialog, GW_OWNER), main_);
+    EXPECT_EQ(GetWindow(dialog, GW_OWNER), main);
     const int ids[] = {IDOK, IDC_ABOUT_NAME, IDC_ABOUT_VERSION, IDC_ABOUT_NOTICE};
     HWND child = GetWindow(dialog, GW_CHILD);
     for (const int id : ids) {
@@ -189,16 +189,16 @@ TEST_F(TemplateDialogTest, ControlsAreWhereTheTemplateHasThem) {
 }
 
 TEST_F(TemplateDialogTest, AChildDialog) {
-    log_.Record({WM_SHOWWINDOW, WM_ACTIVATE, WM_INITDIALOG, WM_COMMAND});
+    log.Record({WM_SHOWWINDOW, WM_ACTIVATE, WM_INITDIALOG, WM_COMMAND});
     HWND pane = Create(IDD_PANE);
     ASSERT_NE(pane, nullptr);
-    EXPECT_EQ(GetParent(pane), main_);
-    EXPECT_EQ(log_.Take(), Lines({"dialog WM_INITDIALOG", "first control 1004"}));
+    EXPECT_EQ(GetParent(pane), main);
+    EXPECT_EQ(log.Take(), Lines({"dialog WM_INITDIALOG", "first control 1004"}));
     ShowWindow(pane, SW_SHOW);
-    EXPECT_EQ(log_.Take(), Lines({"dialog WM_SHOWWINDOW show"})) << "a child is not activated";
+    EXPECT_EQ(log.Take(), Lines({"dialog WM_SHOWWINDOW show"})) << "a child is not activated";
     const LONG_PTR style = GetWindowLongPtrA(GetDlgItem(pane, IDC_GROUP_LIST), GWL_STYLE);
     EXPECT_EQ(static_cast<DWORD>(style), WS_CHILD | WS_VISIBLE | WS_TABSTOP | LBS_NOTIFY | LBS_SORT | LBS_OWNERDRAWVARIABLE |
                                              LBS_HASSTRINGS | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT);
     SendMessageA(GetDlgItem(pane, IDC_STOP), BM_CLICK, 0, 0);
-    EXPECT_NE(log_.Take().find("dialog WM_COMMAND id 1004 code 0"), std::string::npos);
+    EXPECT_NE(log.Take().find("dialog WM_COMMAND id 1004 code 0"), std::string::npos);
 }

@@ -15,7 +15,7 @@ class Files : public testing::Test {
 protected:
     // The path of a name in the temporary folder, with backslashes.
     std::string Windows(const std::string& name) const {
-        std::string path = folder_.Path().string() + "/" + name;
+        std::string path = folder.Path().string() + "/" + name;
         std::replace(path.begin(), path.end(), '/', '\\');
         return path;
     }
@@ -36,14 +36,14 @@ protected:
     }
 
     std::string Content(const std::string& name) const {
-        std::ifstream file(folder_.Path() / name, std::ios::binary);
+        std::ifstream file(folder.Path() / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
     void SetContent(const std::string& name, const std::string& content) const {
-        std::ofstream(folder_.Path() / name, std::ios::binary) << content;
+        std::ofstream(folder.Path() / name, std::ios::binary) << content;
     }
 
-    TemporaryFolder folder_;
+    TemporaryFolder folder;
 };
 
 TEST_F(Files, WhatIsWrittenIsReadAgain) {
@@ -76,8 +76,8 @@ TEST_F(Files, WhatIsWrittenIsReadAgain) {
 }
 
 TEST_F(Files, DispositionsAndRefusals) {
-    fs::create_directory(folder_.Path() / "folder");
-    ASSERT_EQ(mkfifo((folder_.Path() / "pipe").c_str(), 0600), 0);
+    fs::create_directory(folder.Path() / "folder");
+    ASSERT_EQ(mkfifo((folder.Path() / "pipe").c_str(), 0600), 0);
     struct Case {
         const char* name;
         DWORD access;
@@ -103,12 +103,12 @@ TEST_F(Files, DispositionsAndRefusals) {
     };
     for (const Case& c : cases) {
         SetContent("file", "old");
-        fs::remove(folder_.Path() / "new");
+        fs::remove(folder.Path() / "new");
         EXPECT_EQ(TryOpen(Windows(c.name), c.access, c.disposition), c.error) << c.name << ' ' << c.disposition;
         if (std::string(c.name) == "file") {
             EXPECT_EQ(Content("file"), c.contentAfter) << c.disposition;
         }
-        EXPECT_EQ(fs::exists(folder_.Path() / "new"), std::string(c.name) == "new");
+        EXPECT_EQ(fs::exists(folder.Path() / "new"), std::string(c.name) == "new");
     }
     EXPECT_EQ(TryOpen("", GENERIC_READ, OPEN_EXISTING), ERROR_PATH_NOT_FOUND);
 }
@@ -116,10 +116,10 @@ TEST_F(Files, DispositionsAndRefusals) {
 TEST_F(Files, DeletingAndAFullDisk) {
     SetContent("file", "old");
     EXPECT_TRUE(DeleteFileA(Windows("file").c_str()));
-    EXPECT_FALSE(fs::exists(folder_.Path() / "file"));
+    EXPECT_FALSE(fs::exists(folder.Path() / "file"));
     EXPECT_FALSE(DeleteFileA(Windows("file").c_str()));
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    EXPECT_FALSE(DeleteFileA(folder_.Path().c_str()));
+    EXPECT_FALSE(DeleteFileA(folder.Path().c_str()));
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
 
     HANDLE full = Open("\\dev\\full", GENERIC_WRITE, OPEN_EXISTING);
@@ -133,7 +133,7 @@ TEST_F(Files, DeletingAndAFullDisk) {
 
 TEST_F(Files, TheSizeOfAHugeFileNeedsTheHighPart) {
     SetContent("huge", "");
-    fs::resize_file(folder_.Path() / "huge", (std::uintmax_t{3} << 32) + 5);
+    fs::resize_file(folder.Path() / "huge", (std::uintmax_t{3} << 32) + 5);
     HANDLE file = Open(Windows("huge"), GENERIC_READ, OPEN_EXISTING);
     DWORD high = 0;
     EXPECT_EQ(GetFileSize(file, &high), 5u);
@@ -145,29 +145,29 @@ TEST_F(Files, TheSizeOfAHugeFileNeedsTheHighPart) {
 TEST_F(Files, JapaneseNamesWhoseSecondByteIsABackslash) {
     const ChosenCodePage page(932);
     const std::string name = "\x83\x5C\\\x95\x5C.txt";  // Katakana so, then the character for "table".
-    fs::create_directory(folder_.Path() / "\u30BD");
+    fs::create_directory(folder.Path() / "\u30BD");
     EXPECT_EQ(TryOpen(Windows(name), GENERIC_WRITE, CREATE_NEW), ERROR_SUCCESS);
-    EXPECT_TRUE(fs::exists(folder_.Path() / "\u30BD/\u8868.txt"));
+    EXPECT_TRUE(fs::exists(folder.Path() / "\u30BD/\u8868.txt"));
     EXPECT_EQ(TryOpen(Windows("\x83\x5C/\x95\x5C.txt"), GENERIC_READ, OPEN_EXISTING), ERROR_SUCCESS);
     EXPECT_TRUE(DeleteFileA(Windows(name).c_str()));
-    EXPECT_FALSE(fs::exists(folder_.Path() / "\u30BD/\u8868.txt"));
+    EXPECT_FALSE(fs::exists(folder.Path() / "\u30BD/\u8868.txt"));
 }
 
 // Goes back to the working folder from before.
 class WorkingFolder {
 public:
-    explicit WorkingFolder(const fs::path& path) : before_(fs::current_path()) { fs::current_path(path); }
-    ~WorkingFolder() { fs::current_path(before_); }
+    explicit WorkingFolder(const fs::path& path) : before(fs::current_path()) { fs::current_path(path); }
+    ~WorkingFolder() { fs::current_path(before); }
     WorkingFolder(const WorkingFolder&) = delete;
     WorkingFolder& operator=(const WorkingFolder&) = delete;
 
 private:
-    const fs::path before_;
+    const fs::path before;
 };
 
 TEST_F(Files, TheWorkingFolderHasANameInTheCodePage) {
-    fs::create_directory(folder_.Path() / "\u8868");
-    const WorkingFolder working(folder_.Path() / "\u8868");
+    fs::create_directory(folder.Path() / "\u8868");
+    const WorkingFolder working(folder.Path() / "\u8868");
     char buffer[260] = "untouched";
     {
         const ChosenCodePage page(932);
@@ -184,7 +184,7 @@ TEST_F(Files, TheWorkingFolderHasANameInTheCodePage) {
     ASSERT_GT(length, 0u);
     ASSERT_LT(length, sizeof buffer);
     EXPECT_EQ(TryOpen(std::string(buffer) + "\\list.csv", GENERIC_WRITE, CREATE_NEW), ERROR_SUCCESS);
-    EXPECT_TRUE(fs::exists(folder_.Path() / "\u8868/list.csv"));
+    EXPECT_TRUE(fs::exists(folder.Path() / "\u8868/list.csv"));
 }
 
 }  // namespace

@@ -10,13 +10,13 @@ namespace {
 // Chooses a language for as long as it lives.
 class ChosenLanguage {
 public:
-    explicit ChosenLanguage(WORD language) : before_(kernel::ResourceLanguage()) { kernel::SetResourceLanguage(language); }
-    ~ChosenLanguage() { kernel::SetResourceLanguage(before_); }
+    explicit ChosenLanguage(WORD language) : before(kernel::ResourceLanguage()) { kernel::SetResourceLanguage(language); }
+    ~ChosenLanguage() { kernel::SetResourceLanguage(before); }
     ChosenLanguage(const ChosenLanguage&) = delete;
     ChosenLanguage& operator=(const ChosenLanguage&) = delete;
 
 private:
-    const WORD before_;
+    const WORD before;
 };
 
 std::string String(UINT id, int size = 100) {

@@ -21,38 +21,38 @@ namespace fs = std::filesystem;
 // The far end of a line: the master of a pseudo terminal.
 class FarEnd {
 public:
-    FarEnd() : file_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+    FarEnd() : file(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
         char name[64] = "";
-        EXPECT_GE(file_, 0);
-        EXPECT_EQ(grantpt(file_), 0);
-        EXPECT_EQ(unlockpt(file_), 0);
-        EXPECT_EQ(ptsname_r(file_, name, sizeof name), 0);
-        device_ = name;
+        EXPECT_GE(file, 0);
+        EXPECT_EQ(grantpt(file), 0);
+        EXPECT_EQ(unlockpt(file), 0);
+        EXPECT_EQ(ptsname_r(file, name, sizeof name), 0);
+        device = name;
         // Somebody holds the device as long as the line stands, as a plugged-in adapter does: else the terminal looks hung
         // up to the far end between two openings.
-        keeper_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
+        keeper = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
     }
     ~FarEnd() { PullOut(); }
     FarEnd(const FarEnd&) = delete;
     FarEnd& operator=(const FarEnd&) = delete;
 
-    const std::string& Device() const { return device_; }
+    const std::string& Device() const { return device; }
     void PullOut() {
-        for (int* file : {&file_, &keeper_}) {
-            if (*file >= 0) {
-                close(*file);
+        for (int* open : {&file, &keeper}) {
+            if (*open >= 0) {
+                close(*open);
             }
-            *file = -1;
+            *open = -1;
         }
     }
     void Send(const std::string& bytes) const {
-        ASSERT_EQ(write(file_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+        ASSERT_EQ(write(file, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
     std::string Receive(std::size_t count) const {
         std::string received;
         WaitUntil([&] {
             char buffer[512];
-            const ssize_t got = read(file_, buffer, sizeof buffer);
+            const ssize_t got = read(file, buffer, sizeof buffer);
             if (got > 0) {
                 received.append(buffer, static_cast<std::size_t>(got));
             }
@@ -64,60 +64,60 @@ public:
     void LeaveBehind(const std::string& line) const {
         termios settings = Settings();
         settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        ASSERT_EQ(tcsetattr(file_, TCSANOW, &settings), 0);
+        ASSERT_EQ(tcsetattr(file, TCSANOW, &settings), 0);
         Send(line);
         ASSERT_TRUE(WaitUntil([&] {
             int waiting = 0;
-            return ioctl(keeper_, FIONREAD, &waiting) == 0 && waiting == static_cast<int>(line.size());
+            return ioctl(keeper, FIONREAD, &waiting) == 0 && waiting == static_cast<int>(line.size());
         }));
     }
     // The settings of the line, as both ends see them.
     termios Settings() const {
         termios settings = {};
-        EXPECT_EQ(tcgetattr(file_, &settings), 0);
+        EXPECT_EQ(tcgetattr(file, &settings), 0);
         return settings;
     }
 
 private:
-    int file_;
-    int keeper_ = -1;
-    std::string device_;
+    int file;
+    int keeper = -1;
+    std::string device;
 };
 
 class Serial : public testing::Test {
 protected:
-    Serial() : configuration_("XDG_CONFIG_HOME", folder_.Path().c_str()) {
-        fs::create_directories(folder_.Path() / "tesselia/ports");
-        Link("com3", far_.Device());
+    Serial() : configuration("XDG_CONFIG_HOME", folder.Path().c_str()) {
+        fs::create_directories(folder.Path() / "tesselia/ports");
+        Link("com3", far.Device());
     }
     void TearDown() override {
-        if (port_ != INVALID_HANDLE_VALUE) {
-            CloseHandle(port_);
+        if (port != INVALID_HANDLE_VALUE) {
+            CloseHandle(port);
         }
     }
 
     void Link(const char* name, const std::string& device) const {
-        fs::create_symlink(device, folder_.Path() / "tesselia/ports" / name);
+        fs::create_symlink(device, folder.Path() / "tesselia/ports" / name);
     }
     static HANDLE Open(const char* name) {
         SetLastError(ERROR_SUCCESS);
         return CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     }
     void OpenPort() {
-        port_ = Open("COM3");
-        ASSERT_NE(port_, INVALID_HANDLE_VALUE) << GetLastError();
+        port = Open("COM3");
+        ASSERT_NE(port, INVALID_HANDLE_VALUE) << GetLastError();
     }
     DWORD Waiting() const {
         DWORD errors = 7;
         COMSTAT status;
-        EXPECT_TRUE(ClearCommError(port_, &errors, &status));
+        EXPECT_TRUE(ClearCommError(port, &errors, &status));
         EXPECT_EQ(errors, 0u);
         return status.cbInQue;
     }
     std::string Read(DWORD count) const {
         std::string bytes(count, '\0');
         DWORD read = 0;
-        EXPECT_TRUE(ReadFile(port_, bytes.data(), count, &read, nullptr));
+        EXPECT_TRUE(ReadFile(port, bytes.data(), count, &read, nullptr));
         return bytes.substr(0, read);
     }
     // Every call fails, at once, and the queue looks empty.
@@ -127,19 +127,19 @@ protected:
         DWORD count = 7;
         char byte = 0;
         DCB state;
-        EXPECT_FALSE(ClearCommError(port_, nullptr, &status));
+        EXPECT_FALSE(ClearCommError(port, nullptr, &status));
         EXPECT_EQ(status.cbInQue, 0u);
-        EXPECT_FALSE(ReadFile(port_, &byte, 1, &count, nullptr));
+        EXPECT_FALSE(ReadFile(port, &byte, 1, &count, nullptr));
         EXPECT_EQ(count, 0u);
-        EXPECT_FALSE(WriteFile(port_, &byte, 1, &count, nullptr));
+        EXPECT_FALSE(WriteFile(port, &byte, 1, &count, nullptr));
         EXPECT_EQ(count, 0u);
-        EXPECT_FALSE(GetCommState(port_, &state));
+        EXPECT_FALSE(GetCommState(port, &state));
     }
 
-    TemporaryFolder folder_;
-    EnvironmentVariable configuration_;
-    FarEnd far_;
-    HANDLE port_ = INVALID_HANDLE_VALUE;
+    TemporaryFolder folder;
+    EnvironmentVariable configuration;
+    FarEnd far;
+    HANDLE port = INVALID_HANDLE_VALUE;
 };
 
 std::string EveryByte() {
@@ -151,15 +151,15 @@ std::string EveryByte() {
 }
 
 TEST_F(Serial, EveryByteComesThroughBothWays) {
-    far_.LeaveBehind("from before\n");
+    far.LeaveBehind("from before\n");
     OpenPort();
     EXPECT_EQ(Waiting(), 0u);
     const std::string bytes = EveryByte();
     DWORD count = 0;
-    EXPECT_TRUE(WriteFile(port_, bytes.data(), 256, &count, nullptr));
+    EXPECT_TRUE(WriteFile(port, bytes.data(), 256, &count, nullptr));
     EXPECT_EQ(count, 256u);
-    EXPECT_EQ(far_.Receive(256), bytes);
-    far_.Send(bytes);
+    EXPECT_EQ(far.Receive(256), bytes);
+    far.Send(bytes);
     ASSERT_TRUE(WaitUntil([&] { return Waiting() == 256; }));
     EXPECT_EQ(Read(100), bytes.substr(0, 100));
     EXPECT_EQ(Waiting(), 156u);
@@ -170,29 +170,29 @@ TEST_F(Serial, EveryByteComesThroughBothWays) {
 }
 
 TEST_F(Serial, SettingsAreCheckedSetAndPutBack) {
-    const termios before = far_.Settings();
+    const termios before = far.Settings();
     ASSERT_NE(before.c_lflag & ICANON, 0u);
     OpenPort();
     DCB state;
-    ASSERT_TRUE(GetCommState(port_, &state));
+    ASSERT_TRUE(GetCommState(port, &state));
     EXPECT_EQ(state.DCBlength, sizeof(DCB));
     EXPECT_EQ(state.BaudRate, 9600u);
     EXPECT_EQ(state.ByteSize, 8);
     state.BaudRate = 19200;
     state.fRtsControl = 0;
-    EXPECT_TRUE(SetCommState(port_, &state));
-    const termios changed = far_.Settings();
+    EXPECT_TRUE(SetCommState(port, &state));
+    const termios changed = far.Settings();
     EXPECT_EQ(cfgetospeed(&changed), static_cast<speed_t>(B19200));
-    EXPECT_TRUE(GetCommState(port_, &state));
+    EXPECT_TRUE(GetCommState(port, &state));
     EXPECT_EQ(state.BaudRate, 19200u);
     COMMTIMEOUTS timeouts = {1000, 0, 0, 0, 0};
-    EXPECT_TRUE(SetCommTimeouts(port_, &timeouts));
+    EXPECT_TRUE(SetCommTimeouts(port, &timeouts));
 
     const auto refused = [&](auto change) {
         DCB bad = state;
         change(bad);
         SetLastError(ERROR_SUCCESS);
-        return !SetCommState(port_, &bad) && GetLastError() == ERROR_INVALID_PARAMETER;
+        return !SetCommState(port, &bad) && GetLastError() == ERROR_INVALID_PARAMETER;
     };
     EXPECT_TRUE(refused([](DCB& bad) { bad.BaudRate = 12345; }));
     EXPECT_TRUE(refused([](DCB& bad) { bad.BaudRate = 0; }));
@@ -204,8 +204,8 @@ TEST_F(Serial, SettingsAreCheckedSetAndPutBack) {
     EXPECT_TRUE(refused([](DCB& bad) { bad.fRtsControl = 2; }));
     EXPECT_EQ(Waiting(), 0u);
 
-    CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE));
-    const termios after = far_.Settings();
+    CloseHandle(std::exchange(port, INVALID_HANDLE_VALUE));
+    const termios after = far.Settings();
     EXPECT_EQ(after.c_lflag, before.c_lflag);
     EXPECT_EQ(after.c_iflag, before.c_iflag);
     EXPECT_EQ(cfgetospeed(&after), cfgetospeed(&before));
@@ -216,24 +216,24 @@ TEST_F(Serial, APortBelongsToOneAtATime) {
     EXPECT_EQ(Open("com3"), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     // The one who was refused has not disturbed the one who has it.
-    far_.Send("x");
+    far.Send("x");
     EXPECT_TRUE(WaitUntil([&] { return Waiting() == 1; }));
-    CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE));
+    CloseHandle(std::exchange(port, INVALID_HANDLE_VALUE));
     OpenPort();
     EXPECT_EQ(Waiting(), 0u);
 }
 
 TEST_F(Serial, NamesLeadToDevices) {
-    Link("com1", (folder_.Path() / "nothing").string());
-    std::ofstream(folder_.Path() / "file") << "no line";
-    Link("com2", (folder_.Path() / "file").string());
-    Link("com8", far_.Device());
+    Link("com1", (folder.Path() / "nothing").string());
+    std::ofstream(folder.Path() / "file") << "no line";
+    Link("com2", (folder.Path() / "file").string());
+    Link("com8", far.Device());
     for (const char* missing : {"COM1", "COM2"}) {
         EXPECT_EQ(Open(missing), INVALID_HANDLE_VALUE) << missing;
         EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND) << missing;
     }
-    port_ = Open("CoM8");
-    EXPECT_NE(port_, INVALID_HANDLE_VALUE);
+    port = Open("CoM8");
+    EXPECT_NE(port, INVALID_HANDLE_VALUE);
     EXPECT_EQ(CreateFileA("COM3", GENERIC_READ, 0, nullptr, CREATE_ALWAYS, 0, nullptr), INVALID_HANDLE_VALUE);
 
     for (const char* none : {"COM0", "COM9", "COM", "COM10", "COM1 ", "LPT1", ""}) {
@@ -241,28 +241,28 @@ TEST_F(Serial, NamesLeadToDevices) {
     }
     EXPECT_EQ(kernel::PortDevice(4), "/dev/ttyS3");
     const EnvironmentVariable noFolder("XDG_CONFIG_HOME", "relative");
-    const EnvironmentVariable home("HOME", folder_.Path().c_str());
-    fs::create_directories(folder_.Path() / ".config/tesselia/ports");
-    fs::create_symlink(far_.Device(), folder_.Path() / ".config/tesselia/ports/com4");
-    EXPECT_EQ(kernel::PortDevice(4), folder_.Path().string() + "/.config/tesselia/ports/com4");
+    const EnvironmentVariable home("HOME", folder.Path().c_str());
+    fs::create_directories(folder.Path() / ".config/tesselia/ports");
+    fs::create_symlink(far.Device(), folder.Path() / ".config/tesselia/ports/com4");
+    EXPECT_EQ(kernel::PortDevice(4), folder.Path().string() + "/.config/tesselia/ports/com4");
     EXPECT_EQ(kernel::PortDevice(1), "/dev/ttyS0");
 }
 
 TEST_F(Serial, UsbAdaptersStandInOrderOfTheirNumbers) {
-    const std::string folder = folder_.Path().string();
+    const std::string devices = folder.Path().string();
     for (const char* name : {"ttyACM0", "ttyUSB10", "ttyUSB2", "ttyUSB", "ttyUSBx", "ttyS0"}) {
-        std::ofstream(folder_.Path() / name) << "";
+        std::ofstream(folder.Path() / name) << "";
     }
-    const std::vector<std::string> expected = {folder + "/ttyUSB2", folder + "/ttyUSB10", folder + "/ttyACM0"};
-    EXPECT_EQ(kernel::UsbPorts(folder), expected);
-    EXPECT_TRUE(kernel::UsbPorts(folder + "/none").empty());
+    const std::vector<std::string> expected = {devices + "/ttyUSB2", devices + "/ttyUSB10", devices + "/ttyACM0"};
+    EXPECT_EQ(kernel::UsbPorts(devices), expected);
+    EXPECT_TRUE(kernel::UsbPorts(devices + "/none").empty());
 }
 
 TEST_F(Serial, APulledOutDeviceFailsAtOnceAndCostsNothing) {
     OpenPort();
-    far_.PullOut();
+    far.PullOut();
     COMSTAT status;
-    EXPECT_TRUE(WaitUntil([&] { return !ClearCommError(port_, nullptr, &status); }));
+    EXPECT_TRUE(WaitUntil([&] { return !ClearCommError(port, nullptr, &status); }));
     ExpectDead();
     EXPECT_EQ(GetLastError(), ERROR_GEN_FAILURE);
 
@@ -275,11 +275,11 @@ TEST_F(Serial, APulledOutDeviceFailsAtOnceAndCostsNothing) {
     const std::int64_t cpu = cpuNs();
     const std::int64_t start = kernel::MonotonicNs();
     for (int i = 0; i < 10'000; ++i) {
-        ASSERT_FALSE(ClearCommError(port_, nullptr, &status));
+        ASSERT_FALSE(ClearCommError(port, nullptr, &status));
     }
     EXPECT_LT(cpuNs() - cpu, 500 * kernel::kNsPerMs);
     EXPECT_LT(kernel::MonotonicNs() - start, 5000 * kernel::kNsPerMs);
-    EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));
+    EXPECT_TRUE(CloseHandle(std::exchange(port, INVALID_HANDLE_VALUE)));
 }
 
 TEST_F(Serial, AWriteThatGetsStuckFailsAfterTwoSeconds) {
@@ -287,7 +287,7 @@ TEST_F(Serial, AWriteThatGetsStuckFailsAfterTwoSeconds) {
     const std::string bytes(1'000'000, 'x');
     DWORD written = 0;
     const std::int64_t start = kernel::MonotonicNs();
-    EXPECT_FALSE(WriteFile(port_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
+    EXPECT_FALSE(WriteFile(port, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
     const std::int64_t end = kernel::MonotonicNs();
     EXPECT_EQ(GetLastError(), ERROR_WRITE_FAULT);
     EXPECT_GE(end - start, 2000 * kernel::kNsPerMs);
@@ -295,7 +295,7 @@ TEST_F(Serial, AWriteThatGetsStuckFailsAfterTwoSeconds) {
     EXPECT_GT(written, 0u);
     EXPECT_LT(written, bytes.size());
     ExpectDead();
-    EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));
+    EXPECT_TRUE(CloseHandle(std::exchange(port, INVALID_HANDLE_VALUE)));
     EXPECT_LT(kernel::MonotonicNs() - end, 1500 * kernel::kNsPerMs);
     // Opened anew, the line is as good as ever.
     OpenPort();
@@ -316,11 +316,11 @@ DWORD WINAPI WriteUntilStuck(LPVOID parameter) {
 
 TEST_F(Serial, ClosingEndsAWriteThatIsStuck) {
     OpenPort();
-    StuckWrite stuck{port_};
+    StuckWrite stuck{port};
     HANDLE thread = CreateThread(nullptr, 0, WriteUntilStuck, &stuck, 0, nullptr);
     // A byte at the far end shows that the write is under way; the queue of the line is far smaller than the write.
-    EXPECT_EQ(far_.Receive(1).substr(0, 1), "x");
-    EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));
+    EXPECT_EQ(far.Receive(1).substr(0, 1), "x");
+    EXPECT_TRUE(CloseHandle(std::exchange(port, INVALID_HANDLE_VALUE)));
     EXPECT_EQ(WaitForSingleObject(thread, 1900), WAIT_OBJECT_0);
     EXPECT_TRUE(stuck.failed);
     CloseHandle(thread);
@@ -331,9 +331,9 @@ TEST_F(Serial, WhatWasWrittenBeforeClosingGoesOut) {
     OpenPort();
     // More than the far end takes at a time, so that a part of it is still on its way when the port is closed.
     const std::string bytes(6000, 'x');
-    EXPECT_TRUE(WriteFile(port_, bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, nullptr));
-    EXPECT_TRUE(CloseHandle(std::exchange(port_, INVALID_HANDLE_VALUE)));
-    EXPECT_EQ(far_.Receive(bytes.size()).size(), bytes.size());
+    EXPECT_TRUE(WriteFile(port, bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, nullptr));
+    EXPECT_TRUE(CloseHandle(std::exchange(port, INVALID_HANDLE_VALUE)));
+    EXPECT_EQ(far.Receive(bytes.size()).size(), bytes.size());
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ class Writer {
 public:
     Writer& Put(std::uint32_t value, int size) {
         for (int i = 0; i < size; ++i) {
-            bytes_.push_back(static_cast<std::byte>(value >> (8 * i)));
+            bytes.push_back(static_cast<std::byte>(value >> (8 * i)));
         }
         return *this;
     }
@@ -26,10 +26,10 @@ public:
         }
         return *this;
     }
-    const Buffer& Bytes() const { return bytes_; }
+    const Buffer& Bytes() const { return bytes; }
 
 private:
-    Buffer bytes_;
+    Buffer bytes;
 };
 
 Buffer Whole(LPCSTR type) {

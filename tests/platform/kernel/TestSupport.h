@@ -29,37 +29,37 @@ bool WaitUntil(Condition condition) {
 // Sets an environment variable for as long as it lives.
 class EnvironmentVariable {
 public:
-    EnvironmentVariable(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) {
-            old_ = old;
-            had_ = true;
+    EnvironmentVariable(const char* name, const char* value) : name(name) {
+        if (const char* before = std::getenv(name)) {
+            old = before;
+            had = true;
         }
         setenv(name, value, 1);
     }
     ~EnvironmentVariable() {
-        if (had_) {
-            setenv(name_, old_.c_str(), 1);
+        if (had) {
+            setenv(name, old.c_str(), 1);
         } else {
-            unsetenv(name_);
+            unsetenv(name);
         }
     }
     EnvironmentVariable(const EnvironmentVariable&) = delete;
     EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
 private:
-    const char* name_;
-    std::string old_;
-    bool had_ = false;
+    const char* name;
+    std::string old;
+    bool had = false;
 };
 
 // Chooses a code page for as long as it lives.
 class ChosenCodePage {
 public:
-    explicit ChosenCodePage(unsigned page) : before_(kernel::CodePage()) { kernel::SetCodePage(page); }
-    ~ChosenCodePage() { kernel::SetCodePage(before_); }
+    explicit ChosenCodePage(unsigned page) : before(kernel::CodePage()) { kernel::SetCodePage(page); }
+    ~ChosenCodePage() { kernel::SetCodePage(before); }
     ChosenCodePage(const ChosenCodePage&) = delete;
     ChosenCodePage& operator=(const ChosenCodePage&) = delete;
 
 private:
-    const unsigned before_;
+    const unsigned before;
 };

@@ -78,7 +78,7 @@ TEST(Lock, ACircleOfLocksIsFoundWhileOthersGoOn) {
             continue;
         }
         ++found;
-        EXPECT_EQ(simulation.Result(), Outcome::Deadlock) << simulation.Report();
+        EXPECT_EQ(simulation.Result(), Outcome::kDeadlock) << simulation.Report();
         EXPECT_LT(simulation.Now(), kSecond);
         first.Forget();
         second.Forget();
@@ -90,7 +90,7 @@ TEST(Lock, ACircleOfLocksIsFoundWhileOthersGoOn) {
 // Whichever of the two comes to its wait last closes the circle.
 TEST(Lock, WaitingForAThreadThatWaitsForTheLockIsADeadlock) {
     for (const DWORD ownerMs : {0U, 100U}) {
-        ExpectOutcome(Outcome::Deadlock, [ownerMs] {
+        ExpectOutcome(Outcome::kDeadlock, [ownerMs] {
             Thread poller([] {
                 while (true) {
                     Sleep(1);
@@ -111,7 +111,7 @@ TEST(Lock, WaitingForAThreadThatWaitsForTheLockIsADeadlock) {
 TEST(Lock, NobodyWhoCanEverGoOnIsADeadlock) {
     Simulation simulation({});
     EXPECT_FALSE(simulation.Run([] { WaitForSingleObject(CreateEventA(nullptr, FALSE, FALSE, nullptr), INFINITE); }, kHour));
-    EXPECT_EQ(simulation.Result(), Outcome::Deadlock);
+    EXPECT_EQ(simulation.Result(), Outcome::kDeadlock);
     EXPECT_NE(simulation.Report().find("(main) waits for event"), std::string::npos) << simulation.Report();
 }
 
@@ -164,7 +164,7 @@ TEST(Lock, MisuseEndsTheRun) {
     int number = 0;
     for (const auto& misuse : misuses) {
         SCOPED_TRACE(number++);
-        ExpectOutcome(Outcome::Misuse, misuse);
+        ExpectOutcome(Outcome::kMisuse, misuse);
     }
 }
 
@@ -180,10 +180,10 @@ TEST(Lock, AMarkedLockForbidsToBlockUnderIt) {
     };
     const HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
     DWORD written = 0;
-    ExpectOutcome(Outcome::Misuse, under([] { Sleep(1); }));
-    ExpectOutcome(Outcome::Misuse, under([] { Sleep(0); }));
-    ExpectOutcome(Outcome::Misuse, under([&] { WaitForSingleObject(event, 1); }));
-    ExpectOutcome(Outcome::Misuse, under([&] { WriteFile(event, "x", 1, &written, nullptr); }));
+    ExpectOutcome(Outcome::kMisuse, under([] { Sleep(1); }));
+    ExpectOutcome(Outcome::kMisuse, under([] { Sleep(0); }));
+    ExpectOutcome(Outcome::kMisuse, under([&] { WaitForSingleObject(event, 1); }));
+    ExpectOutcome(Outcome::kMisuse, under([&] { WriteFile(event, "x", 1, &written, nullptr); }));
 
     Simulation simulation({});
     ExpectDone(simulation, [&] {

@@ -191,7 +191,7 @@ TEST(Schedule, AFailedRunIsReported) {
         },
         kHour));
     EXPECT_FALSE(wentOn);
-    EXPECT_EQ(simulation.Result(), Simulation::Outcome::Failed);
+    EXPECT_EQ(simulation.Result(), Simulation::Outcome::kFailed);
     const std::string report = simulation.Report();
     for (const char* part : {"a title is lost", "seed 77", "(the owner) runs", "a mark"}) {
         EXPECT_NE(report.find(part), std::string::npos) << part << " in:\n" << report;

@@ -119,7 +119,7 @@ TEST(Time, TheLimitEndsARun) {
             }
         },
         10 * kSecond));
-    EXPECT_EQ(simulation.Result(), Simulation::Outcome::TimeLimit);
+    EXPECT_EQ(simulation.Result(), Simulation::Outcome::kTimeLimit);
     EXPECT_EQ(simulation.Now(), 10 * kSecond);
     EXPECT_NE(simulation.Report().find("(main) sleeps until"), std::string::npos) << simulation.Report();
 }
@@ -153,7 +153,7 @@ TEST(Time, AThreadThatNeverLetsTimePassIsFound) {
                     main();
                 },
                 kHour));
-            EXPECT_EQ(simulation.Result(), Simulation::Outcome::Standstill) << simulation.Report();
+            EXPECT_EQ(simulation.Result(), Simulation::Outcome::kStandstill) << simulation.Report();
         }
     }
 }

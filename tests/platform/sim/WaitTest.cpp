@@ -173,7 +173,7 @@ TEST(Wait, ThreadsLeftOverAreReported) {
             Sleep(100);
         },
         kHour));
-    EXPECT_EQ(simulation.Result(), Simulation::Outcome::Leftover);
+    EXPECT_EQ(simulation.Result(), Simulation::Outcome::kLeftover);
     EXPECT_NE(simulation.Report().find("(forgotten) sleeps for ever"), std::string::npos) << simulation.Report();
 }
 

@@ -14,19 +14,19 @@ constexpr int kBoxText = 0xFFFF;
 
 }  // namespace
 
-BoxReader::BoxReader(UINT captionId, int atOnce) : caption_(Text(captionId)), atOnce_(atOnce), outer_(innermostReader) {
+BoxReader::BoxReader(UINT captionId, int atOnce) : caption(Text(captionId)), atOnce(atOnce), outer(innermostReader) {
     innermostReader = this;
-    timer_ = SetTimer(nullptr, 0, kLookMs, OnTimer);
+    timer = SetTimer(nullptr, 0, kLookMs, OnTimer);
 }
 
 BoxReader::~BoxReader() {
-    KillTimer(nullptr, timer_);
-    innermostReader = outer_;
+    KillTimer(nullptr, timer);
+    innermostReader = outer;
 }
 
 void CALLBACK BoxReader::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
-    for (BoxReader* reader = innermostReader; reader != nullptr; reader = reader->outer_) {
-        if (reader->timer_ == id) {
+    for (BoxReader* reader = innermostReader; reader != nullptr; reader = reader->outer) {
+        if (reader->timer == id) {
             reader->Look();
             return;
         }
@@ -37,17 +37,17 @@ void BoxReader::Look() {
     HWND top = nullptr;
     int boxes = 0;
     HWND box = nullptr;
-    while ((box = FindWindowExA(nullptr, box, "#32770", caption_.c_str())) != nullptr) {
+    while ((box = FindWindowExA(nullptr, box, "#32770", caption.c_str())) != nullptr) {
         if (IsWindowVisible(box)) {
             top = top == nullptr ? box : top;
             ++boxes;
         }
     }
-    hasBegun_ = hasBegun_ || boxes >= atOnce_;
-    if (top == nullptr || !hasBegun_ || !IsWindowEnabled(top)) {
+    hasBegun = hasBegun || boxes >= atOnce;
+    if (top == nullptr || !hasBegun || !IsWindowEnabled(top)) {
         return;
     }
-    texts_ += WindowText(GetDlgItem(top, kBoxText)) + "\n";
+    texts += WindowText(GetDlgItem(top, kBoxText)) + "\n";
     SendMessageA(top, WM_COMMAND, IDOK, 0);
 }
 
@@ -77,7 +77,7 @@ void PaneTest::SelectIn(int list, int row) {
 }
 
 void PaneTest::Command(WORD command) {
-    SendMessageA(main_, WM_COMMAND, command, 0);
+    SendMessageA(main, WM_COMMAND, command, 0);
     Settle();
 }
 

@@ -19,18 +19,18 @@ public:
     BoxReader& operator=(const BoxReader&) = delete;
 
     // Of all boxes so far, a line each.
-    const std::string& Texts() const { return texts_; }
+    const std::string& Texts() const { return texts; }
 
 private:
     static void CALLBACK OnTimer(HWND window, UINT message, UINT_PTR id, DWORD time);
     void Look();
 
-    std::string caption_;
-    int atOnce_;
-    bool hasBegun_ = false;
-    std::string texts_;
-    UINT_PTR timer_;
-    BoxReader* outer_;  // a reader of other boxes at the same time
+    std::string caption;
+    int atOnce;
+    bool hasBegun = false;
+    std::string texts;
+    UINT_PTR timer;
+    BoxReader* outer;  // a reader of other boxes at the same time
 };
 
 class PaneTest : public MainWindowTest {

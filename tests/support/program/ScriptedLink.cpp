@@ -87,7 +87,7 @@ void PostProgress(HWND pane, WORD operation, WORD progress, GroupId group, Track
 
 // --- The link
 
-DeviceLink::DeviceLink() : cutter_(FrameArrived, this) {}
+DeviceLink::DeviceLink() : cutter(FrameArrived, this) {}
 
 DeviceLink::~DeviceLink() = default;
 

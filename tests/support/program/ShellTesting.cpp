@@ -115,21 +115,21 @@ void MainWindowTest::Open() {
     HINSTANCE instance = GetModuleHandleA(nullptr);
     theApp = new AppWindow;
     ASSERT_EQ(AppWindow::RegisterMainClass(instance), 1);
-    main_ = AppWindow::CreateMainWindow(instance);
-    ASSERT_NE(main_, nullptr);
-    ShowWindow(main_, SW_SHOW);
-    ASSERT_TRUE(BringForward(main_));
+    main = AppWindow::CreateMainWindow(instance);
+    ASSERT_NE(main, nullptr);
+    ShowWindow(main, SW_SHOW);
+    ASSERT_TRUE(BringForward(main));
     // The font fills the lists anew, which must not see what a test puts into the store.
     Settle();
 }
 
 void MainWindowTest::Close() {
-    if (main_ == nullptr) {
+    if (main == nullptr) {
         return;
     }
-    DestroyWindow(main_);
+    DestroyWindow(main);
     PumpAll();
-    main_ = nullptr;
+    main = nullptr;
     delete theApp;
     UnregisterClassA(kMainClassName, GetModuleHandleA(nullptr));
 }
@@ -161,7 +161,7 @@ bool MainWindowTest::IsRefilling() const {
 }
 
 HWND MainWindowTest::Bar() const {
-    return GetDlgItem(main_, IDC_STATUS_BAR);
+    return GetDlgItem(main, IDC_STATUS_BAR);
 }
 
 std::string MainWindowTest::BarText() const {

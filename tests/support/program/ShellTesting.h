@@ -58,15 +58,15 @@ protected:
     // Until everything is served and no list is being filled any more.
     void Settle() const;
 
-    HWND Pane() const { return FindWindowExA(main_, nullptr, "#32770", nullptr); }
+    HWND Pane() const { return FindWindowExA(main, nullptr, "#32770", nullptr); }
     HWND Control(int id) const { return GetDlgItem(Pane(), id); }
     HWND Bar() const;
     // What the status bar shows.
     std::string BarText() const;
-    bool IsGrayed(UINT command) const { return (GetMenuState(GetMenu(main_), command, MF_BYCOMMAND) & MF_GRAYED) != 0; }
+    bool IsGrayed(UINT command) const { return (GetMenuState(GetMenu(main), command, MF_BYCOMMAND) & MF_GRAYED) != 0; }
 
-    HelpSpy help_;
-    HWND main_ = nullptr;
+    HelpSpy help;
+    HWND main = nullptr;
 
 private:
     bool IsRefilling() const;

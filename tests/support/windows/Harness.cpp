@@ -83,15 +83,15 @@ void PressKeys(std::initializer_list<int> virtualKeys) {
     }
 }
 
-HeldKey::HeldKey(int virtualKey) : key_(static_cast<BYTE>(virtualKey)) {
+HeldKey::HeldKey(int virtualKey) : key(static_cast<BYTE>(virtualKey)) {
     // Soon after a window has come forward the window system may tell what is held on its real keyboard, which is nothing;
     // so the key is pressed until it stays down for a while.
     constexpr int kLooks = 4;
     int looksHeld = 0;
     const bool isHeld = PumpUntil([&] {
-        const bool held = (GetAsyncKeyState(key_) & 0x8000) != 0;
+        const bool held = (GetAsyncKeyState(key) & 0x8000) != 0;
         if (!held) {
-            keybd_event(key_, 0, 0, 0);
+            keybd_event(key, 0, 0, 0);
         }
         looksHeld = held ? looksHeld + 1 : 0;
         return looksHeld >= kLooks;
@@ -100,7 +100,7 @@ HeldKey::HeldKey(int virtualKey) : key_(static_cast<BYTE>(virtualKey)) {
 }
 
 HeldKey::~HeldKey() {
-    keybd_event(key_, 0, KEYEVENTF_KEYUP, 0);
+    keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
 }
 
 void PostClick(HWND window, int x, int y) {
@@ -132,21 +132,21 @@ HWND FindDialog(const char* caption) {
 }
 
 DialogAnswer::DialogAnswer(const char* caption, int buttonId, std::function<void(HWND)> inspect)
-    : caption_(caption), buttonId_(buttonId), inspect_(std::move(inspect)), outer_(innermostAnswer) {
+    : caption(caption), buttonId(buttonId), inspect(std::move(inspect)), outer(innermostAnswer) {
     innermostAnswer = this;
     // A timer without a window is served by every modal loop of the thread.
-    timer_ = SetTimer(nullptr, 0, kAnswerPeriodMs, OnTimer);
+    timer = SetTimer(nullptr, 0, kAnswerPeriodMs, OnTimer);
 }
 
 DialogAnswer::~DialogAnswer() {
-    KillTimer(nullptr, timer_);
-    innermostAnswer = outer_;
-    EXPECT_TRUE(given_) << "no dialog \"" << caption_ << "\" was open";
+    KillTimer(nullptr, timer);
+    innermostAnswer = outer;
+    EXPECT_TRUE(given) << "no dialog \"" << caption << "\" was open";
 }
 
 void CALLBACK DialogAnswer::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
-    for (DialogAnswer* answer = innermostAnswer; answer != nullptr; answer = answer->outer_) {
-        if (answer->timer_ == id) {
+    for (DialogAnswer* answer = innermostAnswer; answer != nullptr; answer = answer->outer) {
+        if (answer->timer == id) {
             answer->Look();
             return;
         }
@@ -154,17 +154,17 @@ void CALLBACK DialogAnswer::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
 }
 
 void DialogAnswer::Look() {
-    HWND dialog = given_ || looking_ ? nullptr : FindDialog(caption_.c_str());
+    HWND dialog = given || looking ? nullptr : FindDialog(caption.c_str());
     if (dialog == nullptr) {
         return;
     }
-    looking_ = true;
-    if (inspect_) {
-        inspect_(dialog);
+    looking = true;
+    if (inspect) {
+        inspect(dialog);
     }
-    HWND button = GetDlgItem(dialog, buttonId_);
-    EXPECT_NE(button, nullptr) << "\"" << caption_ << "\" has no button " << buttonId_;
-    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(static_cast<WORD>(buttonId_), BN_CLICKED), reinterpret_cast<LPARAM>(button));
-    given_ = true;
-    looking_ = false;
+    HWND button = GetDlgItem(dialog, buttonId);
+    EXPECT_NE(button, nullptr) << "\"" << caption << "\" has no button " << buttonId;
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(static_cast<WORD>(buttonId), BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    given = true;
+    looking = false;
 }

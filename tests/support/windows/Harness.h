@@ -43,7 +43,7 @@ public:
     HeldKey& operator=(const HeldKey&) = delete;
 
 private:
-    BYTE key_;
+    BYTE key;
 };
 
 // Posts a press of the left button at a place in the window's client area, and its release, at another place if one is
@@ -63,19 +63,19 @@ public:
     DialogAnswer(const DialogAnswer&) = delete;
     DialogAnswer& operator=(const DialogAnswer&) = delete;
 
-    bool Given() const { return given_; }
+    bool Given() const { return given; }
 
 private:
     static void CALLBACK OnTimer(HWND window, UINT message, UINT_PTR id, DWORD time);
     void Look();
 
-    std::string caption_;
-    int buttonId_;
-    std::function<void(HWND)> inspect_;
-    UINT_PTR timer_;
-    bool given_ = false;
-    bool looking_ = false;  // `inspect_` may serve messages, and the timer with them
-    DialogAnswer* outer_;   // an answer that waits for another dialog at the same time
+    std::string caption;
+    int buttonId;
+    std::function<void(HWND)> inspect;
+    UINT_PTR timer;
+    bool given = false;
+    bool looking = false;  // `inspect` may serve messages, and the timer with them
+    DialogAnswer* outer;   // an answer that waits for another dialog at the same time
 };
 
 // The visible dialog of this thread with that caption, or null: a message box or any other window of class "#32770".

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "Harness.h"
 
@@ -81,7 +82,7 @@ LRESULT CALLBACK TestProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
 
 }  // namespace
 
-MessageLog::MessageLog(std::initializer_list<UINT> messages) : messages_(messages) {
+MessageLog::MessageLog(std::initializer_list<UINT> messages) : messages(messages) {
     theLog = this;
 }
 
@@ -91,28 +92,26 @@ MessageLog::~MessageLog() {
 }
 
 void MessageLog::Watch(HWND window, const char* name) {
-    names_[window] = name;
-    procedures_[window] = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC));
+    names[window] = name;
+    procedures[window] = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC));
     SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&WatchProc));
 }
 
-void MessageLog::Record(std::initializer_list<UINT> messages) {
-    messages_ = messages;
+void MessageLog::Record(std::initializer_list<UINT> newMessages) {
+    messages = newMessages;
 }
 
 void MessageLog::Note(const std::string& line) {
-    lines_ += line + "\n";
+    lines += line + "\n";
 }
 
 std::string MessageLog::Take() {
-    std::string lines;
-    lines.swap(lines_);
-    return lines;
+    return std::exchange(lines, {});
 }
 
 LRESULT CALLBACK MessageLog::WatchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     Add(window, message, wParam, lParam);
-    return CallWindowProcA(theLog->procedures_[window], window, message, wParam, lParam);
+    return CallWindowProcA(theLog->procedures[window], window, message, wParam, lParam);
 }
 
 void MessageLog::Add(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -121,24 +120,24 @@ void MessageLog::Add(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         return;
     }
     if (message == WM_NCCREATE) {
-        theLog->names_[window] = reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpszName;
+        theLog->names[window] = reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpszName;
     }
-    const std::vector<UINT>& wanted = theLog->messages_;
+    const std::vector<UINT>& wanted = theLog->messages;
     if (std::find(wanted.begin(), wanted.end(), message) == wanted.end()) {
         return;
     }
-    theLog->lines_ += isDispatched ? "* " : "";
-    theLog->lines_ += theLog->NameOf(window) + " " + MessageName(message);
+    theLog->lines += isDispatched ? "* " : "";
+    theLog->lines += theLog->NameOf(window) + " " + MessageName(message);
     const std::string details = theLog->Describe(message, wParam, lParam);
-    theLog->lines_ += (details.empty() ? "" : " ") + details + "\n";
+    theLog->lines += (details.empty() ? "" : " ") + details + "\n";
 }
 
 std::string MessageLog::NameOf(HWND window) const {
     if (window == nullptr) {
         return "nobody";
     }
-    const auto found = names_.find(window);
-    return found != names_.end() ? found->second : "(new)";
+    const auto found = names.find(window);
+    return found != names.end() ? found->second : "(new)";
 }
 
 std::string MessageLog::Describe(UINT message, WPARAM wParam, LPARAM lParam) const {

@@ -25,9 +25,9 @@ public:
 
     void Watch(HWND window, const char* name);
     // The name alone, for a window whose own procedure calls Add.
-    void Name(HWND window, const char* name) { names_[window] = name; }
+    void Name(HWND window, const char* name) { names[window] = name; }
     // Other messages from now on.
-    void Record(std::initializer_list<UINT> messages);
+    void Record(std::initializer_list<UINT> newMessages);
     // A line of the test's own between the messages.
     void Note(const std::string& line);
 
@@ -42,10 +42,10 @@ private:
     std::string NameOf(HWND window) const;
     std::string Describe(UINT message, WPARAM wParam, LPARAM lParam) const;
 
-    std::vector<UINT> messages_;
-    std::map<HWND, std::string> names_;
-    std::map<HWND, WNDPROC> procedures_;
-    std::string lines_;
+    std::vector<UINT> messages;
+    std::map<HWND, std::string> names;
+    std::map<HWND, WNDPROC> procedures;
+    std::string lines;
 };
 
 // The lines as Take gives them.

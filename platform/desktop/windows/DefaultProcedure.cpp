@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "Desktop.h"
-#include "MenuBar.h"
 #include "MessageState.h"
 #include "Painting.h"
 #include "Placement.h"
@@ -105,13 +104,13 @@ LRESULT PositionChanged(HWND handle, const WINDOWPOS& position) {
     return 0;
 }
 
-LRESULT SystemCommand(HWND handle, WPARAM wParam, LPARAM lParam) {
+LRESULT SystemCommand(const ScreenWindow& window, WPARAM wParam, LPARAM lParam) {
     constexpr WPARAM kInternalBits = 0x000F;
-    switch (wParam & ~kInternalBits) {
-        case SC_CLOSE: SendMessageA(handle, WM_CLOSE, 0, 0); break;
-        case SC_KEYMENU: OpenMenuByKey(handle, static_cast<char>(lParam)); break;
-        case kMouseMenuCommand: OpenMenuByMouse(handle, lParam); break;
-        default: break;
+    const WPARAM command = wParam & ~kInternalBits;
+    if (command == SC_CLOSE) {
+        SendMessageA(window.handle, WM_CLOSE, 0, 0);
+    } else {
+        Desktop::Get().parts.openMenu(window, command, lParam);
     }
     return 0;
 }
@@ -155,7 +154,7 @@ LRESULT Desktop::DefaultProcedure(HWND handle, UINT message, WPARAM wParam, LPAR
                 SetFocus(handle);
             }
             return 0;
-        case WM_SYSCOMMAND: return SystemCommand(handle, wParam, lParam);
+        case WM_SYSCOMMAND: return SystemCommand(window, wParam, lParam);
         case WM_SYSKEYDOWN:
         case WM_SYSKEYUP: return SystemKey(handle, message, wParam);
         case WM_SYSCHAR:

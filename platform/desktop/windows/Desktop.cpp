@@ -8,7 +8,6 @@
 #include <QWidget>
 #include <algorithm>
 
-#include "Controls.h"
 #include "MessageQueue.h"
 #include "MessageState.h"
 #include "Painting.h"
@@ -43,15 +42,20 @@ void SetStyleBits(HWND window, DWORD bits, bool set) {
     SetWindowLongPtrA(window, GWL_STYLE, static_cast<LONG_PTR>(set ? style | bits : style & ~bits));
 }
 
-Desktop::Desktop() {
+void AddClass(LPCSTR name, WNDPROC procedure, UINT style, int extraBytes) {
+    WNDCLASSEXA added{};
+    added.cbSize = sizeof added;
+    added.style = style;
+    added.lpfnWndProc = procedure;
+    added.cbWndExtra = extraBytes;
+    added.lpszClassName = name;
+    RegisterClassExA(&added);
+}
+
+Desktop::Desktop(const DesktopParts& parts) : parts(parts) {
     theDesktop = this;
     MessageQueue::Current()->SetScreen(this);
-    RegisterControlClasses();
-    WNDCLASSEXA desktopClass{};
-    desktopClass.cbSize = sizeof desktopClass;
-    desktopClass.lpfnWndProc = DesktopProc;
-    desktopClass.lpszClassName = kDesktopClass;
-    RegisterClassExA(&desktopClass);
+    AddClass(kDesktopClass, DesktopProc, 0);
     CREATESTRUCTA create{};
     create.lpszClass = kDesktopClass;
     create.style = static_cast<LONG>(WS_POPUP | WS_VISIBLE);
@@ -233,9 +237,6 @@ void Desktop::EndTree(HWND handle) {
         window->widget->hide();
         window->widget->setParent(nullptr);
         trash.push_back(window->widget);
-    }
-    if (window->menu != nullptr) {
-        DestroyMenu(window->menu);
     }
     windows.erase(handle);
 }

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "DesktopParts.h"
 #include "Keyboard.h"
 #include "Screen.h"
 #include "ScreenWindow.h"
@@ -20,6 +21,13 @@ class QEvent;
 class QInputMethodEvent;
 
 namespace desktop {
+
+inline constexpr UINT kDoubleClicks = 0x0008;  // CS_DBLCLKS
+
+// Registers a class of the layer itself.
+void AddClass(LPCSTR name, WNDPROC procedure, UINT style, int extraBytes = 0);
+// In any letters.
+bool IsClass(HWND window, const char* name);
 
 // Something that the user or the window system has done, not yet a message.
 struct InputEvent {
@@ -40,7 +48,7 @@ struct InputEvent {
 // One for the process, made before and destroyed after all windows. All members are for its thread but Wake.
 class Desktop : public QObject, public Screen {
 public:
-    Desktop();
+    explicit Desktop(const DesktopParts& parts);
     ~Desktop() override;
     static Desktop& Get();
     // Null where there is none.
@@ -66,6 +74,8 @@ public:
     const std::vector<ScreenWindow*>& TopLevel() const { return topLevel; }
     std::vector<ScreenWindow*>& Siblings(const ScreenWindow& window);
     HWND DesktopWindow() const { return desktopWindow; }
+    // FindWindowExA among the windows of this process.
+    HWND FindByName(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title) const;
     // Behind all its siblings.
     void Link(ScreenWindow& window);
     void Unlink(ScreenWindow& window);
@@ -82,6 +92,8 @@ public:
     // --- Focus (Activation.cpp)
     // While the user is elsewhere the window system is not asked for the front.
     bool Activate(HWND window, WPARAM how);
+    // The same with the window's root, which comes to the front wherever the user is.
+    bool BringToFront(HWND window);
     void Deactivate();
     HWND ChangeFocus(HWND window);
     void SyncFocus();
@@ -91,6 +103,7 @@ public:
     // The window is going, or is hidden or disabled: who has the focus or is active instead?
     void LeaveFocus(ScreenWindow& window);
 
+    const DesktopParts parts;
     HWND active = nullptr;
     HWND focus = nullptr;
     bool isElsewhere = false;  // the user has gone to another program and not come back

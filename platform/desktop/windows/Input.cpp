@@ -8,7 +8,6 @@
 #include <QWidget>
 
 #include "Desktop.h"
-#include "MenuBar.h"
 #include "MessageQueue.h"
 #include "MessageState.h"
 #include "Painting.h"
@@ -19,7 +18,6 @@ namespace desktop {
 
 namespace {
 
-constexpr UINT kDoubleClicks = 0x0008;  // CS_DBLCLKS
 constexpr LPARAM kExtended = LPARAM{1} << 24;
 constexpr LPARAM kWithAlt = LPARAM{1} << 29;
 constexpr LPARAM kWasDown = LPARAM{1} << 30;

@@ -10,9 +10,7 @@
 
 #include "Desktop.h"
 #include "LastError.h"
-#include "MenuBar.h"
 #include "Painting.h"
-#include "SingleInstance.h"
 #include "Widgets.h"
 
 namespace desktop {
@@ -91,7 +89,7 @@ void DefaultClient(const ScreenWindow& window, RECT& rect) {
         rect.top += widget.top;
         rect.right -= size.width() - widget.right;
         rect.bottom -= size.height() - widget.bottom;
-        rect.top += MenuBarHeight(window, rect.right - rect.left);
+        rect.top += window.menuBar != nullptr ? window.menuBar->heightForWidth(rect.right - rect.left) : 0;
     } else if (HasStyle(window.handle, WS_BORDER)) {
         edge = kBorder;
     }
@@ -348,11 +346,7 @@ BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) 
     return SetWindowPos(window, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE | (repaint ? 0U : SWP_NOREDRAW));
 }
 
-// Of another copy's window SetForegroundWindow takes care as a whole.
 BOOL BringWindowToTop(HWND window) {
-    if (desktop::IsOtherCopy(window)) {
-        return TRUE;
-    }
     return SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
 }
 
@@ -401,9 +395,6 @@ void ChangeVisibility(HWND handle, bool show, bool activate) {
 }  // namespace
 
 BOOL ShowWindow(HWND handle, int command) {
-    if (desktop::IsOtherCopy(handle)) {
-        return TRUE;
-    }
     ScreenWindow* window = Find(handle);
     if (window == nullptr) {
         return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);

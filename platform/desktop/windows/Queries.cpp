@@ -7,7 +7,6 @@
 #include "Desktop.h"
 #include "LastError.h"
 #include "MessageState.h"
-#include "SingleInstance.h"
 
 using desktop::Desktop;
 using desktop::HasStyle;
@@ -51,12 +50,6 @@ HWND Sibling(const ScreenWindow& window, UINT relation) {
     }
 }
 
-bool HasClass(HWND window, LPCSTR name) {
-    char actual[256] = "";
-    GetClassNameA(window, actual, sizeof actual);
-    return name == nullptr || qstricmp(actual, name) == 0;
-}
-
 // Not by WM_GETTEXT, which the window might take for itself.
 bool HasTitle(const ScreenWindow& window, LPCSTR title) {
     return title == nullptr || window.text == title;
@@ -83,27 +76,27 @@ HWND GetDesktopWindow() {
     return Desktop::Get().DesktopWindow();
 }
 
-HWND FindWindowA(LPCSTR className, LPCSTR title) {
-    return FindWindowExA(nullptr, nullptr, className, title);
+bool desktop::IsClass(HWND window, const char* name) {
+    char actual[256] = "";
+    GetClassNameA(window, actual, sizeof actual);
+    return qstricmp(actual, name) == 0;
 }
 
-HWND FindWindowExA(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title) {
-    Desktop& desktop = Desktop::Get();
-    const ScreenWindow* above = desktop.Find(parent);
+HWND Desktop::FindByName(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title) const {
+    const ScreenWindow* above = Find(parent);
     if (parent != nullptr && above == nullptr) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return nullptr;
     }
-    const std::vector<ScreenWindow*>& among = above != nullptr ? above->children : desktop.TopLevel();
+    const std::vector<ScreenWindow*>& among = above != nullptr ? above->children : topLevel;
     bool passed = childAfter == nullptr;
     for (const ScreenWindow* window : among) {
-        if (passed && HasClass(window->handle, className) && HasTitle(*window, title)) {
+        if (passed && (className == nullptr || IsClass(window->handle, className)) && HasTitle(*window, title)) {
             return window->handle;
         }
         passed = passed || window->handle == childAfter;
     }
-    const bool mayBeElsewhere = parent == nullptr && childAfter == nullptr && className == nullptr && title != nullptr;
-    return mayBeElsewhere && desktop::AskForOtherCopy(title) ? desktop::OtherCopy() : nullptr;
+    return nullptr;
 }
 
 BOOL SetWindowTextA(HWND window, LPCSTR text) {

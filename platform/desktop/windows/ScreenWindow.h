@@ -19,6 +19,8 @@ namespace desktop {
 // What a control of a certain class keeps for itself.
 struct ControlState {
     virtual ~ControlState() = default;
+    // Qt has told screen readers that the control has the focus: what they are to hear besides.
+    virtual void TellFocus(HWND) const {}
 };
 
 // On the thread of the desktop alone. While a procedure runs the window may be destroyed, so it is looked up again by its

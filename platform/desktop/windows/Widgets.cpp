@@ -8,7 +8,6 @@
 #include <QWidget>
 #include <unordered_map>
 
-#include "Controls.h"
 #include "Desktop.h"
 #include "Icons.h"
 #include "MessageState.h"
@@ -86,7 +85,7 @@ void MakeWidget(ScreenWindow& window) {
     Desktop& desktop = Desktop::Get();
     const ScreenWindow* above = window.parent != nullptr ? window.parent : desktop.Find(window.owner);
     QWidget* parent = above != nullptr ? above->widget : nullptr;
-    window.widget = MakeControlWidget(window, parent);
+    window.widget = desktop.parts.makeControlWidget(window, parent);
     window.native = window.widget != nullptr;
     if (!window.native) {
         window.widget = MakePlain(window, parent);

@@ -213,7 +213,7 @@ HWND GetWindow(HWND window, UINT relation);
 // place of their bars.
 HWND GetDesktopWindow();
 // Among the windows of this process. FindWindowExA without a parent and a child also finds the main window of another copy
-// of the program by its title; only the three calls that bring a window forward know what to do with such a handle.
+// of the program by its title; only SetForegroundWindow knows what to do with such a handle.
 HWND FindWindowA(LPCSTR className, LPCSTR title);
 HWND FindWindowExA(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title);
 

@@ -138,8 +138,7 @@ void Desktop::LeaveFocus(ScreenWindow& window) {
     }
     if (window.parent != nullptr) {
         if (IsWithin(Find(focus), &window)) {
-            const bool hidden = !HasStyle(handle, WS_VISIBLE);
-            ChangeFocus(hidden && window.parent != nullptr ? window.parent->handle : nullptr);
+            ChangeFocus(HasStyle(handle, WS_VISIBLE) ? nullptr : window.parent->handle);
         }
         return;
     }
@@ -179,11 +178,7 @@ void Desktop::FollowWindowSystem() {
     if (inWindowSystem > 0) {
         return;
     }
-    std::vector<HWND> shown;
-    for (const ScreenWindow* window : topLevel) {
-        shown.push_back(window->handle);
-    }
-    for (HWND window : shown) {
+    for (HWND window : HandlesOf(topLevel)) {
         FollowGeometry(window);
     }
     const QWidget* widget = QApplication::activeWindow();

@@ -13,10 +13,6 @@ namespace desktop {
 
 namespace {
 
-// Beside those of the seam, in WM_WINDOWPOSCHANGED.
-constexpr UINT kNoClientSize = 0x0800;
-constexpr UINT kNoClientMove = 0x1000;
-
 HBRUSH BackgroundOf(HWND window) {
     const MessageLock state;
     return state->windows.Find(window)->windowClass.background;
@@ -43,9 +39,7 @@ LRESULT CopyText(const ScreenWindow& window, WPARAM size, char* buffer) {
 LRESULT HitTest(const ScreenWindow& window, LPARAM lParam) {
     const int x = static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(lParam)));
     const int y = static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(lParam)));
-    const POINT origin = ClientOrigin(window);
-    const QRect client(QPoint(origin.x, origin.y), window.ClientSize());
-    return client.contains(x, y) ? HTCLIENT : HTNOWHERE;
+    return ClientOnScreen(window).contains(x, y) ? HTCLIENT : HTNOWHERE;
 }
 
 LRESULT Erase(HWND handle, HDC dc) {

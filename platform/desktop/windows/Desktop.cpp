@@ -199,11 +199,7 @@ void Desktop::TellDestroy(HWND handle) {
     if (window == nullptr) {
         return;
     }
-    std::vector<HWND> children;
-    for (const ScreenWindow* child : window->children) {
-        children.push_back(child->handle);
-    }
-    for (HWND child : children) {
+    for (HWND child : HandlesOf(window->children)) {
         TellDestroy(child);
     }
 }
@@ -253,6 +249,14 @@ void Desktop::ClearTrash() {
     }
 }
 
+void Desktop::HandleEvents(bool wait) {
+    ++inWindowSystem;
+    QCoreApplication::processEvents(wait ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
+    --inWindowSystem;
+    FollowWindowSystem();
+    ClearTrash();
+}
+
 void Desktop::Poll() {
     // Once a millisecond is enough, and leaves the processor to the messages when there are many of them.
     const DWORD now = GetTickCount();
@@ -260,11 +264,7 @@ void Desktop::Poll() {
         return;
     }
     lastPollMs = now;
-    ++inWindowSystem;
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
-    --inWindowSystem;
-    FollowWindowSystem();
-    ClearTrash();
+    HandleEvents(false);
 }
 
 void Desktop::Wait(DWORD milliseconds) {
@@ -277,11 +277,7 @@ void Desktop::Wait(DWORD milliseconds) {
         limit.setTimerType(Qt::PreciseTimer);
         limit.start(static_cast<int>(std::min<DWORD>(milliseconds, INT_MAX)));
     }
-    ++inWindowSystem;
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    --inWindowSystem;
-    FollowWindowSystem();
-    ClearTrash();
+    HandleEvents(true);
 }
 
 void Desktop::Wake() {

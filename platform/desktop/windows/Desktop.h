@@ -29,12 +29,15 @@ void AddClass(LPCSTR name, WNDPROC procedure, UINT style, int extraBytes = 0);
 // In any letters.
 bool IsClass(HWND window, const char* name);
 
+// Whether a mouse message tells of a button that goes down.
+bool IsPress(UINT message);
+
 // Something that the user or the window system has done, not yet a message.
 struct InputEvent {
     enum class Kind { kKey, kText, kMouse, kWheel, kClose };
     Kind kind;
-    HWND topLevel = nullptr;
-    UINT message = 0;  // of the mouse; WM_KEYDOWN or WM_KEYUP of a key
+    HWND topLevel = nullptr;  // of the mouse and of what is closed
+    UINT message = 0;         // of the mouse; WM_KEYDOWN or WM_KEYUP of a key
     int virtualKey = 0;
     bool repeated = false;
     bool elsewhere = false;  // another program hears of this key
@@ -122,6 +125,7 @@ private:
     void TellDestroy(HWND window);
     void EndTree(HWND window);
     void ClearTrash();
+    void HandleEvents(bool wait);
     bool ToMessage(const InputEvent& event, MSG& message);
     bool KeyMessage(const InputEvent& event, MSG& message) const;
     bool MouseMessage(const InputEvent& event, MSG& message);

@@ -70,38 +70,16 @@ UINT PlainPress(UINT message) {
     }
 }
 
-bool IsPress(UINT message) {
-    return message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN || message == WM_MBUTTONDOWN ||
-           message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDBLCLK || message == WM_MBUTTONDBLCLK;
-}
-
-bool Contains(const ScreenWindow& window, POINT screen) {
-    const POINT origin = WindowOrigin(window);
-    const QSize size = window.Size();
-    return screen.x >= origin.x && screen.y >= origin.y && screen.x < origin.x + size.width() &&
-           screen.y < origin.y + size.height();
-}
-
-bool ClientContains(const ScreenWindow& window, POINT screen) {
-    const POINT origin = ClientOrigin(window);
-    const QSize size = window.ClientSize();
-    return screen.x >= origin.x && screen.y >= origin.y && screen.x < origin.x + size.width() &&
-           screen.y < origin.y + size.height();
-}
-
 // The window that a point belongs to, by what the windows themselves say, and their word for it.
 HWND WindowAt(HWND handle, POINT screen, LRESULT& hit) {
     const Desktop& desktop = Desktop::Get();
     const ScreenWindow* window = desktop.Find(handle);
-    if (window == nullptr || !HasStyle(handle, WS_VISIBLE) || HasStyle(handle, WS_DISABLED) || !Contains(*window, screen)) {
+    if (window == nullptr || !HasStyle(handle, WS_VISIBLE) || HasStyle(handle, WS_DISABLED) ||
+        !WindowOnScreen(*window).contains(screen.x, screen.y)) {
         return nullptr;
     }
-    if (ClientContains(*window, screen)) {
-        std::vector<HWND> children;
-        for (const ScreenWindow* child : window->children) {
-            children.push_back(child->handle);
-        }
-        for (HWND child : children) {
+    if (ClientOnScreen(*window).contains(screen.x, screen.y)) {
+        for (HWND child : HandlesOf(window->children)) {
             if (HWND found = WindowAt(child, screen, hit)) {
                 return found;
             }
@@ -112,6 +90,11 @@ HWND WindowAt(HWND handle, POINT screen, LRESULT& hit) {
 }
 
 }  // namespace
+
+bool IsPress(UINT message) {
+    const UINT press = PlainPress(message);
+    return press == WM_LBUTTONDOWN || press == WM_RBUTTONDOWN || press == WM_MBUTTONDOWN;
+}
 
 void Desktop::AddInput(InputEvent event) {
     event.timeMs = GetTickCount();
@@ -234,11 +217,12 @@ bool Desktop::MouseMessage(const InputEvent& event, MSG& message) {
     if (window == nullptr || hit != HTCLIENT) {
         return false;
     }
-    const POINT origin = ClientOrigin(*window);
+    const QPoint origin = ClientOnScreen(*window).topLeft();
     message.hwnd = target;
     message.message = HasDoubleClicks(target) ? event.message : PlainPress(event.message);
     message.wParam = event.mouseKeys;
-    message.lParam = MAKELPARAM(static_cast<WORD>(event.screen.x - origin.x), static_cast<WORD>(event.screen.y - origin.y));
+    message.lParam =
+        MAKELPARAM(static_cast<WORD>(event.screen.x - origin.x()), static_cast<WORD>(event.screen.y - origin.y()));
     return true;
 }
 

@@ -65,6 +65,15 @@ struct ScreenWindow {
     QSize ClientSize() const { return {client.right - client.left, client.bottom - client.top}; }
 };
 
+// For a loop in which windows may be destroyed.
+inline std::vector<HWND> HandlesOf(const std::vector<ScreenWindow*>& windows) {
+    std::vector<HWND> handles;
+    for (const ScreenWindow* window : windows) {
+        handles.push_back(window->handle);
+    }
+    return handles;
+}
+
 // The style bits, which any thread may read.
 DWORD StyleOf(HWND window);
 void SetStyleBits(HWND window, DWORD bits, bool set);

@@ -23,10 +23,6 @@ std::unordered_map<const QObject*, HWND>& Handles() {
     return handles;
 }
 
-QRect ToQt(const RECT& rect) {
-    return {QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1)};
-}
-
 // Shows the part of the window's surface that the widget covers. All drawing went there before.
 class SurfaceWidget : public QWidget {
 public:
@@ -113,8 +109,7 @@ HWND HandleOfWidget(const QObject& widget) {
 }
 
 RECT WorkArea() {
-    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    return {area.left(), area.top(), area.right() + 1, area.bottom() + 1};
+    return ToRect(QGuiApplication::primaryScreen()->availableGeometry());
 }
 
 void PlaceWidget(ScreenWindow& window) {

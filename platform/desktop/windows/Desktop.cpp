@@ -76,10 +76,6 @@ Desktop& Desktop::Get() {
     return *theDesktop;
 }
 
-Desktop* Desktop::GetIfThere() {
-    return theDesktop;
-}
-
 bool Desktop::IsOwnThread() {
     return theDesktop != nullptr && QThread::currentThread() == theDesktop->thread();
 }

@@ -39,7 +39,6 @@ struct InputEvent {
     HWND topLevel = nullptr;  // of the mouse and of what is closed
     UINT message = 0;         // of the mouse; WM_KEYDOWN or WM_KEYUP of a key
     int virtualKey = 0;
-    bool repeated = false;
     bool elsewhere = false;  // another program hears of this key
     std::string text;        // bytes of the code page that the key means, or that an input method has made
     POINT screen{0, 0};      // where the pointer is
@@ -54,8 +53,6 @@ public:
     explicit Desktop(const DesktopParts& parts);
     ~Desktop() override;
     static Desktop& Get();
-    // Null where there is none.
-    static Desktop* GetIfThere();
     // Whether the calling thread is the desktop's.
     static bool IsOwnThread();
 

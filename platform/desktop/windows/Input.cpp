@@ -275,7 +275,6 @@ InputEvent KeyInput(const QKeyEvent& event) {
     input.kind = InputEvent::Kind::kKey;
     input.message = event.type() == QEvent::KeyPress ? WM_KEYDOWN : WM_KEYUP;
     input.virtualKey = VirtualKeyOf(event);
-    input.repeated = event.isAutoRepeat();
     input.text = FromQString(event.text());
     if (input.text == std::string(1, kDeleteText)) {
         input.text.clear();
@@ -301,12 +300,11 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
         case QEvent::ShortcutOverride: event.accept(); return true;
         case QEvent::KeyPress:
         case QEvent::KeyRelease: {
-            auto& key = static_cast<QKeyEvent&>(event);
+            const auto& key = static_cast<QKeyEvent&>(event);
             InputEvent made = KeyInput(key);
             // A release belongs to the auto-repeat of the next press.
-            if ((made.message == WM_KEYDOWN || !made.repeated) &&
+            if ((made.message == WM_KEYDOWN || !key.isAutoRepeat()) &&
                 (made.kind == InputEvent::Kind::kKey || !made.text.empty())) {
-                made.topLevel = root.handle;
                 AddInput(std::move(made));
             }
             return true;
@@ -331,7 +329,6 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
             const auto& wheel = static_cast<QWheelEvent&>(event);
             InputEvent made{};
             made.kind = InputEvent::Kind::kWheel;
-            made.topLevel = root.handle;
             made.wheel = wheel.angleDelta().y();
             made.screen = ScreenPoint(root, *window.widget, wheel.position());
             AddInput(std::move(made));
@@ -362,7 +359,6 @@ bool Desktop::FilterInputMethod(ScreenWindow& window, QInputMethodEvent& event) 
     if (!event.commitString().isEmpty()) {
         InputEvent made{};
         made.kind = InputEvent::Kind::kText;
-        made.topLevel = Root(&window)->handle;
         made.text = FromQString(event.commitString());
         AddInput(std::move(made));
     }

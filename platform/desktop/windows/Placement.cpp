@@ -139,7 +139,6 @@ void TellMove(HWND handle) {
 
 void TellSize(HWND handle) {
     if (ScreenWindow* window = Find(handle)) {
-        window->sized = true;
         const QSize size = window->sizeKind == SIZE_MINIMIZED ? QSize(0, 0) : window->ClientSize();
         SendMessageA(handle, WM_SIZE, window->sizeKind,
                      MAKELPARAM(static_cast<WORD>(size.width()), static_cast<WORD>(size.height())));
@@ -461,8 +460,4 @@ BOOL IsWindowVisible(HWND handle) {
 
 BOOL IsIconic(HWND window) {
     return HasStyle(window, WS_MINIMIZE);
-}
-
-BOOL IsZoomed(HWND window) {
-    return HasStyle(window, WS_MAXIMIZE);
 }

@@ -38,7 +38,6 @@ struct ScreenWindow {
     QRect widgetPlace;
     // The client area, from the window's corner.
     RECT client{0, 0, 0, 0};
-    bool sized = false;  // it has been told its size
     bool shownOnce = false;
     WPARAM sizeKind = SIZE_RESTORED;
 

@@ -248,10 +248,8 @@ TEST_F(MessageOrderTest, MinimiseAndMaximise) {
     EXPECT_FALSE(IsIconic(main_));
     EXPECT_EQ(log_.Take(), SizeLine("main", 0));
     ShowWindow(main_, SW_SHOWMAXIMIZED);
-    EXPECT_TRUE(IsZoomed(main_));
     EXPECT_EQ(log_.Take(), SizeLine("main", 2));
     ShowWindow(main_, SW_RESTORE);
-    EXPECT_FALSE(IsZoomed(main_));
     EXPECT_EQ(log_.Take(), SizeLine("main", 0));
 }
 
@@ -267,6 +265,4 @@ TEST_F(MessageOrderTest, TextIsSetAndReadByMessages) {
     char small[4];
     EXPECT_EQ(GetWindowTextA(main_, small, sizeof small), 3);
     EXPECT_STREQ(small, "mai");
-    EXPECT_EQ(GetDlgItemTextA(main_, kButtonId, small, sizeof small), 3U);
-    EXPECT_STREQ(small, "&Go");
 }

@@ -6,9 +6,12 @@
 #include <QTranslator>
 #include <cstdio>
 
+#include "Controls.h"
 #include "Desktop.h"
+#include "Dialogs.h"
 #include "HelpViewer.h"
 #include "ListAccess.h"
+#include "MenuBar.h"
 #include "Resources.h"
 #include "SingleInstance.h"
 
@@ -35,7 +38,9 @@ int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
         translator.load("qtbase_ja", QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         QApplication::installTranslator(&translator);
     }
-    desktop::Desktop desktop;
+    desktop::Desktop desktop({desktop::MakeControlWidget, desktop::AttachMenu, desktop::OpenMenu});
+    desktop::RegisterControlClasses();
+    desktop::RegisterDialogClass();
     desktop::AnswerOtherCopies();
     desktop::OfferHelp();
     desktop::OfferListAccess();

@@ -10,7 +10,6 @@
 #include <cstring>
 
 #include "Desktop.h"
-#include "Dialogs.h"
 #include "GdiObjects.h"
 #include "Placement.h"
 #include "Text.h"
@@ -18,18 +17,6 @@
 namespace desktop {
 
 namespace {
-
-constexpr UINT kDoubleClicks = 0x0008;  // CS_DBLCLKS
-
-void Register(LPCSTR name, WNDPROC procedure, UINT style, int extra = 0) {
-    WNDCLASSEXA windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.style = style;
-    windowClass.lpfnWndProc = procedure;
-    windowClass.cbWndExtra = extra;
-    windowClass.lpszClassName = name;
-    RegisterClassExA(&windowClass);
-}
 
 Qt::MouseButtons ButtonsOf(WPARAM keys) {
     Qt::MouseButtons buttons;
@@ -41,19 +28,12 @@ Qt::MouseButtons ButtonsOf(WPARAM keys) {
 
 }  // namespace
 
-bool IsClass(HWND window, const char* name) {
-    char actual[64] = "";
-    GetClassNameA(window, actual, sizeof actual);
-    return qstricmp(actual, name) == 0;
-}
-
 void RegisterControlClasses() {
-    Register("Button", ButtonProc, kDoubleClicks);
-    Register("Edit", EditProc, kDoubleClicks);
-    Register("Static", StaticProc, kDoubleClicks);
-    Register("ListBox", ListBoxProc, kDoubleClicks);
-    Register(STATUSCLASSNAMEA, StatusBarProc, kDoubleClicks);
-    Register("#32770", DefDlgProcA, kDoubleClicks, kDialogExtraBytes);
+    AddClass("Button", ButtonProc, kDoubleClicks);
+    AddClass("Edit", EditProc, kDoubleClicks);
+    AddClass("Static", StaticProc, kDoubleClicks);
+    AddClass("ListBox", ListBoxProc, kDoubleClicks);
+    AddClass(STATUSCLASSNAMEA, StatusBarProc, kDoubleClicks);
 }
 
 QWidget* MakeControlWidget(ScreenWindow& window, QWidget* parent) {

@@ -9,7 +9,7 @@ namespace desktop {
 
 struct ScreenWindow;
 
-// Registers "BUTTON", "EDIT", "STATIC", "LISTBOX", "msctls_statusbar32" and "#32770".
+// Registers "BUTTON", "EDIT", "STATIC", "LISTBOX" and "msctls_statusbar32".
 void RegisterControlClasses();
 
 // The widget of a standard control that paints itself, or null for windows of all other classes.
@@ -25,9 +25,6 @@ QWidget* MakeStaticWidget(ScreenWindow& window, QWidget* parent);
 LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeStatusBarWidget(ScreenWindow& window, QWidget* parent);
 LRESULT CALLBACK ListBoxProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
-// In any letters.
-bool IsClass(HWND window, const char* name);
 
 // WM_COMMAND with a notification to the parent, sent.
 void NotifyParent(HWND control, WORD code);

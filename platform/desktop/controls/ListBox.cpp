@@ -317,4 +317,8 @@ LRESULT CALLBACK ListBoxProc(HWND handle, UINT message, WPARAM wParam, LPARAM lP
     }
 }
 
+void ListBox::TellFocus(HWND handle) const {
+    TellSelectedRow(handle);
+}
+
 }  // namespace desktop

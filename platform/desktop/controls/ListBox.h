@@ -12,6 +12,8 @@
 namespace desktop {
 
 struct ListBox : ControlState {
+    void TellFocus(HWND handle) const override;
+
     ListRows rows;
     int selected = -1;       // -1 for none
     int focusRow = 0;        // the one that keys go on from; need not exist

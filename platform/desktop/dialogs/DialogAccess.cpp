@@ -2,7 +2,6 @@
 // text to the left of it.
 #include <QWidget>
 
-#include "Controls.h"
 #include "Desktop.h"
 #include "Dialogs.h"
 #include "Text.h"

@@ -185,6 +185,11 @@ void FinishDialog(HWND dialog, LPARAM parameter, DWORD style) {
     }
 }
 
+void RegisterDialogClass() {
+    // Room for DWLP_MSGRESULT, DWLP_DLGPROC and DWLP_USER.
+    AddClass("#32770", DefDlgProcA, kDoubleClicks, 3 * static_cast<int>(sizeof(LONG_PTR)));
+}
+
 OwnerDisabled::OwnerDisabled(HWND owner) {
     const ScreenWindow* root = Desktop::Get().Root(Desktop::Get().Find(owner));
     if (root != nullptr && IsWindowEnabled(root->handle)) {

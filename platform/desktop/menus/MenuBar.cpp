@@ -20,6 +20,9 @@ namespace desktop {
 
 namespace {
 
+// WM_SYSCOMMAND for a press on the bar, with its place on the screen in lParam. The lowest bits name the part of the window.
+constexpr WPARAM kMouseMenuCommand = 0xF090;
+
 // As on Windows the highlight also goes to greyed items, and Alt is the program's before it is the menu's.
 class MenuStyle : public QProxyStyle {
 public:
@@ -68,7 +71,7 @@ bool IsMouse(const QEvent& event) {
 
 // --- The bar
 
-MenuBarWidget::MenuBarWidget(HWND handle, HMENU menu, QWidget* parent) : QMenuBar(parent), handle(handle) {
+MenuBarWidget::MenuBarWidget(HWND handle, HMENU menu, QWidget* parent) : QMenuBar(parent), handle(handle), menu(menu) {
     setNativeMenuBar(false);
     setStyle(StyleOfMenus());
     setMouseTracking(true);
@@ -90,6 +93,10 @@ MenuBarWidget::MenuBarWidget(HWND handle, HMENU menu, QWidget* parent) : QMenuBa
         addAction(entry.action);
     }
     parent->installEventFilter(this);
+}
+
+MenuBarWidget::~MenuBarWidget() {
+    DestroyMenu(menu);
 }
 
 QSize MenuBarWidget::SizeOfItem(const QAction& action) const {
@@ -265,53 +272,25 @@ bool PopupWidget::event(QEvent* event) {
 
 // --- The window's side
 
-namespace {
-
-MenuBarWidget* BarOf(const ScreenWindow& window) {
-    return static_cast<MenuBarWidget*>(window.menuBar);
+void AttachMenu(ScreenWindow& window, HMENU menu, LPCSTR nameInClass) {
+    window.menu = menu == nullptr && nameInClass != nullptr ? LoadMenuA(nullptr, nameInClass) : menu;
+    if (FindMenu(window.menu) != nullptr) {
+        auto* bar = new MenuBarWidget(window.handle, window.menu, window.widget);
+        bar->Place();
+        window.menuBar = bar;
+    }
 }
 
-}  // namespace
-
-void AttachMenuBar(ScreenWindow& window) {
-    if (FindMenu(window.menu) == nullptr) {
+void OpenMenu(const ScreenWindow& window, WPARAM command, LPARAM lParam) {
+    if (window.menuBar == nullptr || MenuLoop::Running() != nullptr) {
         return;
     }
-    window.menuBar = new MenuBarWidget(window.handle, window.menu, window.widget);
-    PlaceMenuBar(window);
-}
-
-int MenuBarHeight(const ScreenWindow& window, int width) {
-    return window.menuBar != nullptr ? BarOf(window)->heightForWidth(width) : 0;
-}
-
-void PlaceMenuBar(ScreenWindow& window) {
-    if (window.menuBar != nullptr) {
-        BarOf(window)->Place();
+    if (command == SC_KEYMENU) {
+        MenuLoop(window.handle).RunByKey(static_cast<char>(lParam));
+    } else if (command == kMouseMenuCommand) {
+        const auto place = static_cast<DWORD_PTR>(lParam);
+        MenuLoop(window.handle).RunByMouse(QPoint(static_cast<SHORT>(LOWORD(place)), static_cast<SHORT>(HIWORD(place))));
     }
-}
-
-bool OpenMenuByKey(HWND handle, char letter) {
-    const ScreenWindow* window = Desktop::Get().Find(handle);
-    if (window == nullptr || window->menuBar == nullptr) {
-        return false;
-    }
-    if (MenuLoop::Running() == nullptr) {
-        MenuLoop(handle).RunByKey(letter);
-    }
-    return true;
-}
-
-bool OpenMenuByMouse(HWND handle, LPARAM place) {
-    const ScreenWindow* window = Desktop::Get().Find(handle);
-    if (window == nullptr || window->menuBar == nullptr) {
-        return false;
-    }
-    if (MenuLoop::Running() == nullptr) {
-        const auto point = static_cast<DWORD_PTR>(place);
-        MenuLoop(handle).RunByMouse(QPoint(static_cast<SHORT>(LOWORD(point)), static_cast<SHORT>(HIWORD(point))));
-    }
-    return true;
 }
 
 }  // namespace desktop

@@ -15,11 +15,6 @@ namespace {
 
 MenuLoop* running = nullptr;
 
-bool IsButtonPress(UINT message) {
-    return message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN || message == WM_MBUTTONDOWN ||
-           message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDBLCLK || message == WM_MBUTTONDBLCLK;
-}
-
 int Around(int item, int count) {
     return (item % count + count) % count;
 }
@@ -218,7 +213,7 @@ void MenuLoop::Serve() {
         MSG message;
         // A press in a window closes the menu and means what it always does.
         if (!ended && PeekMessageA(&message, nullptr, WM_LBUTTONDOWN, WM_MBUTTONDBLCLK, PM_NOREMOVE) &&
-            IsButtonPress(message.message)) {
+            IsPress(message.message)) {
             ended = true;
         }
         if (ended) {

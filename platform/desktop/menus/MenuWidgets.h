@@ -16,6 +16,7 @@ class PopupWidget;
 class MenuBarWidget : public QMenuBar {
 public:
     MenuBarWidget(HWND handle, HMENU menu, QWidget* parent);
+    ~MenuBarWidget() override;
 
     int heightForWidth(int width) const override;
     void Place();
@@ -38,6 +39,7 @@ private:
     int LayOut(int width, std::vector<QRect>& places) const;
 
     const HWND handle;
+    const HMENU menu;
     std::vector<PopupWidget*> popups;  // as many as items, null for an item without
     int firstAtRight;                  // the first item with MF_HELP, or the number of items
     int highlighted = -1;

@@ -6,9 +6,7 @@
 
 #include "Desktop.h"
 #include "LastError.h"
-#include "ListAccess.h"
 #include "Placement.h"
-#include "SingleInstance.h"
 #include "Widgets.h"
 
 namespace desktop {
@@ -59,8 +57,9 @@ void Desktop::SyncFocus() {
     if (window != nullptr) {
         if (now != window->widget) {
             window->widget->setFocus(Qt::OtherFocusReason);
-            // Qt has told of the list alone.
-            TellSelectedRow(focus);
+            if (window->control != nullptr) {
+                window->control->TellFocus(focus);
+            }
         }
     } else if (now != nullptr && HandleOfWidget(*now) != nullptr) {
         now->clearFocus();
@@ -105,6 +104,17 @@ bool Desktop::Activate(HWND handle, WPARAM how) {
     return active == handle;
 }
 
+bool Desktop::BringToFront(HWND handle) {
+    ScreenWindow* root = Root(Find(handle));
+    if (root == nullptr) {
+        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
+    }
+    isElsewhere = false;
+    root->widget->raise();
+    AskForActivation(*root->widget);
+    return Activate(root->handle, WA_ACTIVE);
+}
+
 void Desktop::Deactivate() {
     const HWND before = active;
     if (before == nullptr) {
@@ -128,8 +138,7 @@ void Desktop::LeaveFocus(ScreenWindow& window) {
     }
     if (window.parent != nullptr) {
         if (IsWithin(Find(focus), &window)) {
-            const bool hidden = !HasStyle(handle, WS_VISIBLE);
-            ChangeFocus(hidden && window.parent != nullptr ? window.parent->handle : nullptr);
+            ChangeFocus(HasStyle(handle, WS_VISIBLE) ? nullptr : window.parent->handle);
         }
         return;
     }
@@ -169,11 +178,7 @@ void Desktop::FollowWindowSystem() {
     if (inWindowSystem > 0) {
         return;
     }
-    std::vector<HWND> shown;
-    for (const ScreenWindow* window : topLevel) {
-        shown.push_back(window->handle);
-    }
-    for (HWND window : shown) {
+    for (HWND window : HandlesOf(topLevel)) {
         FollowGeometry(window);
     }
     const QWidget* widget = QApplication::activeWindow();
@@ -241,22 +246,6 @@ HWND GetActiveWindow() {
 
 HWND GetForegroundWindow() {
     return Desktop::Get().active;
-}
-
-BOOL SetForegroundWindow(HWND handle) {
-    Desktop& desktop = Desktop::Get();
-    if (desktop::IsOtherCopy(handle)) {
-        return desktop::BringOtherCopyForward();
-    }
-    ScreenWindow* window = desktop.Find(handle);
-    if (window == nullptr) {
-        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    ScreenWindow& root = *desktop.Root(window);
-    desktop.isElsewhere = false;
-    root.widget->raise();
-    desktop.AskForActivation(*root.widget);
-    return desktop.Activate(root.handle, WA_ACTIVE);
 }
 
 BOOL EnableWindow(HWND handle, BOOL enable) {

@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "Desktop.h"
-#include "MenuBar.h"
 #include "MessageState.h"
 #include "Placement.h"
 #include "Widgets.h"
@@ -56,9 +55,7 @@ bool Desktop::BringUp(ScreenWindow& made, const CREATESTRUCTA& create) {
     MakeWidget(made);
     Link(made);
     if (!isChild) {
-        const LPCSTR menuName = MenuNameOfClass(handle);
-        made.menu = create.hMenu != nullptr || menuName == nullptr ? create.hMenu : LoadMenuA(nullptr, menuName);
-        AttachMenuBar(made);
+        parts.attachMenu(made, create.hMenu, MenuNameOfClass(handle));
     }
     PlaceWidget(made);
 

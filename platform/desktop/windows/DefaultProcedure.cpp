@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "Desktop.h"
-#include "MenuBar.h"
 #include "MessageState.h"
 #include "Painting.h"
 #include "Placement.h"
@@ -13,10 +12,6 @@
 namespace desktop {
 
 namespace {
-
-// Beside those of the seam, in WM_WINDOWPOSCHANGED.
-constexpr UINT kNoClientSize = 0x0800;
-constexpr UINT kNoClientMove = 0x1000;
 
 HBRUSH BackgroundOf(HWND window) {
     const MessageLock state;
@@ -44,9 +39,7 @@ LRESULT CopyText(const ScreenWindow& window, WPARAM size, char* buffer) {
 LRESULT HitTest(const ScreenWindow& window, LPARAM lParam) {
     const int x = static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(lParam)));
     const int y = static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(lParam)));
-    const POINT origin = ClientOrigin(window);
-    const QRect client(QPoint(origin.x, origin.y), window.ClientSize());
-    return client.contains(x, y) ? HTCLIENT : HTNOWHERE;
+    return ClientOnScreen(window).contains(x, y) ? HTCLIENT : HTNOWHERE;
 }
 
 LRESULT Erase(HWND handle, HDC dc) {
@@ -105,13 +98,13 @@ LRESULT PositionChanged(HWND handle, const WINDOWPOS& position) {
     return 0;
 }
 
-LRESULT SystemCommand(HWND handle, WPARAM wParam, LPARAM lParam) {
+LRESULT SystemCommand(const ScreenWindow& window, WPARAM wParam, LPARAM lParam) {
     constexpr WPARAM kInternalBits = 0x000F;
-    switch (wParam & ~kInternalBits) {
-        case SC_CLOSE: SendMessageA(handle, WM_CLOSE, 0, 0); break;
-        case SC_KEYMENU: OpenMenuByKey(handle, static_cast<char>(lParam)); break;
-        case kMouseMenuCommand: OpenMenuByMouse(handle, lParam); break;
-        default: break;
+    const WPARAM command = wParam & ~kInternalBits;
+    if (command == SC_CLOSE) {
+        SendMessageA(window.handle, WM_CLOSE, 0, 0);
+    } else {
+        Desktop::Get().parts.openMenu(window, command, lParam);
     }
     return 0;
 }
@@ -155,7 +148,7 @@ LRESULT Desktop::DefaultProcedure(HWND handle, UINT message, WPARAM wParam, LPAR
                 SetFocus(handle);
             }
             return 0;
-        case WM_SYSCOMMAND: return SystemCommand(handle, wParam, lParam);
+        case WM_SYSCOMMAND: return SystemCommand(window, wParam, lParam);
         case WM_SYSKEYDOWN:
         case WM_SYSKEYUP: return SystemKey(handle, message, wParam);
         case WM_SYSCHAR:

@@ -8,7 +8,6 @@
 #include <QWidget>
 #include <algorithm>
 
-#include "Controls.h"
 #include "MessageQueue.h"
 #include "MessageState.h"
 #include "Painting.h"
@@ -43,15 +42,20 @@ void SetStyleBits(HWND window, DWORD bits, bool set) {
     SetWindowLongPtrA(window, GWL_STYLE, static_cast<LONG_PTR>(set ? style | bits : style & ~bits));
 }
 
-Desktop::Desktop() {
+void AddClass(LPCSTR name, WNDPROC procedure, UINT style, int extraBytes) {
+    WNDCLASSEXA added{};
+    added.cbSize = sizeof added;
+    added.style = style;
+    added.lpfnWndProc = procedure;
+    added.cbWndExtra = extraBytes;
+    added.lpszClassName = name;
+    RegisterClassExA(&added);
+}
+
+Desktop::Desktop(const DesktopParts& parts) : parts(parts) {
     theDesktop = this;
     MessageQueue::Current()->SetScreen(this);
-    RegisterControlClasses();
-    WNDCLASSEXA desktopClass{};
-    desktopClass.cbSize = sizeof desktopClass;
-    desktopClass.lpfnWndProc = DesktopProc;
-    desktopClass.lpszClassName = kDesktopClass;
-    RegisterClassExA(&desktopClass);
+    AddClass(kDesktopClass, DesktopProc, 0);
     CREATESTRUCTA create{};
     create.lpszClass = kDesktopClass;
     create.style = static_cast<LONG>(WS_POPUP | WS_VISIBLE);
@@ -70,10 +74,6 @@ Desktop::~Desktop() {
 
 Desktop& Desktop::Get() {
     return *theDesktop;
-}
-
-Desktop* Desktop::GetIfThere() {
-    return theDesktop;
 }
 
 bool Desktop::IsOwnThread() {
@@ -195,11 +195,7 @@ void Desktop::TellDestroy(HWND handle) {
     if (window == nullptr) {
         return;
     }
-    std::vector<HWND> children;
-    for (const ScreenWindow* child : window->children) {
-        children.push_back(child->handle);
-    }
-    for (HWND child : children) {
+    for (HWND child : HandlesOf(window->children)) {
         TellDestroy(child);
     }
 }
@@ -234,9 +230,6 @@ void Desktop::EndTree(HWND handle) {
         window->widget->setParent(nullptr);
         trash.push_back(window->widget);
     }
-    if (window->menu != nullptr) {
-        DestroyMenu(window->menu);
-    }
     windows.erase(handle);
 }
 
@@ -252,6 +245,14 @@ void Desktop::ClearTrash() {
     }
 }
 
+void Desktop::HandleEvents(bool wait) {
+    ++inWindowSystem;
+    QCoreApplication::processEvents(wait ? QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
+    --inWindowSystem;
+    FollowWindowSystem();
+    ClearTrash();
+}
+
 void Desktop::Poll() {
     // Once a millisecond is enough, and leaves the processor to the messages when there are many of them.
     const DWORD now = GetTickCount();
@@ -259,11 +260,7 @@ void Desktop::Poll() {
         return;
     }
     lastPollMs = now;
-    ++inWindowSystem;
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
-    --inWindowSystem;
-    FollowWindowSystem();
-    ClearTrash();
+    HandleEvents(false);
 }
 
 void Desktop::Wait(DWORD milliseconds) {
@@ -276,11 +273,7 @@ void Desktop::Wait(DWORD milliseconds) {
         limit.setTimerType(Qt::PreciseTimer);
         limit.start(static_cast<int>(std::min<DWORD>(milliseconds, INT_MAX)));
     }
-    ++inWindowSystem;
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    --inWindowSystem;
-    FollowWindowSystem();
-    ClearTrash();
+    HandleEvents(true);
 }
 
 void Desktop::Wake() {

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "DesktopParts.h"
 #include "Keyboard.h"
 #include "Screen.h"
 #include "ScreenWindow.h"
@@ -21,14 +22,23 @@ class QInputMethodEvent;
 
 namespace desktop {
 
+inline constexpr UINT kDoubleClicks = 0x0008;  // CS_DBLCLKS
+
+// Registers a class of the layer itself.
+void AddClass(LPCSTR name, WNDPROC procedure, UINT style, int extraBytes = 0);
+// In any letters.
+bool IsClass(HWND window, const char* name);
+
+// Whether a mouse message tells of a button that goes down.
+bool IsPress(UINT message);
+
 // Something that the user or the window system has done, not yet a message.
 struct InputEvent {
     enum class Kind { kKey, kText, kMouse, kWheel, kClose };
     Kind kind;
-    HWND topLevel = nullptr;
-    UINT message = 0;  // of the mouse; WM_KEYDOWN or WM_KEYUP of a key
+    HWND topLevel = nullptr;  // of the mouse and of what is closed
+    UINT message = 0;         // of the mouse; WM_KEYDOWN or WM_KEYUP of a key
     int virtualKey = 0;
-    bool repeated = false;
     bool elsewhere = false;  // another program hears of this key
     std::string text;        // bytes of the code page that the key means, or that an input method has made
     POINT screen{0, 0};      // where the pointer is
@@ -40,11 +50,9 @@ struct InputEvent {
 // One for the process, made before and destroyed after all windows. All members are for its thread but Wake.
 class Desktop : public QObject, public Screen {
 public:
-    Desktop();
+    explicit Desktop(const DesktopParts& parts);
     ~Desktop() override;
     static Desktop& Get();
-    // Null where there is none.
-    static Desktop* GetIfThere();
     // Whether the calling thread is the desktop's.
     static bool IsOwnThread();
 
@@ -66,6 +74,8 @@ public:
     const std::vector<ScreenWindow*>& TopLevel() const { return topLevel; }
     std::vector<ScreenWindow*>& Siblings(const ScreenWindow& window);
     HWND DesktopWindow() const { return desktopWindow; }
+    // FindWindowExA among the windows of this process.
+    HWND FindByName(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title) const;
     // Behind all its siblings.
     void Link(ScreenWindow& window);
     void Unlink(ScreenWindow& window);
@@ -82,6 +92,8 @@ public:
     // --- Focus (Activation.cpp)
     // While the user is elsewhere the window system is not asked for the front.
     bool Activate(HWND window, WPARAM how);
+    // The same with the window's root, which comes to the front wherever the user is.
+    bool BringToFront(HWND window);
     void Deactivate();
     HWND ChangeFocus(HWND window);
     void SyncFocus();
@@ -91,6 +103,7 @@ public:
     // The window is going, or is hidden or disabled: who has the focus or is active instead?
     void LeaveFocus(ScreenWindow& window);
 
+    const DesktopParts parts;
     HWND active = nullptr;
     HWND focus = nullptr;
     bool isElsewhere = false;  // the user has gone to another program and not come back
@@ -109,6 +122,7 @@ private:
     void TellDestroy(HWND window);
     void EndTree(HWND window);
     void ClearTrash();
+    void HandleEvents(bool wait);
     bool ToMessage(const InputEvent& event, MSG& message);
     bool KeyMessage(const InputEvent& event, MSG& message) const;
     bool MouseMessage(const InputEvent& event, MSG& message);

@@ -8,7 +8,6 @@
 #include <QWidget>
 
 #include "Desktop.h"
-#include "MenuBar.h"
 #include "MessageQueue.h"
 #include "MessageState.h"
 #include "Painting.h"
@@ -19,7 +18,6 @@ namespace desktop {
 
 namespace {
 
-constexpr UINT kDoubleClicks = 0x0008;  // CS_DBLCLKS
 constexpr LPARAM kExtended = LPARAM{1} << 24;
 constexpr LPARAM kWithAlt = LPARAM{1} << 29;
 constexpr LPARAM kWasDown = LPARAM{1} << 30;
@@ -72,38 +70,16 @@ UINT PlainPress(UINT message) {
     }
 }
 
-bool IsPress(UINT message) {
-    return message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN || message == WM_MBUTTONDOWN ||
-           message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDBLCLK || message == WM_MBUTTONDBLCLK;
-}
-
-bool Contains(const ScreenWindow& window, POINT screen) {
-    const POINT origin = WindowOrigin(window);
-    const QSize size = window.Size();
-    return screen.x >= origin.x && screen.y >= origin.y && screen.x < origin.x + size.width() &&
-           screen.y < origin.y + size.height();
-}
-
-bool ClientContains(const ScreenWindow& window, POINT screen) {
-    const POINT origin = ClientOrigin(window);
-    const QSize size = window.ClientSize();
-    return screen.x >= origin.x && screen.y >= origin.y && screen.x < origin.x + size.width() &&
-           screen.y < origin.y + size.height();
-}
-
 // The window that a point belongs to, by what the windows themselves say, and their word for it.
 HWND WindowAt(HWND handle, POINT screen, LRESULT& hit) {
     const Desktop& desktop = Desktop::Get();
     const ScreenWindow* window = desktop.Find(handle);
-    if (window == nullptr || !HasStyle(handle, WS_VISIBLE) || HasStyle(handle, WS_DISABLED) || !Contains(*window, screen)) {
+    if (window == nullptr || !HasStyle(handle, WS_VISIBLE) || HasStyle(handle, WS_DISABLED) ||
+        !WindowOnScreen(*window).contains(screen.x, screen.y)) {
         return nullptr;
     }
-    if (ClientContains(*window, screen)) {
-        std::vector<HWND> children;
-        for (const ScreenWindow* child : window->children) {
-            children.push_back(child->handle);
-        }
-        for (HWND child : children) {
+    if (ClientOnScreen(*window).contains(screen.x, screen.y)) {
+        for (HWND child : HandlesOf(window->children)) {
             if (HWND found = WindowAt(child, screen, hit)) {
                 return found;
             }
@@ -114,6 +90,11 @@ HWND WindowAt(HWND handle, POINT screen, LRESULT& hit) {
 }
 
 }  // namespace
+
+bool IsPress(UINT message) {
+    const UINT press = PlainPress(message);
+    return press == WM_LBUTTONDOWN || press == WM_RBUTTONDOWN || press == WM_MBUTTONDOWN;
+}
 
 void Desktop::AddInput(InputEvent event) {
     event.timeMs = GetTickCount();
@@ -236,11 +217,12 @@ bool Desktop::MouseMessage(const InputEvent& event, MSG& message) {
     if (window == nullptr || hit != HTCLIENT) {
         return false;
     }
-    const POINT origin = ClientOrigin(*window);
+    const QPoint origin = ClientOnScreen(*window).topLeft();
     message.hwnd = target;
     message.message = HasDoubleClicks(target) ? event.message : PlainPress(event.message);
     message.wParam = event.mouseKeys;
-    message.lParam = MAKELPARAM(static_cast<WORD>(event.screen.x - origin.x), static_cast<WORD>(event.screen.y - origin.y));
+    message.lParam =
+        MAKELPARAM(static_cast<WORD>(event.screen.x - origin.x()), static_cast<WORD>(event.screen.y - origin.y()));
     return true;
 }
 
@@ -293,7 +275,6 @@ InputEvent KeyInput(const QKeyEvent& event) {
     input.kind = InputEvent::Kind::kKey;
     input.message = event.type() == QEvent::KeyPress ? WM_KEYDOWN : WM_KEYUP;
     input.virtualKey = VirtualKeyOf(event);
-    input.repeated = event.isAutoRepeat();
     input.text = FromQString(event.text());
     if (input.text == std::string(1, kDeleteText)) {
         input.text.clear();
@@ -319,12 +300,11 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
         case QEvent::ShortcutOverride: event.accept(); return true;
         case QEvent::KeyPress:
         case QEvent::KeyRelease: {
-            auto& key = static_cast<QKeyEvent&>(event);
+            const auto& key = static_cast<QKeyEvent&>(event);
             InputEvent made = KeyInput(key);
             // A release belongs to the auto-repeat of the next press.
-            if ((made.message == WM_KEYDOWN || !made.repeated) &&
+            if ((made.message == WM_KEYDOWN || !key.isAutoRepeat()) &&
                 (made.kind == InputEvent::Kind::kKey || !made.text.empty())) {
-                made.topLevel = root.handle;
                 AddInput(std::move(made));
             }
             return true;
@@ -349,7 +329,6 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
             const auto& wheel = static_cast<QWheelEvent&>(event);
             InputEvent made{};
             made.kind = InputEvent::Kind::kWheel;
-            made.topLevel = root.handle;
             made.wheel = wheel.angleDelta().y();
             made.screen = ScreenPoint(root, *window.widget, wheel.position());
             AddInput(std::move(made));
@@ -380,7 +359,6 @@ bool Desktop::FilterInputMethod(ScreenWindow& window, QInputMethodEvent& event) 
     if (!event.commitString().isEmpty()) {
         InputEvent made{};
         made.kind = InputEvent::Kind::kText;
-        made.topLevel = Root(&window)->handle;
         made.text = FromQString(event.commitString());
         AddInput(std::move(made));
     }

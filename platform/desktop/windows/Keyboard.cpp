@@ -113,10 +113,6 @@ Qt::KeyboardModifiers Keyboard::Modifiers() const {
     return modifiers;
 }
 
-WPARAM Keyboard::MouseKeys() const {
-    return (IsDown(VK_SHIFT) ? MK_SHIFT : 0) | (IsDown(VK_CONTROL) ? MK_CONTROL : 0);
-}
-
 std::string Keyboard::TextOf(int virtualKey) const {
     const bool shift = IsDown(VK_SHIFT);
     if (virtualKey >= 'A' && virtualKey <= 'Z') {

@@ -21,7 +21,6 @@ public:
     std::vector<int> Held() const;
     bool IsDown(int virtualKey) const { return down[static_cast<std::size_t>(virtualKey & 0xFF)]; }
     Qt::KeyboardModifiers Modifiers() const;
-    WPARAM MouseKeys() const;
     // What a key means without the window system's word for it: on a keyboard of the United States. Empty for none.
     std::string TextOf(int virtualKey) const;
 

@@ -18,10 +18,6 @@ namespace desktop {
 
 namespace {
 
-QRect ToQt(const RECT& rect) {
-    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
-}
-
 QRect ClientRect(const ScreenWindow& window) {
     return {QPoint(0, 0), window.ClientSize()};
 }
@@ -101,11 +97,11 @@ void DrawOnSiblings(const ScreenWindow& window, const QRegion& changed) {
 }
 
 void CloseContext(HDC dc) {
+    drawing::CloseDeviceContext(dc);
     const auto found = OpenContexts().find(dc);
     if (found == OpenContexts().end()) {
         return;
     }
-    drawing::CloseDeviceContext(dc);
     const std::unique_ptr<OpenContext> context = std::move(found->second);
     OpenContexts().erase(found);
     ScreenWindow* window = Desktop::Get().Find(context->window);
@@ -156,23 +152,12 @@ void RedrawTree(ScreenWindow& window, const QRegion& area, UINT flags) {
     if ((flags & RDW_ALLCHILDREN) == 0 || after == nullptr) {
         return;
     }
-    std::vector<HWND> children;
-    for (const ScreenWindow* child : after->children) {
-        children.push_back(child->handle);
-    }
-    for (HWND child : children) {
+    for (HWND child : HandlesOf(after->children)) {
         if (ScreenWindow* found = Desktop::Get().Find(child)) {
             RedrawTree(*found,
                        area.translated(-found->place.left - found->client.left, -found->place.top - found->client.top),
                        flags);
         }
-    }
-}
-
-void Redraw(HWND handle, const std::optional<RECT>& area, UINT flags) {
-    if (ScreenWindow* window = Desktop::Get().Find(handle)) {
-        const QRegion whole(area ? desktop::ToQt(*area) : desktop::ClientRect(*window));
-        RedrawTree(*window, whole, flags);
     }
 }
 
@@ -183,7 +168,9 @@ BOOL RedrawWindow(HWND handle, const RECT* area, HRGN region, UINT flags) {
         return kernel::Unsupported("RedrawWindow of a region, or of all windows");
     }
     if (Desktop::IsOwnThread()) {
-        Redraw(handle, area != nullptr ? std::optional<RECT>(*area) : std::nullopt, flags);
+        if (ScreenWindow* window = Desktop::Get().Find(handle)) {
+            RedrawTree(*window, area != nullptr ? desktop::ToQt(*area) : desktop::ClientRect(*window), flags);
+        }
         return TRUE;
     }
     if (area != nullptr || (flags & RDW_UPDATENOW) != 0) {
@@ -195,21 +182,6 @@ BOOL RedrawWindow(HWND handle, const RECT* area, HRGN region, UINT flags) {
 
 BOOL InvalidateRect(HWND handle, const RECT* area, BOOL erase) {
     return RedrawWindow(handle, area, nullptr, RDW_INVALIDATE | (erase ? RDW_ERASE : 0U));
-}
-
-BOOL ValidateRect(HWND handle, const RECT* area) {
-    ScreenWindow* window = Desktop::Get().Find(handle);
-    if (window == nullptr) {
-        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    if (area == nullptr) {
-        window->invalid = {};
-        window->eraseInvalid = false;
-        window->frameInvalid = false;
-    } else {
-        window->invalid -= desktop::ToQt(*area);
-    }
-    return TRUE;
 }
 
 BOOL UpdateWindow(HWND handle) {
@@ -242,8 +214,7 @@ HDC BeginPaint(HWND handle, PAINTSTRUCT* paint) {
     const bool erase = std::exchange(window->eraseInvalid, false);
     const QPoint origin(window->client.left, window->client.top);
     paint->hdc = desktop::OpenContextFor(*window, origin, area.translated(origin));
-    const QRect bounds = area.boundingRect();
-    paint->rcPaint = {bounds.left(), bounds.top(), bounds.right() + 1, bounds.bottom() + 1};
+    paint->rcPaint = desktop::ToRect(area.boundingRect());
     if (erase && paint->hdc != nullptr) {
         paint->fErase = SendMessageA(handle, WM_ERASEBKGND, reinterpret_cast<WPARAM>(paint->hdc), 0) == 0;
     }
@@ -278,11 +249,7 @@ HDC GetWindowDC(HWND handle) {
     return desktop::OpenContextFor(*window, QPoint(0, 0), QRect(QPoint(0, 0), window->Size()));
 }
 
-int ReleaseDC(HWND handle, HDC dc) {
-    if (handle == nullptr) {
-        drawing::CloseDeviceContext(dc);
-        return 1;
-    }
+int ReleaseDC(HWND, HDC dc) {
     desktop::CloseContext(dc);
     return 1;
 }
@@ -306,13 +273,6 @@ void EdgeRing(HDC dc, const RECT& rect, int upperLeft, int lowerRight) {
 
 }  // namespace
 
-void PaintSunkenEdge(HDC dc, const RECT& rect) {
-    RECT inner = rect;
-    EdgeRing(dc, inner, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);
-    InflateRect(&inner, -1, -1);
-    EdgeRing(dc, inner, COLOR_BTNTEXT, COLOR_BTNFACE);
-}
-
 void PaintDefaultFrame(HWND handle) {
     const ScreenWindow* window = Desktop::Get().Find(handle);
     const bool sunken = (GetWindowLongPtrA(handle, GWL_EXSTYLE) & static_cast<LONG_PTR>(WS_EX_CLIENTEDGE)) != 0;
@@ -323,8 +283,10 @@ void PaintDefaultFrame(HWND handle) {
     HDC dc = GetWindowDC(handle);
     RECT edge = window->client;
     if (sunken) {
-        InflateRect(&edge, 2, 2);
-        PaintSunkenEdge(dc, edge);
+        InflateRect(&edge, 1, 1);
+        EdgeRing(dc, edge, COLOR_BTNTEXT, COLOR_BTNFACE);
+        InflateRect(&edge, 1, 1);
+        EdgeRing(dc, edge, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);
     }
     if (bordered) {
         InflateRect(&edge, 1, 1);

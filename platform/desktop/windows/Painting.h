@@ -17,7 +17,5 @@ void InvalidateWhole(ScreenWindow& window);
 void Invalidate(ScreenWindow& window, const QRegion& area, bool erase);
 // The frame as a window without a wish of its own has it: border and sunken edge.
 void PaintDefaultFrame(HWND window);
-// Draws a sunken edge of two pixels inside the rectangle.
-void PaintSunkenEdge(HDC dc, const RECT& rect);
 
 }  // namespace desktop

@@ -10,9 +10,7 @@
 
 #include "Desktop.h"
 #include "LastError.h"
-#include "MenuBar.h"
 #include "Painting.h"
-#include "SingleInstance.h"
 #include "Widgets.h"
 
 namespace desktop {
@@ -26,10 +24,6 @@ constexpr int kLeastWidth = 120;
 constexpr int kLeastHeight = 30;
 // A window may be as large as all screens together and its own frame.
 constexpr int kMostFrame = 24;
-
-// Beside those of the seam, in what WM_WINDOWPOSCHANGED tells.
-constexpr UINT kNoClientSize = 0x0800;
-constexpr UINT kNoClientMove = 0x1000;
 
 bool SameSize(const RECT& a, const RECT& b) {
     return a.right - a.left == b.right - b.left && a.bottom - a.top == b.bottom - b.top;
@@ -60,17 +54,13 @@ RECT WidgetRect(const ScreenWindow& window) {
             std::max(size.height() - frame.bottom(), frame.top())};
 }
 
-POINT WindowOrigin(const ScreenWindow& window) {
-    if (window.parent == nullptr) {
-        return {window.place.left, window.place.top};
-    }
-    const POINT parent = ClientOrigin(*window.parent);
-    return {parent.x + window.place.left, parent.y + window.place.top};
+QRect WindowOnScreen(const ScreenWindow& window) {
+    const QRect place = ToQt(window.place);
+    return window.parent == nullptr ? place : place.translated(ClientOnScreen(*window.parent).topLeft());
 }
 
-POINT ClientOrigin(const ScreenWindow& window) {
-    const POINT origin = WindowOrigin(window);
-    return {origin.x + window.client.left, origin.y + window.client.top};
+QRect ClientOnScreen(const ScreenWindow& window) {
+    return ToQt(window.client).translated(WindowOnScreen(window).topLeft());
 }
 
 bool IsVisibleOnScreen(const ScreenWindow& window) {
@@ -91,7 +81,7 @@ void DefaultClient(const ScreenWindow& window, RECT& rect) {
         rect.top += widget.top;
         rect.right -= size.width() - widget.right;
         rect.bottom -= size.height() - widget.bottom;
-        rect.top += MenuBarHeight(window, rect.right - rect.left);
+        rect.top += window.menuBar != nullptr ? window.menuBar->heightForWidth(rect.right - rect.left) : 0;
     } else if (HasStyle(window.handle, WS_BORDER)) {
         edge = kBorder;
     }
@@ -149,7 +139,6 @@ void TellMove(HWND handle) {
 
 void TellSize(HWND handle) {
     if (ScreenWindow* window = Find(handle)) {
-        window->sized = true;
         const QSize size = window->sizeKind == SIZE_MINIMIZED ? QSize(0, 0) : window->ClientSize();
         SendMessageA(handle, WM_SIZE, window->sizeKind,
                      MAKELPARAM(static_cast<WORD>(size.width()), static_cast<WORD>(size.height())));
@@ -186,7 +175,7 @@ void TakeOver(HWND handle, const RECT& place, const QMargins& frame, bool newKin
     const bool moved = !SamePlace(place, before);
     const bool sized = !SameSize(window->client, clientBefore);
     // What is drawn so far lies in the old frame.
-    if (!SamePlace(window->client, clientBefore) || sized) {
+    if (!EqualRect(&window->client, &clientBefore)) {
         InvalidateWhole(*window);
     }
     if (moved) {
@@ -195,11 +184,6 @@ void TakeOver(HWND handle, const RECT& place, const QMargins& frame, bool newKin
     if ((sized || newKind) && Find(handle) != nullptr) {
         TellSize(handle);
     }
-}
-
-RECT Outside(const QRect& widget, const QMargins& frame) {
-    const QRect outer = widget.marginsAdded(frame);
-    return {outer.left(), outer.top(), outer.right() + 1, outer.bottom() + 1};
 }
 
 bool TakeOverKind(ScreenWindow& window) {
@@ -224,17 +208,18 @@ void FollowGeometry(HWND handle) {
     const bool newKind = TakeOverKind(*window);
     const QMargins frame = FrameOf(*window);
     const QRect now = window->widget->geometry();
+    const RECT outer = ToRect(now.marginsAdded(frame));
     if (window->sizeKind == SIZE_MINIMIZED) {
         if (newKind) {
             TellSize(handle);
         }
     } else if (now != window->widgetPlace) {
         window->widgetPlace = now;
-        TakeOver(handle, Outside(now, frame), frame, newKind);
+        TakeOver(handle, outer, frame, newKind);
     } else if (frame != window->frame) {
         // The frame has become known: a window that may be sized keeps its place, and what is inside shrinks; any other
         // keeps its inside.
-        TakeOver(handle, HasStyle(handle, WS_THICKFRAME) ? window->place : Outside(now, frame), frame, newKind);
+        TakeOver(handle, HasStyle(handle, WS_THICKFRAME) ? window->place : outer, frame, newKind);
     } else if (newKind) {
         TellSize(handle);
     }
@@ -298,8 +283,7 @@ UINT ChangePosition(HWND handle, const WINDOWPOS& position) {
     // What the window has left of its parent is to be painted by that.
     if (window->parent != nullptr && wasVisible && (flags & SWP_NOREDRAW) == 0 &&
         (moved || sized || (flags & SWP_HIDEWINDOW) != 0)) {
-        Invalidate(*window->parent, QRect(before.left, before.top, before.right - before.left, before.bottom - before.top),
-                   true);
+        Invalidate(*window->parent, desktop::ToQt(before), true);
     }
     if ((flags & SWP_NOREDRAW) == 0 && (sized || (flags & (SWP_FRAMECHANGED | SWP_SHOWWINDOW)) != 0)) {
         InvalidateWhole(*window);
@@ -348,11 +332,7 @@ BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) 
     return SetWindowPos(window, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE | (repaint ? 0U : SWP_NOREDRAW));
 }
 
-// Of another copy's window SetForegroundWindow takes care as a whole.
 BOOL BringWindowToTop(HWND window) {
-    if (desktop::IsOtherCopy(window)) {
-        return TRUE;
-    }
     return SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
 }
 
@@ -401,9 +381,6 @@ void ChangeVisibility(HWND handle, bool show, bool activate) {
 }  // namespace
 
 BOOL ShowWindow(HWND handle, int command) {
-    if (desktop::IsOtherCopy(handle)) {
-        return TRUE;
-    }
     ScreenWindow* window = Find(handle);
     if (window == nullptr) {
         return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
@@ -436,9 +413,7 @@ BOOL GetWindowRect(HWND handle, LPRECT rect) {
     if (window == nullptr) {
         return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
     }
-    const POINT origin = desktop::WindowOrigin(*window);
-    const QSize size = window->Size();
-    *rect = {origin.x, origin.y, origin.x + size.width(), origin.y + size.height()};
+    *rect = desktop::ToRect(desktop::WindowOnScreen(*window));
     return TRUE;
 }
 
@@ -462,9 +437,9 @@ BOOL ClientToScreen(HWND handle, LPPOINT point) {
     if (window == nullptr) {
         return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
     }
-    const POINT origin = desktop::ClientOrigin(*window);
-    point->x += origin.x;
-    point->y += origin.y;
+    const QPoint origin = desktop::ClientOnScreen(*window).topLeft();
+    point->x += origin.x();
+    point->y += origin.y();
     return TRUE;
 }
 
@@ -485,8 +460,4 @@ BOOL IsWindowVisible(HWND handle) {
 
 BOOL IsIconic(HWND window) {
     return HasStyle(window, WS_MINIMIZE);
-}
-
-BOOL IsZoomed(HWND window) {
-    return HasStyle(window, WS_MAXIMIZE);
 }

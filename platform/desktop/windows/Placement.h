@@ -4,15 +4,26 @@
 #include <windows.h>
 
 #include <QMargins>
+#include <QRect>
 
 #include "ScreenWindow.h"
 
 namespace desktop {
 
-// The place of a point of the window's client area on the screen.
-POINT ClientOrigin(const ScreenWindow& window);
-// The same of the window's corner.
-POINT WindowOrigin(const ScreenWindow& window);
+// Flags beside those of the seam, in what WM_WINDOWPOSCHANGED tells.
+inline constexpr UINT kNoClientSize = 0x0800;
+inline constexpr UINT kNoClientMove = 0x1000;
+
+inline QRect ToQt(const RECT& rect) {
+    return {QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1)};
+}
+inline RECT ToRect(const QRect& rect) {
+    return {rect.left(), rect.top(), rect.right() + 1, rect.bottom() + 1};
+}
+
+// The window, and its client area, on the screen.
+QRect WindowOnScreen(const ScreenWindow& window);
+QRect ClientOnScreen(const ScreenWindow& window);
 // What the window system puts around the widget of a top-level window, as far as it is known.
 QMargins FrameOf(const ScreenWindow& window);
 // The part of the window that its widget covers: all but that frame.

@@ -7,7 +7,6 @@
 #include "Desktop.h"
 #include "LastError.h"
 #include "MessageState.h"
-#include "SingleInstance.h"
 
 using desktop::Desktop;
 using desktop::HasStyle;
@@ -39,24 +38,6 @@ BOOL IsChild(HWND parent, HWND handle) {
 
 namespace {
 
-HWND Sibling(const ScreenWindow& window, UINT relation) {
-    const std::vector<ScreenWindow*>& siblings = Desktop::Get().Siblings(window);
-    const auto own = std::find(siblings.begin(), siblings.end(), &window);
-    switch (relation) {
-        case GW_HWNDFIRST: return siblings.front()->handle;
-        case GW_HWNDLAST: return siblings.back()->handle;
-        case GW_HWNDNEXT: return own + 1 != siblings.end() ? (*(own + 1))->handle : nullptr;
-        case GW_HWNDPREV: return own != siblings.begin() ? (*(own - 1))->handle : nullptr;
-        default: return nullptr;
-    }
-}
-
-bool HasClass(HWND window, LPCSTR name) {
-    char actual[256] = "";
-    GetClassNameA(window, actual, sizeof actual);
-    return name == nullptr || qstricmp(actual, name) == 0;
-}
-
 // Not by WM_GETTEXT, which the window might take for itself.
 bool HasTitle(const ScreenWindow& window, LPCSTR title) {
     return title == nullptr || window.text == title;
@@ -70,40 +51,42 @@ HWND GetWindow(HWND handle, UINT relation) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return nullptr;
     }
-    if (relation == GW_OWNER) {
-        return window->owner;
+    const std::vector<ScreenWindow*>& siblings = Desktop::Get().Siblings(*window);
+    const auto own = std::find(siblings.begin(), siblings.end(), window);
+    switch (relation) {
+        case GW_OWNER: return window->owner;
+        case GW_CHILD: return window->children.empty() ? nullptr : window->children.front()->handle;
+        case GW_HWNDNEXT: return own + 1 != siblings.end() ? (*(own + 1))->handle : nullptr;
+        case GW_HWNDPREV: return own != siblings.begin() ? (*(own - 1))->handle : nullptr;
+        default: return nullptr;
     }
-    if (relation == GW_CHILD) {
-        return window->children.empty() ? nullptr : window->children.front()->handle;
-    }
-    return Sibling(*window, relation);
 }
 
 HWND GetDesktopWindow() {
     return Desktop::Get().DesktopWindow();
 }
 
-HWND FindWindowA(LPCSTR className, LPCSTR title) {
-    return FindWindowExA(nullptr, nullptr, className, title);
+bool desktop::IsClass(HWND window, const char* name) {
+    char actual[256] = "";
+    GetClassNameA(window, actual, sizeof actual);
+    return qstricmp(actual, name) == 0;
 }
 
-HWND FindWindowExA(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title) {
-    Desktop& desktop = Desktop::Get();
-    const ScreenWindow* above = desktop.Find(parent);
+HWND Desktop::FindByName(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title) const {
+    const ScreenWindow* above = Find(parent);
     if (parent != nullptr && above == nullptr) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return nullptr;
     }
-    const std::vector<ScreenWindow*>& among = above != nullptr ? above->children : desktop.TopLevel();
+    const std::vector<ScreenWindow*>& among = above != nullptr ? above->children : topLevel;
     bool passed = childAfter == nullptr;
     for (const ScreenWindow* window : among) {
-        if (passed && HasClass(window->handle, className) && HasTitle(*window, title)) {
+        if (passed && (className == nullptr || IsClass(window->handle, className)) && HasTitle(*window, title)) {
             return window->handle;
         }
         passed = passed || window->handle == childAfter;
     }
-    const bool mayBeElsewhere = parent == nullptr && childAfter == nullptr && className == nullptr && title != nullptr;
-    return mayBeElsewhere && desktop::AskForOtherCopy(title) ? desktop::OtherCopy() : nullptr;
+    return nullptr;
 }
 
 BOOL SetWindowTextA(HWND window, LPCSTR text) {
@@ -149,34 +132,19 @@ BOOL SetDlgItemTextA(HWND dialog, int id, LPCSTR text) {
     return SetWindowTextA(GetDlgItem(dialog, id), text);
 }
 
-BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL isSigned) {
-    const std::string text = isSigned ? std::to_string(static_cast<int>(value)) : std::to_string(value);
-    return SetDlgItemTextA(dialog, id, text.c_str());
+BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL) {
+    return SetDlgItemTextA(dialog, id, std::to_string(value).c_str());
 }
 
 // Blanks in front are passed over; anything behind the digits, or a number too large, makes it no number.
-UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL isSigned) {
+UINT GetDlgItemInt(HWND dialog, int id, BOOL*, BOOL) {
     char text[64] = "";
-    GetDlgItemTextA(dialog, id, text, sizeof text);
+    GetWindowTextA(GetDlgItem(dialog, id), text, sizeof text);
     const char* begin = text + std::strspn(text, " ");
     const char* end = begin + std::strlen(begin);
-    int number = 0;
-    UINT positive = 0;
-    const std::from_chars_result read =
-        isSigned ? std::from_chars(begin, end, number) : std::from_chars(begin, end, positive);
-    const bool isNumber = begin != end && read.ec == std::errc() && read.ptr == end;
-    if (translated != nullptr) {
-        *translated = isNumber ? TRUE : FALSE;
-    }
-    return !isNumber ? 0 : isSigned ? static_cast<UINT>(number) : positive;
-}
-
-UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size) {
-    return static_cast<UINT>(GetWindowTextA(GetDlgItem(dialog, id), buffer, size));
-}
-
-LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam) {
-    return SendMessageA(GetDlgItem(dialog, id), message, wParam, lParam);
+    UINT number = 0;
+    const std::from_chars_result read = std::from_chars(begin, end, number);
+    return read.ec == std::errc() && read.ptr == end ? number : 0;
 }
 
 namespace {
@@ -207,11 +175,6 @@ HWND GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous) {
     return control;
 }
 
-BOOL SetRect(LPRECT rect, int left, int top, int right, int bottom) {
-    *rect = {left, top, right, bottom};
-    return TRUE;
-}
-
 BOOL InflateRect(LPRECT rect, int dx, int dy) {
     *rect = {rect->left - dx, rect->top - dy, rect->right + dx, rect->bottom + dy};
     return TRUE;
@@ -229,8 +192,4 @@ BOOL EqualRect(const RECT* first, const RECT* second) {
 
 BOOL PtInRect(const RECT* rect, POINT point) {
     return point.x >= rect->left && point.x < rect->right && point.y >= rect->top && point.y < rect->bottom;
-}
-
-BOOL IsRectEmpty(const RECT* rect) {
-    return rect->left >= rect->right || rect->top >= rect->bottom;
 }

@@ -19,6 +19,8 @@ namespace desktop {
 // What a control of a certain class keeps for itself.
 struct ControlState {
     virtual ~ControlState() = default;
+    // Qt has told screen readers that the control has the focus: what they are to hear besides.
+    virtual void TellFocus(HWND) const {}
 };
 
 // On the thread of the desktop alone. While a procedure runs the window may be destroyed, so it is looked up again by its
@@ -36,7 +38,6 @@ struct ScreenWindow {
     QRect widgetPlace;
     // The client area, from the window's corner.
     RECT client{0, 0, 0, 0};
-    bool sized = false;  // it has been told its size
     bool shownOnce = false;
     WPARAM sizeKind = SIZE_RESTORED;
 
@@ -62,6 +63,15 @@ struct ScreenWindow {
     QSize Size() const { return {place.right - place.left, place.bottom - place.top}; }
     QSize ClientSize() const { return {client.right - client.left, client.bottom - client.top}; }
 };
+
+// For a loop in which windows may be destroyed.
+inline std::vector<HWND> HandlesOf(const std::vector<ScreenWindow*>& windows) {
+    std::vector<HWND> handles;
+    for (const ScreenWindow* window : windows) {
+        handles.push_back(window->handle);
+    }
+    return handles;
+}
 
 // The style bits, which any thread may read.
 DWORD StyleOf(HWND window);

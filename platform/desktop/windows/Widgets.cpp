@@ -8,7 +8,6 @@
 #include <QWidget>
 #include <unordered_map>
 
-#include "Controls.h"
 #include "Desktop.h"
 #include "Icons.h"
 #include "MessageState.h"
@@ -22,10 +21,6 @@ namespace {
 std::unordered_map<const QObject*, HWND>& Handles() {
     static auto& handles = *new std::unordered_map<const QObject*, HWND>;
     return handles;
-}
-
-QRect ToQt(const RECT& rect) {
-    return {QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1)};
 }
 
 // Shows the part of the window's surface that the widget covers. All drawing went there before.
@@ -86,7 +81,7 @@ void MakeWidget(ScreenWindow& window) {
     Desktop& desktop = Desktop::Get();
     const ScreenWindow* above = window.parent != nullptr ? window.parent : desktop.Find(window.owner);
     QWidget* parent = above != nullptr ? above->widget : nullptr;
-    window.widget = MakeControlWidget(window, parent);
+    window.widget = desktop.parts.makeControlWidget(window, parent);
     window.native = window.widget != nullptr;
     if (!window.native) {
         window.widget = MakePlain(window, parent);
@@ -114,8 +109,7 @@ HWND HandleOfWidget(const QObject& widget) {
 }
 
 RECT WorkArea() {
-    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    return {area.left(), area.top(), area.right() + 1, area.bottom() + 1};
+    return ToRect(QGuiApplication::primaryScreen()->availableGeometry());
 }
 
 void PlaceWidget(ScreenWindow& window) {

@@ -45,10 +45,9 @@ LRESULT DefDlgProcA(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 HWND GetDlgItem(HWND dialog, int id);
 int GetDlgCtrlID(HWND window);
 BOOL SetDlgItemTextA(HWND dialog, int id, LPCSTR text);
+// Both without a sign. GetDlgItemInt returns 0 for what is no number.
 UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL isSigned);
 BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL isSigned);
-UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size);
-LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam);
 // The next or previous visible and enabled child with WS_TABSTOP in the order of the children, going on at the other end;
 // the control itself if there is no other.
 HWND GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous);

@@ -192,7 +192,6 @@ BOOL ClientToScreen(HWND window, LPPOINT point);
 BOOL ScreenToClient(HWND window, LPPOINT point);
 BOOL IsWindowVisible(HWND window);
 BOOL IsIconic(HWND window);
-BOOL IsZoomed(HWND window);
 
 // Whether it was disabled before.
 BOOL EnableWindow(HWND window, BOOL enable);
@@ -202,8 +201,6 @@ BOOL IsWindowEnabled(HWND window);
 HWND GetParent(HWND window);
 BOOL IsChild(HWND parent, HWND window);
 
-inline constexpr UINT GW_HWNDFIRST = 0;
-inline constexpr UINT GW_HWNDLAST = 1;
 inline constexpr UINT GW_HWNDNEXT = 2;
 inline constexpr UINT GW_HWNDPREV = 3;
 inline constexpr UINT GW_OWNER = 4;
@@ -213,7 +210,7 @@ HWND GetWindow(HWND window, UINT relation);
 // place of their bars.
 HWND GetDesktopWindow();
 // Among the windows of this process. FindWindowExA without a parent and a child also finds the main window of another copy
-// of the program by its title; only the three calls that bring a window forward know what to do with such a handle.
+// of the program by its title; only SetForegroundWindow knows what to do with such a handle.
 HWND FindWindowA(LPCSTR className, LPCSTR title);
 HWND FindWindowExA(HWND parent, HWND childAfter, LPCSTR className, LPCSTR title);
 
@@ -275,13 +272,10 @@ inline constexpr UINT RDW_FRAME = 0x0400;
 // Both from any thread. Of the flags those above are known.
 BOOL RedrawWindow(HWND window, const RECT* area, HRGN region, UINT flags);
 BOOL InvalidateRect(HWND window, const RECT* area, BOOL erase);
-BOOL ValidateRect(HWND window, const RECT* area);
 
 // --- Rectangles ----------------------------------------------------------------------------------------------------------
 
-BOOL SetRect(LPRECT rect, int left, int top, int right, int bottom);
 BOOL InflateRect(LPRECT rect, int dx, int dy);
 BOOL OffsetRect(LPRECT rect, int dx, int dy);
 BOOL EqualRect(const RECT* first, const RECT* second);
 BOOL PtInRect(const RECT* rect, POINT point);
-BOOL IsRectEmpty(const RECT* rect);

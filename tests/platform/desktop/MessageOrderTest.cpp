@@ -248,10 +248,8 @@ TEST_F(MessageOrderTest, MinimiseAndMaximise) {
     EXPECT_FALSE(IsIconic(main));
     EXPECT_EQ(log.Take(), SizeLine("main", 0));
     ShowWindow(main, SW_SHOWMAXIMIZED);
-    EXPECT_TRUE(IsZoomed(main));
     EXPECT_EQ(log.Take(), SizeLine("main", 2));
     ShowWindow(main, SW_RESTORE);
-    EXPECT_FALSE(IsZoomed(main));
     EXPECT_EQ(log.Take(), SizeLine("main", 0));
 }
 
@@ -267,6 +265,4 @@ TEST_F(MessageOrderTest, TextIsSetAndReadByMessages) {
     char small[4];
     EXPECT_EQ(GetWindowTextA(main, small, sizeof small), 3);
     EXPECT_STREQ(small, "mai");
-    EXPECT_EQ(GetDlgItemTextA(main, kButtonId, small, sizeof small), 3U);
-    EXPECT_STREQ(small, "&Go");
 }

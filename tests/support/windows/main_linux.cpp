@@ -1,8 +1,11 @@
 // The window tests on the layer, whose desktop has to stand before the first window.
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <cstdlib>
 
+#include "Harness.h"
+#include "RegistryFile.h"
 #include "RunWithDesktop.h"
 #include "TemporaryFolder.h"
 
@@ -14,6 +17,12 @@ int RunTests(int argc, char** argv) {
 }
 
 }  // namespace
+
+void ClearRegistry(const char*) {
+    const QString path = qEnvironmentVariable("XDG_CONFIG_HOME") + "/tesselia/registry.ini";
+    QFile::remove(path);
+    desktop::UserRegistry() = desktop::RegistryFile(path);
+}
 
 int main(int argc, char** argv) {
     // Settings and the locks of running copies go where the user has none.

@@ -10,7 +10,6 @@
 #include "HelpViewer.h"
 #include "ListAccess.h"
 #include "Resources.h"
-#include "SingleInstance.h"
 
 namespace {
 
@@ -36,7 +35,6 @@ int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
         QApplication::installTranslator(&translator);
     }
     desktop::Desktop desktop;
-    desktop::AnswerOtherCopies();
     desktop::OfferHelp();
     desktop::OfferListAccess();
     return body(argc, argv);

@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
     // Settings and the locks of running copies go where the user has none.
     const TemporaryFolder folder;
     setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1);
+    setenv("TESSELIA_RUNTIME_DIR", folder.Path().c_str(), 1);
     // Who wants to watch the tests names another platform.
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     return RunWithDesktop(argc, argv, RunTests);

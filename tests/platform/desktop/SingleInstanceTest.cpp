@@ -32,6 +32,12 @@ HWND Find(const char* title) {
     return FindWindowExA(nullptr, nullptr, nullptr, title);
 }
 
+HWND OpenDialog(HWND owner) {
+    EnableWindow(owner, FALSE);
+    return CreateWindowExA(0, "DesktopTest", "Dialog", WS_POPUP | WS_VISIBLE, 60, 60, 99, 99, owner, nullptr, nullptr,
+                           nullptr);
+}
+
 }  // namespace
 
 int RunOtherCopy(int, char** argv) {
@@ -45,9 +51,7 @@ int RunOtherCopy(int, char** argv) {
         return 1;  // it waits for an answer from itself
     }
     HWND window = MakeTopLevel(kernel::FromUtf8(argv[2]).value_or("").c_str());
-    HWND dialog = CreateWindowExA(0, "DesktopTest", "Dialog", WS_POPUP | WS_VISIBLE, 60, 60, 99, 99, window, nullptr,
-                                  nullptr, nullptr);
-    EnableWindow(window, FALSE);
+    HWND box = OpenDialog(OpenDialog(window));
     ShowWindow(window, SW_MINIMIZE);
     HWND elsewhere = MakeTopLevel("Elsewhere");
     if (!ServeUntil([&] { return IsIconic(window) && GetForegroundWindow() == elsewhere; })) {
@@ -59,7 +63,7 @@ int RunOtherCopy(int, char** argv) {
     Say(kReadyLine);
     bool forward = false;
     ServeUntil([&] {
-        if (!forward && !IsIconic(window) && GetForegroundWindow() == dialog) {
+        if (!forward && !IsIconic(window) && GetForegroundWindow() == box) {
             forward = true;
             Say(kForwardLine);
         }

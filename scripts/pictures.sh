@@ -87,8 +87,7 @@ screen() {
 }
 
 on_linux() {
-    export XDG_CONFIG_HOME=$work/config-$1 XDG_RUNTIME_DIR=$work/run-$1
-    mkdir -p -m 700 "$XDG_RUNTIME_DIR"
+    export XDG_CONFIG_HOME=$work/config-$1 TESSELIA_RUNTIME_DIR=$work/run-$1
     # Nobody knows what is connected to the machine's own ports.
     mkdir -p "$XDG_CONFIG_HOME/tesselia/ports"
     for number in $(seq 8); do

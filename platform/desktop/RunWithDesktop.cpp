@@ -13,7 +13,6 @@
 #include "ListAccess.h"
 #include "MenuBar.h"
 #include "Resources.h"
-#include "SingleInstance.h"
 
 namespace {
 
@@ -41,7 +40,6 @@ int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
     desktop::Desktop desktop({desktop::MakeControlWidget, desktop::AttachMenu, desktop::OpenMenu});
     desktop::RegisterControlClasses();
     desktop::RegisterDialogClass();
-    desktop::AnswerOtherCopies();
     desktop::OfferHelp();
     desktop::OfferListAccess();
     return body(argc, argv);

@@ -1,4 +1,3 @@
-// Where copies of the program that run at the same time find each other.
 #include "RuntimeFolder.h"
 
 #include <sys/stat.h>
@@ -16,23 +15,22 @@ bool IsPrivateFolder(const std::string& path) {
            (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
 
-bool MakePrivateFolder(const std::string& path) {
-    // One that exists already is looked at like a new one.
+// An existing folder is checked like a new one.
+std::string MakePrivateFolder(const std::string& path) {
     mkdir(path.c_str(), S_IRWXU);
-    return IsPrivateFolder(path);
+    return IsPrivateFolder(path) ? path : std::string();
 }
 
 }  // namespace
 
 std::string RuntimeFolder() {
-    // A relative folder there is invalid and to be ignored.
-    if (const char* runtime = std::getenv("XDG_RUNTIME_DIR"); runtime && runtime[0] == '/') {
-        std::string folder = std::string(runtime) + "/tesselia";
-        if (IsPrivateFolder(runtime) && MakePrivateFolder(folder))
-            return folder;
+    if (const char* chosen = std::getenv("TESSELIA_RUNTIME_DIR")) {
+        return MakePrivateFolder(chosen);
     }
-    const std::string folder = "/tmp/tesselia-" + std::to_string(geteuid());
-    return MakePrivateFolder(folder) ? folder : std::string();
+    const std::string user = std::to_string(geteuid());
+    const std::string folder =
+        IsPrivateFolder("/run/user/" + user) ? MakePrivateFolder("/run/user/" + user + "/tesselia") : "";
+    return !folder.empty() ? folder : MakePrivateFolder("/tmp/tesselia-" + user);
 }
 
 }  // namespace kernel

@@ -4,12 +4,12 @@
 #include "Check.h"
 #include "RegistryFile.h"
 
-using desktop::RegistryContent;
+using desktop::RegistryKeys;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const RegistryContent content =
-        RegistryContent::Parse(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
-    const QByteArray text = content.Text();
-    CHECK(RegistryContent::Parse(text).Text() == text);
+    const RegistryKeys keys =
+        RegistryKeys::Parse(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
+    const QByteArray text = keys.Text();
+    CHECK(RegistryKeys::Parse(text).Text() == text);
     return 0;
 }

@@ -60,7 +60,7 @@ void Die(const char* what) {
 
 RealScreen::RealScreen() {
     setenv("XDG_CONFIG_HOME", Folder().c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", Folder().c_str(), 1);
+    setenv("TESSELIA_RUNTIME_DIR", Folder().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "xcb", 1);
     unsetenv("WAYLAND_DISPLAY");
     for (int attempt = 0; attempt < kAttempts; ++attempt) {

@@ -20,8 +20,7 @@ finish() {
     rm -rf "$work"
 }
 trap finish EXIT
-export QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/run
-mkdir -m 700 "$XDG_RUNTIME_DIR"
+export QT_QPA_PLATFORM=offscreen XDG_CONFIG_HOME=$work/config TESSELIA_RUNTIME_DIR=$work/run
 
 cp "$bin/sample-library.json" "$work/library.json"
 cp "$work/library.json" "$folder/before.json"

@@ -7,7 +7,6 @@ using REGSAM = DWORD;
 using LSTATUS = LONG;
 
 #define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000000))))
-#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000001))))
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(static_cast<LONG>(0x80000002))))
 
 inline constexpr REGSAM KEY_READ = 0x20019;
@@ -18,12 +17,12 @@ inline constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
 inline constexpr DWORD REG_SZ = 1;
 inline constexpr DWORD REG_DWORD = 4;
 
-// Each gives ERROR_SUCCESS or an error. Values are REG_SZ and REG_DWORD. A buffer that is too small gives ERROR_MORE_DATA
-// and the size that is needed. What was set reaches the file when a key is closed. For one thread alone.
+// Each returns ERROR_SUCCESS or an error. Values are REG_SZ and REG_DWORD. A buffer that is too small gives ERROR_MORE_DATA
+// and the size that is needed. New keys and values reach the file when a key is closed; a failure to write it is not
+// reported. The path of a key has at most 255 characters. For one thread alone.
 LSTATUS RegCreateKeyExA(HKEY key, LPCSTR name, DWORD reserved, LPSTR keyClass, DWORD options, REGSAM access,
                         LPSECURITY_ATTRIBUTES security, HKEY* opened, LPDWORD disposition);
 LSTATUS RegOpenKeyExA(HKEY key, LPCSTR name, DWORD options, REGSAM access, HKEY* opened);
 LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size);
 LSTATUS RegSetValueExA(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
 LSTATUS RegCloseKey(HKEY key);
-LSTATUS RegDeleteTreeA(HKEY key, LPCSTR name);

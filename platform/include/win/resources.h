@@ -36,8 +36,9 @@ HMODULE LoadLibraryA(LPCSTR name);  // Of the libraries that the layer itself st
 // By ordinal alone.
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 
-// A mutex that is no more than its name: it exists as long as a process holds a handle to it. ERROR_ALREADY_EXISTS tells
-// that it did before. The name may have about 80 bytes that are not letters or digits, or 240 that are.
+// The user's one mutex, whatever the name. It exists until its first handle is closed; while it does, each other call, in
+// this process or another, sets ERROR_ALREADY_EXISTS. Whoever creates it answers for its windows to FindWindowExA elsewhere.
+// For the thread that owns the windows.
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name);
 
 // Of the formats %s, %d, %u, %c, %x, %X, with width, zero and minus, and %%. The result fits 1024 bytes.

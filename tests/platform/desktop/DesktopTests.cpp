@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
     }
     // For sockets, settings and what Qt remembers of its dialogs.
     const QTemporaryDir folder;
-    qputenv("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+    qputenv("TESSELIA_RUNTIME_DIR", folder.path().toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
     kernel::SetCodePage(kernel::kWesternPage);
     return RunWithDesktop(argc, argv, RunTests);

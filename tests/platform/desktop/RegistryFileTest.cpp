@@ -1,24 +1,26 @@
-// The file behind the registry: what it takes from a file that others have written, and what it leaves behind.
+// The file behind the registry: what is read from a file that others have written, and what is left behind.
 #include "RegistryFile.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <windows.h>
 
 #include <QDir>
 #include <QFile>
-#include <QLockFile>
 #include <QTemporaryDir>
 
 namespace {
 
-using desktop::RegistryContent;
 using desktop::RegistryFile;
-using desktop::RegistryValue;
+using desktop::RegistryKeys;
 
-RegistryValue Number(DWORD number) {
-    return {REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number)};
+std::string Number(DWORD number) {
+    return std::string(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+std::string Bytes(const RegistryKeys& keys, const char* key, const char* name) {
+    const desktop::RegistryValue* value = keys.FindValue(key, name);
+    return value != nullptr ? value->bytes : "missing";
 }
 
 class RegistryFileTest : public testing::Test {
@@ -37,128 +39,92 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    static void Set(RegistryFile& file, const char* key, const char* name, DWORD number) {
-        file.Change([=](RegistryContent& content) {
-            content.AddKey(key);
-            content.SetValue(key, name, Number(number));
-        });
-    }
-
-    static std::string Bytes(RegistryFile& file, const char* key, const char* name) {
-        const RegistryValue* value = file.Content().FindValue(key, name);
-        return value != nullptr ? value->bytes : "missing";
-    }
-
     const QTemporaryDir folder;
 };
 
-TEST_F(RegistryFileTest, OnlyTheUserMayReadWhatIsSaved) {
-    RegistryFile file(Path());
-    Set(file, "HKEY_LOCAL_MACHINE\\Software\\HDD/CD", "SizeX", 600);
-    Set(file, "HKEY_LOCAL_MACHINE\\Software\\HDD/CD", "PosX", static_cast<DWORD>(-600));
-    EXPECT_TRUE(file.HasChanges());
-    ASSERT_TRUE(file.Save());
-    EXPECT_FALSE(file.HasChanges());
+TEST_F(RegistryFileTest, IsWrittenWhenAKeyIsClosed) {
+    desktop::UserRegistry() = RegistryFile(Path());
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, "Software\\HDD/CD", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+              0);
+    const DWORD number = static_cast<DWORD>(-600);
+    RegSetValueExA(key, "PosX", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+    RegSetValueExA(key, "Face", 0, REG_SZ, reinterpret_cast<const BYTE*>("a%\"\\\x82"), 6);
+    RegCloseKey(key);
+    const QByteArray written =
+        "[HKEY_LOCAL_MACHINE]\n\n[HKEY_LOCAL_MACHINE\\Software]\n\n"
+        "[HKEY_LOCAL_MACHINE\\Software\\HDD/CD]\nFace=\"a\\x25\\x22\\x5C\\x82\\x00\"\nPosX=-600\n";
+    EXPECT_EQ(Content(), written);
     struct stat status{};
     ASSERT_EQ(stat(Path().toLocal8Bit().constData(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
-    EXPECT_EQ(Content(),
-              "[HKEY_LOCAL_MACHINE]\n\n[HKEY_LOCAL_MACHINE\\Software]\n\n"
-              "[HKEY_LOCAL_MACHINE\\Software\\HDD/CD]\nPosX=-600\nSizeX=600\n");
-    // Neither the lock nor a half-written file stays.
+    // No half-written file stays, and without a change nothing is written.
     EXPECT_EQ(QDir(folder.path() + "/config/tesselia").entryList(QDir::Files | QDir::Hidden), QStringList{"registry.ini"});
+    SetContent("");
+    RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Software", 0, KEY_READ, &key);
+    RegCloseKey(key);
+    EXPECT_EQ(Content(), "");
+    desktop::UserRegistry() = RegistryFile({});
 }
 
 TEST_F(RegistryFileTest, WhatCannotBeUnderstoodIsLeftOut) {
-    SetContent(
-        "Stray=1\n[K\\A]\r\n  Good = 7 \r\nBig=4294967295\nTooBig=4294967296\nTooSmall=-2147483649\nHex=0x10\nEmpty=\n=5\n"
-        "Open=\"abc\nBehind=\"abc\"x\nEscape=\"\\xZZ\"\nCut=\"\\x4\"\nText=\"a\\x00\\xFF\"\n@=\"unnamed\"\nBad%4=1\n"
-        "Object=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x0eQString\\0)\nOdd=dword:\"12345\"\nOddEmpty=dword:\n"
-        "[K\\\\B]\nLost=1\n[Unclosed\nLost=1\n[]\nLost=1\n[K\\C%]\nLost=1\n[k\\a]\nMore=8\n");
-    RegistryFile file(Path());
-    const RegistryContent& content = file.Content();
-    EXPECT_TRUE(content.HasKey("k\\A"));
-    EXPECT_FALSE(content.HasKey("K\\B"));
-    EXPECT_EQ(Bytes(file, "K\\A", "good"), Number(7).bytes);
-    EXPECT_EQ(Bytes(file, "K\\A", "More"), Number(8).bytes);
-    EXPECT_EQ(Bytes(file, "K\\A", "Big"), Number(0xFFFFFFFF).bytes);
-    EXPECT_EQ(Bytes(file, "K\\A", "Text"), std::string("a\0\xFF", 3));
-    EXPECT_EQ(Bytes(file, "K\\A", ""), "unnamed");
-    EXPECT_EQ(Bytes(file, "K\\A", "Odd"), "12345");
-    for (const char* name : {"TooBig", "TooSmall", "Hex", "Empty", "Open", "Behind", "Escape", "Cut", "Object", "OddEmpty",
-                             "Lost", "Stray", "Bad%4"}) {
-        EXPECT_EQ(Bytes(file, "K\\A", name), "missing") << name;
+    const RegistryKeys keys = RegistryKeys::Parse(
+        "Stray=1\n[K\\A b/c]\r\n  Good = 7 \r\nLow=-2147483648\nTooBig=4294967296\nHex=0x10\nEmpty=\n=5\nOpen=\"abc\n"
+        "Behind=\"abc\"x\nText=\"a%41 \\x00\\xFF\\x22\"\n@=\"unnamed\"\n%40%25=2\nQuote=\"\n"
+        "Object=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x0eQString\\0)\n"
+        "[K\\\\B]\nLost=1\n[\nLost=1\n[Unclosed\nLost=1\n[]\nLost=1\n[K\\]\nLost=1\n[k\\a%20B/C]\nMore=8\n");
+    EXPECT_FALSE(keys.HasKey("K\\B"));
+    EXPECT_EQ(Bytes(keys, "k\\a B/C", "good"), Number(7));
+    EXPECT_EQ(Bytes(keys, "K\\A b/c", "Low"), Number(0x80000000));
+    EXPECT_EQ(Bytes(keys, "K\\A b/c", "More"), Number(8));
+    EXPECT_EQ(Bytes(keys, "K\\A b/c", "Text"), std::string("a%41 \0\xFF\"", 8));
+    EXPECT_EQ(Bytes(keys, "K\\A b/c", ""), "unnamed");
+    EXPECT_EQ(Bytes(keys, "K\\A b/c", "@%"), Number(2));
+    for (const char* name : {"TooBig", "Hex", "Empty", "Open", "Behind", "Quote", "Object", "Lost", "Stray"}) {
+        EXPECT_EQ(Bytes(keys, "K\\A b/c", name), "missing") << name;
     }
+    EXPECT_EQ(RegistryKeys::Parse(keys.Text()).Text(), keys.Text());
 }
 
-TEST_F(RegistryFileTest, NoBytesAreTooManyOrTooStrange) {
-    QByteArray noise = "[K]\n";
-    for (int i = 0; i < 200000; ++i) {
-        noise += static_cast<char>((i * 7919 + i / 251) & 0xFF);
+// Their number and the length of their paths bound what keys can cost.
+TEST_F(RegistryFileTest, KeysAreNeitherTooDeepNorTooMany) {
+    QByteArray text =
+        "[" + QByteArray("a\\").repeated(30000) + "a]\nLost=1\n[" + QByteArray("b\\").repeated(127) + "b]\nx=1\n";
+    for (int i = 0; i < 2000; ++i) {
+        text += "[c" + QByteArray::number(i) + "]\n";
     }
-    SetContent(noise + "\n[K]\nSizeX=1\n");
-    RegistryFile file(Path());
-    EXPECT_EQ(Bytes(file, "K", "SizeX"), Number(1).bytes);
-    const RegistryContent again = RegistryContent::Parse(file.Content().Text());
-    EXPECT_EQ(again.Text(), file.Content().Text());
-    // One that cannot be ours is neither read nor replaced.
-    SetContent(QByteArray(5 << 20, '\n') + "[K]\nSizeX=1\n");
-    RegistryFile huge(Path());
-    EXPECT_FALSE(huge.Content().HasKey("K"));
-    Set(huge, "K", "SizeX", 2);
-    EXPECT_FALSE(huge.Save());
-    EXPECT_GT(Content().size(), 5 << 20);
+    const RegistryKeys keys = RegistryKeys::Parse(text);
+    EXPECT_FALSE(keys.HasKey("a"));
+    EXPECT_EQ(Bytes(keys, QByteArray("b\\").repeated(127) + "b", "x"), Number(1));
+    EXPECT_TRUE(keys.HasKey("c0"));
+    EXPECT_FALSE(keys.HasKey("c1999"));
+    EXPECT_EQ(keys.Text().count('['), 1000);
+    EXPECT_EQ(RegistryKeys::Parse(keys.Text()).Text(), keys.Text());
 }
 
-TEST_F(RegistryFileTest, TwoProcessesDoNotUndoEachOther) {
-    RegistryFile one(Path());
-    RegistryFile other(Path());
-    Set(one, "K\\One", "x", 1);
-    Set(other, "K\\Other", "x", 2);
-    ASSERT_TRUE(one.Save());
-    EXPECT_TRUE(other.Content().HasKey("K\\One"));
-    Set(other, "K\\One", "x", 3);
-    ASSERT_TRUE(other.Save());
-    EXPECT_EQ(Bytes(one, "K\\One", "x"), Number(3).bytes);
-    EXPECT_EQ(Bytes(one, "K\\Other", "x"), Number(2).bytes);
-}
-
-TEST_F(RegistryFileTest, ACrashInTheMiddleOfSavingBlocksNobody) {
-    SetContent("[K]\nx=1\n");
-    const pid_t other = fork();
-    if (other == 0) {
-        QLockFile lock(Path() + ".lock");
-        const bool locked = lock.tryLock(0);
-        _exit(locked ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(other, &status, 0), other);
-    ASSERT_EQ(status, 0);
-    ASSERT_TRUE(QFile::exists(Path() + ".lock"));
+TEST_F(RegistryFileTest, WhatCannotBeReadOrWrittenStays) {
+    const QByteArray huge = "[K]\nx=1\n" + QByteArray(64 << 10, '\n');
+    SetContent(huge);
     RegistryFile file(Path());
-    Set(file, "K", "x", 2);
-    EXPECT_TRUE(file.Save());
-    EXPECT_EQ(Content(), "[K]\nx=2\n");
-}
-
-TEST_F(RegistryFileTest, WhereNothingCanBeWrittenTheOldFileStays) {
-    SetContent("[K]\nx=1\n");
-    // A folder in the place of the lock keeps even the superuser from writing.
-    QDir().mkpath(Path() + ".lock/in/the/way");
-    RegistryFile file(Path());
-    Set(file, "K", "x", 2);
+    EXPECT_FALSE(file.keys.HasKey("K"));
+    ASSERT_TRUE(file.keys.AddKey("K"));
     EXPECT_FALSE(file.Save());
+    EXPECT_EQ(Content(), huge);
+    // A folder in place of the file cannot be read even by the superuser, nor can one be made below a file.
+    for (const QString& path : {QFileInfo(Path()).path(), Path() + "/tesselia/registry.ini"}) {
+        RegistryFile other(path);
+        ASSERT_TRUE(other.keys.AddKey("K"));
+        EXPECT_FALSE(other.Save());
+    }
+    // What the next start could not read is not written.
+    SetContent("[K]\nx=1\n");
+    RegistryFile full(Path());
+    full.keys.SetValue("K", "y", {REG_SZ, std::string(64 << 10, 'y')});
+    EXPECT_FALSE(full.Save());
     EXPECT_EQ(Content(), "[K]\nx=1\n");
-    EXPECT_EQ(Bytes(file, "K", "x"), Number(2).bytes);
-    file.Undo();
-    EXPECT_EQ(Bytes(file, "K", "x"), Number(1).bytes);
-
-    SetContent("");
-    RegistryFile below(Path() + "/tesselia/registry.ini");
-    EXPECT_FALSE(below.MayBeWritten());
-    EXPECT_TRUE(file.MayBeWritten());
-    Set(below, "K", "x", 2);
-    EXPECT_FALSE(below.Save());
+    full.keys.SetValue("K", "y", {REG_DWORD, Number(2)});
+    EXPECT_TRUE(full.Save());
+    EXPECT_EQ(Content(), "[K]\nx=1\ny=2\n");
 }
 
 }  // namespace

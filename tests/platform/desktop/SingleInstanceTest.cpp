@@ -1,11 +1,11 @@
-// A second process that looks for the window of the first.
+// Copies of a program in several processes, of which one is the first.
+#include "SingleInstance.h"
+
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QLocalSocket>
 #include <QProcess>
@@ -16,31 +16,54 @@
 #include "DesktopTests.h"
 #include "OtherCopy.h"
 #include "RuntimeFolder.h"
-#include "SingleInstance.h"
 
 namespace {
+
+constexpr char kReadyLine[] = "ready\n";
+constexpr char kForwardLine[] = "forward\n";
+constexpr int kLimitMs = 10000;
 
 void Say(const char* line) {
     std::fputs(line, stdout);
     std::fflush(stdout);
 }
 
+HWND Find(const char* title) {
+    return FindWindowExA(nullptr, nullptr, nullptr, title);
+}
+
+HWND OpenDialog(HWND owner) {
+    EnableWindow(owner, FALSE);
+    return CreateWindowExA(0, "DesktopTest", "Dialog", WS_POPUP | WS_VISIBLE, 60, 60, 99, 99, owner, nullptr, nullptr,
+                           nullptr);
+}
+
 }  // namespace
 
 int RunOtherCopy(int, char** argv) {
+    CreateMutexA(nullptr, TRUE, "copies");
+    if (GetLastError() == ERROR_ALREADY_EXISTS) {
+        return 0;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    if (Find("Nobody's") != nullptr || timer.elapsed() > 400) {
+        return 1;  // it waits for an answer from itself
+    }
     HWND window = MakeTopLevel(kernel::FromUtf8(argv[2]).value_or("").c_str());
+    HWND box = OpenDialog(OpenDialog(window));
     ShowWindow(window, SW_MINIMIZE);
-    if (!ServeUntil([window] { return IsIconic(window); })) {
+    HWND elsewhere = MakeTopLevel("Elsewhere");
+    if (!ServeUntil([&] { return IsIconic(window) && GetForegroundWindow() == elsewhere; })) {
         return 1;
     }
-    desktop::AnswerOtherCopies();
     bool ended = false;
     const QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, [&ended] { ended = true; });
     Say(kReadyLine);
     bool forward = false;
     ServeUntil([&] {
-        if (!forward && !IsIconic(window) && GetForegroundWindow() == window) {
+        if (!forward && !IsIconic(window) && GetForegroundWindow() == box) {
             forward = true;
             Say(kForwardLine);
         }
@@ -51,18 +74,14 @@ int RunOtherCopy(int, char** argv) {
 
 namespace {
 
-constexpr int kLimitMs = 10000;
-
 class Copy {
 public:
-    explicit Copy(const char* title) {
-        process.start(QCoreApplication::applicationFilePath(), {kOtherCopyOption, title});
-        EXPECT_TRUE(HasWritten(kReadyLine));
-    }
+    explicit Copy(const char* title) { process.start(QCoreApplication::applicationFilePath(), {kOtherCopyOption, title}); }
     ~Copy() { Crash(); }
     Copy(const Copy&) = delete;
     Copy& operator=(const Copy&) = delete;
 
+    // False if it ends without.
     bool HasWritten(const char* line) {
         while (!written.contains(line) && process.waitForReadyRead(kLimitMs)) {
             written += process.readAllStandardOutput();
@@ -87,86 +106,68 @@ private:
     QByteArray written;
 };
 
-QStringList Sockets() {
-    return QDir(QString::fromStdString(kernel::RuntimeFolder())).entryList({"windows-*"}, QDir::System | QDir::Files);
-}
-
-// A question takes what crashed copies have left out of the way.
-QStringList LivingSockets() {
-    desktop::AskForOtherCopy("Nobody's");
-    return Sockets();
-}
-
-TEST(SingleInstance, AWindowOfAnotherCopyIsFoundByItsTitleAndBroughtForward) {
-    EXPECT_EQ(FindWindowExA(nullptr, nullptr, nullptr, "The first copy"), nullptr);
-    Copy copy("The first copy");
-    EXPECT_EQ(FindWindowExA(nullptr, nullptr, nullptr, "The first"), nullptr);
-    EXPECT_EQ(FindWindowExA(nullptr, nullptr, nullptr, ""), nullptr);
-    HWND found = FindWindowExA(nullptr, nullptr, nullptr, "The first copy");
+TEST(SingleInstance, TheFirstCopyIsFoundByItsTitleAndBroughtForward) {
+    EXPECT_EQ(Find("Titles, \xE9 and all"), nullptr);
+    Copy copy("Titles, \xC3\xA9 and all");
+    ASSERT_TRUE(copy.HasWritten(kReadyLine));
+    EXPECT_EQ(Find("Titles"), nullptr);
+    EXPECT_EQ(Find(""), nullptr);
+    HWND found = Find("Titles, \xE9 and all");
     ASSERT_NE(found, nullptr);
     // It is nobody's window here.
     EXPECT_FALSE(IsWindow(found));
+    EXPECT_TRUE(BringWindowToTop(found));
+    EXPECT_TRUE(ShowWindow(found, SW_SHOWNORMAL));
     EXPECT_TRUE(SetForegroundWindow(found));
     EXPECT_TRUE(copy.HasWritten(kForwardLine));
 }
 
-TEST(SingleInstance, EachOfSeveralCopiesAnswersForItself) {
-    Copy one("Titles, in English");
-    Copy other("Titles, \xC3\xA9 and all");
-    EXPECT_NE(FindWindowExA(nullptr, nullptr, nullptr, "Titles, in English"), nullptr);
-    EXPECT_NE(FindWindowExA(nullptr, nullptr, nullptr, "Titles, \xE9 and all"), nullptr);
-    EXPECT_TRUE(SetForegroundWindow(desktop::OtherCopy()));
-    EXPECT_TRUE(other.HasWritten(kForwardLine));
+TEST(SingleInstance, OneOfSeveralIsFirstHoweverCloseTheyStart) {
+    Copy copies[] = {Copy("Same"), Copy("Same"), Copy("Same"), Copy("Same")};
+    int first = 0;
+    for (Copy& copy : copies) {
+        first += copy.HasWritten(kReadyLine) ? 1 : 0;
+    }
+    EXPECT_EQ(first, 1);
+    EXPECT_NE(Find("Same"), nullptr);
 }
 
-TEST(SingleInstance, ACrashedCopyLeavesNothingThatCounts) {
-    const qsizetype before = LivingSockets().size();
+TEST(SingleInstance, ACrashedCopyBlocksNobody) {
     Copy copy("A copy that crashes");
-    ASSERT_NE(FindWindowExA(nullptr, nullptr, nullptr, "A copy that crashes"), nullptr);
+    ASSERT_TRUE(copy.HasWritten(kReadyLine));
+    ASSERT_NE(Find("A copy that crashes"), nullptr);
     copy.Crash();
-    EXPECT_EQ(Sockets().size(), before + 1);
     EXPECT_FALSE(SetForegroundWindow(desktop::OtherCopy()));
-    EXPECT_EQ(FindWindowExA(nullptr, nullptr, nullptr, "A copy that crashes"), nullptr);
-    EXPECT_EQ(Sockets().size(), before);
+    EXPECT_EQ(Find("A copy that crashes"), nullptr);
+    Copy next("The next copy");
+    ASSERT_TRUE(next.HasWritten(kReadyLine));
+    EXPECT_NE(Find("The next copy"), nullptr);
 }
 
 TEST(SingleInstance, AStoppedCopyHoldsNobodyUp) {
     Copy copy("A copy that hangs");
+    ASSERT_TRUE(copy.HasWritten(kReadyLine));
     copy.Signal(SIGSTOP);
     QElapsedTimer timer;
     timer.start();
-    EXPECT_EQ(FindWindowExA(nullptr, nullptr, nullptr, "A copy that hangs"), nullptr);
-    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_EQ(Find("A copy that hangs"), nullptr);
+    EXPECT_LT(timer.elapsed(), 3000);
     copy.Signal(SIGCONT);
-    EXPECT_NE(FindWindowExA(nullptr, nullptr, nullptr, "A copy that hangs"), nullptr);
+    EXPECT_NE(Find("A copy that hangs"), nullptr);
 }
 
-TEST(SingleInstance, OnlyTheUserReachesTheSocketAndNonsenseDoesNoHarm) {
-    const QStringList before = LivingSockets();
+TEST(SingleInstance, NonsenseDoesNoHarm) {
     Copy copy("A copy that is pestered");
-    QStringList added = Sockets();
-    added.removeIf([&](const QString& name) { return before.contains(name); });
-    const QString path = QString::fromStdString(kernel::RuntimeFolder()) + '/' + added.value(0);
-    struct stat status{};
-    ASSERT_EQ(stat(path.toLocal8Bit().constData(), &status), 0);
-    EXPECT_EQ(status.st_mode & 077, 0u);
-    for (const QByteArray& nonsense : {QByteArray(100000, 'x'), QByteArray("\0\0\0", 3), QByteArray("Zwhat\0", 6)}) {
+    ASSERT_TRUE(copy.HasWritten(kReadyLine));
+    for (const QByteArray& nonsense :
+         {QByteArray(100000, 'x'), QByteArray("\n"), QByteArray("F\n"), QByteArray("Zwhat\n")}) {
         QLocalSocket socket;
-        socket.connectToServer(path);
+        socket.connectToServer(QString::fromStdString(kernel::RuntimeFolder()) + "/socket");
         ASSERT_TRUE(socket.waitForConnected(kLimitMs));
         socket.write(nonsense);
         EXPECT_TRUE(socket.waitForDisconnected(kLimitMs) || socket.state() == QLocalSocket::UnconnectedState);
     }
-    EXPECT_NE(FindWindowExA(nullptr, nullptr, nullptr, "A copy that is pestered"), nullptr);
-}
-
-TEST(SingleInstance, AProcessDoesNotAskItself) {
-    desktop::AnswerOtherCopies();
-    EXPECT_EQ(LivingSockets().size(), 1);
-    QElapsedTimer timer;
-    timer.start();
-    EXPECT_FALSE(desktop::AskForOtherCopy("Nobody's"));
-    EXPECT_LT(timer.elapsed(), 400);
+    EXPECT_NE(Find("A copy that is pestered"), nullptr);
 }
 
 }  // namespace

@@ -61,7 +61,7 @@ std::string Text(UINT id) {
 }
 
 void StartAnew() {
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, R"(SOFTWARE\ORVANE\HDD/CD recorder\Tesselia)");
+    ClearRegistry(R"(SOFTWARE\ORVANE\HDD/CD recorder\Tesselia)");
     scripted::Reset();
 }
 

@@ -51,6 +51,9 @@ private:
 void PostClick(HWND window, int x, int y);
 void PostDrag(HWND window, int x, int y, int xRelease, int yRelease);
 
+// Deletes a key below HKEY_LOCAL_MACHINE, with all keys below it. The layer, which cannot delete, starts an empty registry.
+void ClearRegistry(const char* key);
+
 // The text of a window, at most 1023 bytes.
 std::string WindowText(HWND window);
 

@@ -1,8 +1,11 @@
 // The window tests on the layer, whose desktop has to stand before the first window.
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <cstdlib>
 
+#include "Harness.h"
+#include "RegistryFile.h"
 #include "RunWithDesktop.h"
 #include "TemporaryFolder.h"
 
@@ -15,11 +18,17 @@ int RunTests(int argc, char** argv) {
 
 }  // namespace
 
+void ClearRegistry(const char*) {
+    const QString path = qEnvironmentVariable("XDG_CONFIG_HOME") + "/tesselia/registry.ini";
+    QFile::remove(path);
+    desktop::UserRegistry() = desktop::RegistryFile(path);
+}
+
 int main(int argc, char** argv) {
     // Settings and the locks of running copies go where the user has none.
     const TemporaryFolder folder;
     setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
-    setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1);
+    setenv("TESSELIA_RUNTIME_DIR", folder.Path().c_str(), 1);
     // Who wants to watch the tests names another platform.
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     return RunWithDesktop(argc, argv, RunTests);

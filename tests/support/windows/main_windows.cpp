@@ -5,6 +5,12 @@
 #include <stdio.h>
 #include <windows.h>
 
+#include "Harness.h"
+
+void ClearRegistry(const char* key) {
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, key);
+}
+
 int main(int argc, char** argv) {
     // Line ends as ctest expects them, which reads the list of tests from here.
     _setmode(_fileno(stdout), _O_BINARY);

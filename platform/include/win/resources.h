@@ -40,8 +40,5 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 // that it did before. The name may have about 80 bytes that are not letters or digits, or 240 that are.
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name);
 
-// Of the formats %s, %d, %u, %c, %x, %X, with width, zero and minus, and %%. The result fits 1024 bytes.
-int wsprintfA(LPSTR buffer, LPCSTR format, ...);
-
 // The entry of a program with windows.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previousInstance, LPSTR commandLine, int showCommand);

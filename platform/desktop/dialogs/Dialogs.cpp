@@ -351,14 +351,3 @@ BOOL EndDialog(HWND dialog, INT_PTR result) {
     PostMessageA(dialog, WM_NULL, 0, 0);
     return TRUE;
 }
-
-BOOL MapDialogRect(HWND dialog, LPRECT rect) {
-    const desktop::DialogState* state = desktop::StateOf(dialog);
-    if (state == nullptr) {
-        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    const SIZE base = desktop::BaseUnits(state->font);
-    const RECT corner = desktop::ToPixels(rect->left, rect->top, rect->right, rect->bottom, base);
-    *rect = {corner.left, corner.top, corner.right - corner.left, corner.bottom - corner.top};
-    return TRUE;
-}

@@ -94,20 +94,6 @@ HACCEL LoadAcceleratorsA(HINSTANCE, LPCSTR resource) {
     return HandleOf(tables.emplace_back(AcceleratorTable{bytes.data(), std::move(*entries)}));
 }
 
-int CopyAcceleratorTableA(HACCEL handle, ACCEL* entries, int count) {
-    const AcceleratorTable* table = Find(handle);
-    if (table == nullptr) {
-        return 0;
-    }
-    const auto size = static_cast<int>(table->entries.size());
-    if (entries == nullptr) {
-        return size;
-    }
-    const int copied = std::clamp(count, 0, size);
-    std::copy_n(table->entries.begin(), copied, entries);
-    return copied;
-}
-
 int TranslateAcceleratorA(HWND window, HACCEL handle, LPMSG message) {
     const AcceleratorTable* table = Find(handle);
     const bool key = message->message == WM_KEYDOWN || message->message == WM_SYSKEYDOWN;

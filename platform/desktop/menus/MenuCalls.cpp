@@ -1,19 +1,14 @@
 // The calls for menus.
-#include <algorithm>
-#include <cstring>
-
 #include "Desktop.h"
 #include "LastError.h"
 #include "Menus.h"
 #include "Resources.h"
-#include "Text.h"
 
 using desktop::Menu;
 using desktop::MenuEntry;
 
 namespace {
 
-constexpr UINT kNone = static_cast<UINT>(-1);
 constexpr UINT kGrayedBits = MF_GRAYED | MF_DISABLED;
 constexpr UINT kStateBits = kGrayedBits | MF_CHECKED;
 
@@ -32,19 +27,6 @@ MenuEntry* Find(HMENU handle, UINT item, UINT flags) {
         SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
     }
     return entry;
-}
-
-// As much as fits before the terminator, and no half of a character of two bytes.
-std::size_t LengthThatFits(const std::string& text, std::size_t size) {
-    std::size_t length = 0;
-    while (length < text.size()) {
-        const std::size_t step = IsDBCSLeadByte(static_cast<BYTE>(text[length])) && length + 1 < text.size() ? 2 : 1;
-        if (length + step >= size) {
-            break;
-        }
-        length += step;
-    }
-    return length;
 }
 
 }  // namespace
@@ -82,45 +64,16 @@ HMENU GetSubMenu(HMENU handle, int position) {
     return entry != nullptr ? entry->popup : nullptr;
 }
 
-int GetMenuItemCount(HMENU handle) {
-    const Menu* menu = Find(handle);
-    return menu != nullptr ? static_cast<int>(menu->entries.size()) : -1;
-}
-
 UINT GetMenuState(HMENU menu, UINT item, UINT flags) {
     constexpr UINT kLowByte = 0xFF;
     const MenuEntry* entry = Find(menu, item, flags);
     if (entry == nullptr) {
-        return kNone;
+        return static_cast<UINT>(-1);
     }
     if (const Menu* popup = desktop::FindMenu(entry->popup)) {
         return ((entry->type | entry->state) & kLowByte) | static_cast<UINT>(popup->entries.size()) << 8;
     }
     return entry->type | entry->state;
-}
-
-int GetMenuStringA(HMENU menu, UINT item, LPSTR buffer, int size, UINT flags) {
-    const MenuEntry* entry = Find(menu, item, flags);
-    if (buffer != nullptr && size > 0) {
-        buffer[0] = '\0';
-    }
-    if (entry == nullptr) {
-        return 0;
-    }
-    const std::string text = desktop::FromQString(entry->text);
-    if (buffer == nullptr || size <= 0) {
-        return static_cast<int>(text.size());
-    }
-    const std::size_t length = LengthThatFits(text, static_cast<std::size_t>(size));
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-    return static_cast<int>(length);
-}
-
-UINT GetMenuItemID(HMENU handle, int position) {
-    Menu* menu = Find(handle);
-    const MenuEntry* entry = menu != nullptr ? FindEntry(*menu, static_cast<UINT>(position), MF_BYPOSITION) : nullptr;
-    return entry == nullptr || entry->popup != nullptr ? kNone : entry->id;
 }
 
 namespace {

@@ -14,7 +14,6 @@
 #define RT_ACCELERATOR MAKEINTRESOURCEA(9)
 #define RT_GROUP_ICON MAKEINTRESOURCEA(14)
 #define RT_VERSION MAKEINTRESOURCEA(16)
-#define RT_HTML MAKEINTRESOURCEA(23)
 
 // A resource stays loaded, so nothing is freed. Whatever the module, the program's resources are meant. Language 0 is the
 // user's, or the other one.

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cassert>
+#include <cstring>
 #include <deque>
 #include <utility>
 #include <vector>
@@ -18,7 +19,7 @@ constexpr unsigned kLastGeneration = 0x7FFF;
 // Places are taken up again only while that many are free, so that a stale handle stays stale for long.
 constexpr std::size_t kFreeReserve = 64;
 constexpr int kSystemColors = 31;
-constexpr int kStockObjects = 18;
+constexpr int kStockObjects = 14;
 
 // A handle holds the number of the object's place, from 1, in the low word and, in the high word, how often the place has
 // been given out. So it never looks like a system colour's index plus one.
@@ -87,13 +88,13 @@ HGDIOBJ AddPermanent(std::unique_ptr<Object> object) {
     return AddObject(std::move(object));
 }
 
-std::unique_ptr<Object> StockFont(LONG height, LONG width, LONG weight, const char* face) {
+std::unique_ptr<Object> SystemFont() {
     LOGFONTA description{};
-    description.lfHeight = height;
-    description.lfWidth = width;
-    description.lfWeight = weight;
+    description.lfHeight = 16;
+    description.lfWidth = 7;
+    description.lfWeight = FW_BOLD;
     description.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
-    std::copy_n(face, std::char_traits<char>::length(face), description.lfFaceName);
+    std::strcpy(description.lfFaceName, "System");
     return std::make_unique<FontFace>(description);
 }
 
@@ -101,11 +102,9 @@ std::unique_ptr<Object> MakeStockObject(int object) {
     switch (object) {
         case WHITE_BRUSH: return std::make_unique<Brush>(std::optional<QRgb>(qRgb(255, 255, 255)));
         case NULL_BRUSH: return std::make_unique<Brush>(std::optional<QRgb>());
-        case WHITE_PEN: return std::make_unique<Pen>(qRgb(255, 255, 255));
         case BLACK_PEN: return std::make_unique<Pen>(qRgb(0, 0, 0));
         case NULL_PEN: return std::make_unique<Pen>(std::nullopt);
-        case SYSTEM_FONT: return StockFont(16, 7, FW_BOLD, "System");
-        case DEFAULT_GUI_FONT: return StockFont(-11, 0, FW_NORMAL, "MS Shell Dlg");
+        case SYSTEM_FONT: return SystemFont();
         default: return nullptr;
     }
 }

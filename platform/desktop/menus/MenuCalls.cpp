@@ -12,55 +12,30 @@ namespace {
 constexpr UINT kGrayedBits = MF_GRAYED | MF_DISABLED;
 constexpr UINT kStateBits = kGrayedBits | MF_CHECKED;
 
-Menu* Find(HMENU handle) {
-    Menu* menu = desktop::FindMenu(handle);
-    if (menu == nullptr) {
-        SetLastError(ERROR_INVALID_MENU_HANDLE);
-    }
-    return menu;
-}
-
 MenuEntry* Find(HMENU handle, UINT item, UINT flags) {
-    Menu* menu = Find(handle);
-    MenuEntry* entry = menu != nullptr ? FindEntry(*menu, item, flags) : nullptr;
-    if (menu != nullptr && entry == nullptr) {
-        SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
-    }
-    return entry;
+    Menu* menu = desktop::FindMenu(handle);
+    return menu != nullptr ? FindEntry(*menu, item, flags) : nullptr;
 }
 
 }  // namespace
 
 // Whatever module is named, the program's resources answer.
 HMENU LoadMenuA(HINSTANCE, LPCSTR resource) {
-    const kernel::Bytes bytes = kernel::ResourceBytes(resource, RT_MENU);
-    if (bytes.empty()) {
-        return nullptr;
-    }
-    const auto items = kernel::ParseMenu(bytes);
-    if (!items) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return desktop::AddMenu(*items);
+    const auto items = kernel::ParseMenu(kernel::ResourceBytes(resource, RT_MENU));
+    return items ? desktop::AddMenu(*items) : nullptr;
 }
 
 BOOL DestroyMenu(HMENU menu) {
-    return desktop::RemoveMenu(menu) ? TRUE : kernel::Fail(ERROR_INVALID_MENU_HANDLE);
+    return desktop::RemoveMenu(menu);
 }
 
 HMENU GetMenu(HWND handle) {
     const desktop::ScreenWindow* window = desktop::Desktop::Get().Find(handle);
-    if (window == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return nullptr;
-    }
-    return window->menu;
+    return window != nullptr ? window->menu : nullptr;
 }
 
 HMENU GetSubMenu(HMENU handle, int position) {
-    Menu* menu = Find(handle);
-    const MenuEntry* entry = menu != nullptr ? FindEntry(*menu, static_cast<UINT>(position), MF_BYPOSITION) : nullptr;
+    const MenuEntry* entry = Find(handle, static_cast<UINT>(position), MF_BYPOSITION);
     return entry != nullptr ? entry->popup : nullptr;
 }
 
@@ -78,13 +53,9 @@ UINT GetMenuState(HMENU menu, UINT item, UINT flags) {
 
 namespace {
 
-// The entry that the structure is about; null, with the last error, for one that cannot be served.
+// The entry that the structure is about; null for one that cannot be served.
 MenuEntry* EntryFor(HMENU menu, UINT item, BOOL byPosition, const MENUITEMINFOA& info) {
-    if (info.cbSize != sizeof info) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    if (info.fMask != MIIM_STATE) {
+    if (info.cbSize != sizeof info || info.fMask != MIIM_STATE) {
         kernel::Unsupported("a menu item's information other than its state");
         return nullptr;
     }

@@ -65,11 +65,6 @@ void Waitable::Signal() {
         Waiter::Wake(sleeper);
 }
 
-void Waitable::Reset() {
-    const std::lock_guard guard(lock_);
-    signalled_ = false;
-}
-
 bool Waitable::Enter(WaitEntry& entry) {
     const std::lock_guard guard(lock_);
     if (signalled_) {
@@ -113,14 +108,6 @@ BOOL SetEvent(HANDLE event) {
     if (!object)
         return FALSE;
     object->Signal();
-    return TRUE;
-}
-
-BOOL ResetEvent(HANDLE event) {
-    const auto object = kernel::FindHandle<kernel::Event>(event);
-    if (!object)
-        return FALSE;
-    object->Reset();
     return TRUE;
 }
 

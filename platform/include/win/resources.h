@@ -15,9 +15,8 @@
 #define RT_GROUP_ICON MAKEINTRESOURCEA(14)
 #define RT_VERSION MAKEINTRESOURCEA(16)
 
-// A resource stays loaded, so nothing is freed. Whatever the module, the program's resources are meant. Language 0 is the
-// user's, or the other one.
-HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type);
+// By number alone. A resource stays loaded, so nothing is freed. Whatever the module, the program's resources are meant.
+// Language 0 is the user's, or the other one.
 HRSRC FindResourceExA(HMODULE module, LPCSTR type, LPCSTR name, WORD language);
 HGLOBAL LoadResource(HMODULE module, HRSRC resource);
 LPVOID LockResource(HGLOBAL resource);

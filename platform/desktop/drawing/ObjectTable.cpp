@@ -4,82 +4,20 @@
 #include <array>
 #include <cassert>
 #include <cstring>
-#include <deque>
-#include <utility>
-#include <vector>
 
 #include "FontFace.h"
 #include "GdiObjects.h"
+#include "HandleTable.h"
 
 namespace drawing {
 namespace {
 
-constexpr std::size_t kMostObjects = 10'000;
-constexpr unsigned kLastGeneration = 0x7FFF;
-// Places are taken up again only while that many are free, so that a stale handle stays stale for long.
-constexpr std::size_t kFreeReserve = 64;
 constexpr int kSystemColors = 31;
 constexpr int kStockObjects = 14;
 
-// A handle holds the number of the object's place, from 1, in the low word and, in the high word, how often the place has
-// been given out. So it never looks like a system colour's index plus one.
-class ObjectTable {
-public:
-    HGDIOBJ Add(std::unique_ptr<Object> object) {
-        if (living >= kMostObjects && !object->permanent) {
-            return nullptr;
-        }
-        std::size_t place = places.size();
-        if (freePlaces.size() >= kFreeReserve) {
-            place = freePlaces.front();
-            freePlaces.pop_front();
-        } else {
-            places.emplace_back();
-        }
-        Place& taken = places[place];
-        taken.generation = taken.generation == kLastGeneration ? 1 : taken.generation + 1;
-        taken.object = std::move(object);
-        ++living;
-        return HandleOf(place, taken.generation);
-    }
-
-    Object* Find(HGDIOBJ handle) const {
-        const std::size_t place = PlaceOf(handle);
-        if (place >= places.size() || HandleOf(place, places[place].generation) != handle) {
-            return nullptr;
-        }
-        return places[place].object.get();
-    }
-
-    void Remove(HGDIOBJ handle) {
-        if (Find(handle) != nullptr) {
-            // A device context lets go of other objects while it is destroyed.
-            const std::unique_ptr<Object> gone = std::move(places[PlaceOf(handle)].object);
-            freePlaces.push_back(PlaceOf(handle));
-            --living;
-        }
-    }
-
-private:
-    struct Place {
-        std::unique_ptr<Object> object;  // null: free
-        unsigned generation = 0;
-    };
-
-    static HGDIOBJ HandleOf(std::size_t place, unsigned generation) {
-        return reinterpret_cast<HGDIOBJ>((static_cast<UINT_PTR>(generation) << 16) | (place + 1));
-    }
-    // 0 wraps around and is beyond every place.
-    static std::size_t PlaceOf(HGDIOBJ handle) { return (reinterpret_cast<UINT_PTR>(handle) & 0xFFFF) - 1; }
-
-    std::vector<Place> places;
-    std::deque<std::size_t> freePlaces;  // longest free first
-    std::size_t living = 0;
-};
-
 // Never destroyed: what holds a font must not outlive the application, and static objects would.
-ObjectTable& Table() {
-    static auto* const table = new ObjectTable;
+HandleTable<Object, HGDIOBJ>& Table() {
+    static auto* const table = new HandleTable<Object, HGDIOBJ>;
     return *table;
 }
 

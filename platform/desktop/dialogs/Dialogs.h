@@ -10,8 +10,8 @@
 
 namespace desktop {
 
-// Room for DWLP_MSGRESULT, DWLP_DLGPROC and DWLP_USER.
-inline constexpr int kDialogExtraBytes = 3 * static_cast<int>(sizeof(LONG_PTR));
+// Room for DWLP_MSGRESULT and DWLP_DLGPROC.
+inline constexpr int kDialogExtraBytes = 2 * static_cast<int>(sizeof(LONG_PTR));
 
 // A dialog without controls, hidden. The client area has that size; `place` is its corner on the screen or in the parent's
 // client area. The font goes with the dialog. 0 if it could not be made.

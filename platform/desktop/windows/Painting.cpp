@@ -197,21 +197,6 @@ BOOL InvalidateRect(HWND handle, const RECT* area, BOOL erase) {
     return RedrawWindow(handle, area, nullptr, RDW_INVALIDATE | (erase ? RDW_ERASE : 0U));
 }
 
-BOOL ValidateRect(HWND handle, const RECT* area) {
-    ScreenWindow* window = Desktop::Get().Find(handle);
-    if (window == nullptr) {
-        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    if (area == nullptr) {
-        window->invalid = {};
-        window->eraseInvalid = false;
-        window->frameInvalid = false;
-    } else {
-        window->invalid -= desktop::ToQt(*area);
-    }
-    return TRUE;
-}
-
 BOOL UpdateWindow(HWND handle) {
     const ScreenWindow* window = Desktop::Get().Find(handle);
     if (window == nullptr) {

@@ -486,7 +486,3 @@ BOOL IsWindowVisible(HWND handle) {
 BOOL IsIconic(HWND window) {
     return HasStyle(window, WS_MINIMIZE);
 }
-
-BOOL IsZoomed(HWND window) {
-    return HasStyle(window, WS_MAXIMIZE);
-}

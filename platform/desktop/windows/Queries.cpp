@@ -175,10 +175,6 @@ UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size) {
     return static_cast<UINT>(GetWindowTextA(GetDlgItem(dialog, id), buffer, size));
 }
 
-LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam) {
-    return SendMessageA(GetDlgItem(dialog, id), message, wParam, lParam);
-}
-
 namespace {
 
 bool IsTabStop(const ScreenWindow& window) {
@@ -207,11 +203,6 @@ HWND GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous) {
     return control;
 }
 
-BOOL SetRect(LPRECT rect, int left, int top, int right, int bottom) {
-    *rect = {left, top, right, bottom};
-    return TRUE;
-}
-
 BOOL InflateRect(LPRECT rect, int dx, int dy) {
     *rect = {rect->left - dx, rect->top - dy, rect->right + dx, rect->bottom + dy};
     return TRUE;
@@ -229,8 +220,4 @@ BOOL EqualRect(const RECT* first, const RECT* second) {
 
 BOOL PtInRect(const RECT* rect, POINT point) {
     return point.x >= rect->left && point.x < rect->right && point.y >= rect->top && point.y < rect->bottom;
-}
-
-BOOL IsRectEmpty(const RECT* rect) {
-    return rect->left >= rect->right || rect->top >= rect->bottom;
 }

@@ -40,6 +40,7 @@ struct OPENFILENAMEA {
 };
 static_assert(sizeof(void*) != 8 || sizeof(OPENFILENAMEA) == 152);
 
+// Of what the user has chosen the path alone is told.
 BOOL GetOpenFileNameA(OPENFILENAMEA* chooser);
 BOOL GetSaveFileNameA(OPENFILENAMEA* chooser);
 
@@ -66,4 +67,5 @@ struct CHOOSEFONTA {
 };
 static_assert(sizeof(void*) != 8 || sizeof(CHOOSEFONTA) == 104);
 
+// Tells the font alone, not its size in points.
 BOOL ChooseFontA(CHOOSEFONTA* chooser);

@@ -37,7 +37,7 @@ public:
             if (got > 0) {
                 read += static_cast<DWORD>(got);
             } else if (errno != EINTR) {
-                return Fail(errno == EIO ? ERROR_READ_FAULT : ErrorFromErrno(errno));
+                return Fail(ERROR_READ_FAULT);
             }
         }
         return TRUE;
@@ -50,7 +50,7 @@ public:
             if (put >= 0) {
                 written += static_cast<DWORD>(put);
             } else if (errno != EINTR) {
-                return Fail(errno == EIO ? ERROR_WRITE_FAULT : ErrorFromErrno(errno));
+                return Fail(ERROR_WRITE_FAULT);
             }
         }
         return TRUE;
@@ -59,7 +59,6 @@ public:
     std::optional<std::uint64_t> Size() const {
         struct stat status;
         if (fstat(file, &status) != 0) {
-            Fail(ErrorFromErrno(errno));
             return std::nullopt;
         }
         return static_cast<std::uint64_t>(status.st_size);
@@ -69,33 +68,13 @@ private:
     const int file;
 };
 
-// Windows tells a file that is not there from a folder on the way that is not there.
-DWORD PathError(const std::string& path, int error) {
-    if (error != ENOENT) {
-        return ErrorFromErrno(error);
-    }
-    const std::size_t slash = path.find_last_of('/');
-    if (path.empty()) {
-        return ERROR_PATH_NOT_FOUND;
-    }
-    if (slash == std::string::npos || slash == 0) {
-        return ERROR_FILE_NOT_FOUND;
-    }
-    struct stat status;
-    const bool folder = stat(path.substr(0, slash).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-    return folder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
-}
-
 int OpenFlags(DWORD access, DWORD disposition) {
     int flags = O_RDONLY;
     if ((access & GENERIC_WRITE) != 0) {
         flags = (access & GENERIC_READ) != 0 ? O_RDWR : O_WRONLY;
     }
-    switch (disposition) {
-        case CREATE_NEW: flags |= O_CREAT | O_EXCL; break;
-        case CREATE_ALWAYS: flags |= O_CREAT | O_TRUNC; break;
-        case OPEN_ALWAYS: flags |= O_CREAT; break;
-        default: break;
+    if (disposition == CREATE_ALWAYS) {
+        flags |= O_CREAT | O_TRUNC;
     }
     // Without O_NONBLOCK the opening of a pipe would wait for its other end; files do not mind.
     return flags | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
@@ -108,7 +87,7 @@ Ref<KernelObject> OpenFile(LPCSTR name, DWORD access, DWORD disposition) {
         file = open(path.c_str(), OpenFlags(access, disposition), 0666);
     } while (file < 0 && errno == EINTR);
     if (file < 0) {
-        Fail(PathError(path, errno));
+        Fail(errno == ENOENT ? ERROR_FILE_NOT_FOUND : ERROR_ACCESS_DENIED);
         return {};
     }
     struct stat status;
@@ -128,20 +107,14 @@ Ref<KernelObject> OpenFile(LPCSTR name, DWORD access, DWORD disposition) {
 HANDLE CreateFileA(LPCSTR name, DWORD access, DWORD, LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD attributes,
                    HANDLE templateFile) {
     using namespace kernel;
-    if (!name || disposition < CREATE_NEW || disposition > OPEN_ALWAYS) {
-        Fail(ERROR_INVALID_PARAMETER);
-        return INVALID_HANDLE_VALUE;
-    }
     if (security || templateFile || (attributes & ~FILE_ATTRIBUTE_NORMAL) != 0 ||
-        (access & ~(GENERIC_READ | GENERIC_WRITE)) != 0) {
+        (access & ~(GENERIC_READ | GENERIC_WRITE)) != 0 || (disposition != CREATE_ALWAYS && disposition != OPEN_EXISTING)) {
         Unsupported("a file with unusual access, flags, security attributes or a template");
         return INVALID_HANDLE_VALUE;
     }
     Ref<KernelObject> object;
     if (const int port = PortNumber(name)) {
-        if (disposition != OPEN_EXISTING) {
-            Fail(ERROR_INVALID_PARAMETER);  // As on Windows: a port cannot be created.
-        } else {
+        if (disposition == OPEN_EXISTING) {  // As on Windows: a port cannot be created.
             object = Ref<KernelObject>(Port::Open(port).Detach());
         }
     } else {
@@ -190,28 +163,19 @@ DWORD GetFileSize(HANDLE file, LPDWORD high) {
     if (high) {
         *high = static_cast<DWORD>(*size >> 32);
     } else if (*size >> 32 != 0) {
-        Fail(ERROR_INVALID_PARAMETER);
         return INVALID_FILE_SIZE;
     }
-    // A size may end in the same bits as the mark of failure; then only the last error tells them apart.
-    SetLastError(ERROR_SUCCESS);
     return static_cast<DWORD>(*size);
 }
 
 BOOL DeleteFileA(LPCSTR name) {
-    using namespace kernel;
-    if (!name) {
-        return Fail(ERROR_INVALID_PARAMETER);
-    }
-    const std::string path = LinuxPath(name);
-    return unlink(path.c_str()) == 0 ? TRUE : Fail(PathError(path, errno));
+    return unlink(kernel::LinuxPath(name).c_str()) == 0;
 }
 
 DWORD GetCurrentDirectoryA(DWORD size, LPSTR buffer) {
     using namespace kernel;
     const std::unique_ptr<char, void (*)(void*)> folder(getcwd(nullptr, 0), std::free);
     if (!folder) {
-        Fail(ErrorFromErrno(errno));
         return 0;
     }
     // A folder that the code page cannot name has this other name for as long as the process does not leave it.

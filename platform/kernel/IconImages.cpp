@@ -1,4 +1,4 @@
-// The images of icons from resources: a picture without compression, and below it a mask of one bit a pixel.
+// The images of icons from resources: a picture of 16 or 256 colours, and below it a mask of one bit a pixel.
 #include <cstdlib>
 
 #include "Templates.h"
@@ -26,17 +26,9 @@ public:
           bytes(reader.Take(stride * height)),
           bitsPerPixel(bitsPerPixel) {}
 
-    // The number that is stored for a pixel, of 1, 4, 8, 24 or 32 bits.
+    // The number that is stored for a pixel, of 1, 4 or 8 bits.
     std::uint32_t At(std::size_t x, std::size_t y) const {
         const Bytes row = bytes.subspan((height - 1 - y) * stride, stride);
-        if (bitsPerPixel >= 8) {
-            ByteReader pixel(row.subspan(x * bitsPerPixel / 8, bitsPerPixel / 8));
-            std::uint32_t value = 0;
-            for (unsigned shift = 0; shift < bitsPerPixel; shift += 8) {
-                value |= std::uint32_t{pixel.U8()} << shift;
-            }
-            return value;
-        }
         const std::size_t bit = x * bitsPerPixel;
         const auto byte = std::to_integer<std::uint32_t>(row[bit / 8]);
         return (byte >> (8 - bitsPerPixel - bit % 8)) & ((1u << bitsPerPixel) - 1);
@@ -62,7 +54,7 @@ std::optional<Header> ReadHeader(ByteReader& reader) {
     reader.Skip(4);
 
     const unsigned bits = header.bitsPerPixel;
-    const bool knownDepth = bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
+    const bool knownDepth = bits == 4 || bits == 8;
     if (reader.Failed() || size != kHeaderSize || planes != 1 || compression != 0 || !knownDepth) {
         return std::nullopt;
     }
@@ -74,27 +66,13 @@ std::optional<Header> ReadHeader(ByteReader& reader) {
 
 std::vector<std::uint32_t> ReadPalette(ByteReader& reader, const Header& header) {
     std::vector<std::uint32_t> palette;
-    if (header.bitsPerPixel > 8) {
-        return palette;
-    }
     const std::uint32_t possible = 1u << header.bitsPerPixel;
     const std::uint32_t count = header.coloursUsed == 0 || header.coloursUsed > possible ? possible : header.coloursUsed;
     for (std::uint32_t i = 0; i < count; ++i) {
-        palette.push_back(reader.U32() & 0xFFFFFF);
+        palette.push_back(reader.U32() | kOpaque);
     }
-    palette.resize(possible);  // A pixel may name a colour that is not there; it is black.
+    palette.resize(possible, kOpaque);  // A pixel may name a colour that is not there; it is black.
     return palette;
-}
-
-bool HasAlpha(const Rows& picture, const IconImage& image) {
-    for (int y = 0; y < image.height; ++y) {
-        for (int x = 0; x < image.width; ++x) {
-            if (picture.At(static_cast<std::size_t>(x), static_cast<std::size_t>(y)) & kOpaque) {
-                return true;
-            }
-        }
-    }
-    return false;
 }
 
 std::optional<IconImage> ParseIcon(Bytes bytes) {
@@ -114,16 +92,11 @@ std::optional<IconImage> ParseIcon(Bytes bytes) {
     image.width = header->width;
     image.height = header->height;
     image.bitsPerPixel = static_cast<int>(header->bitsPerPixel);
-    // 32 bits without any alpha are an old picture with a mask.
-    const bool alpha = header->bitsPerPixel == 32 && HasAlpha(picture, image);
     for (int row = 0; row < image.height; ++row) {
         for (int column = 0; column < image.width; ++column) {
             const auto x = static_cast<std::size_t>(column);
             const auto y = static_cast<std::size_t>(row);
-            const std::uint32_t stored = picture.At(x, y);
-            const std::uint32_t colour = palette.empty() ? stored : palette[stored];
-            const bool transparent = mask.At(x, y) != 0;
-            image.pixels.push_back(transparent ? 0 : alpha ? colour : (colour & ~kOpaque) | kOpaque);
+            image.pixels.push_back(mask.At(x, y) != 0 ? 0 : palette[picture.At(x, y)]);
         }
     }
     return image;

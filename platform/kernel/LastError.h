@@ -5,9 +5,6 @@
 
 namespace kernel {
 
-// The code that stands for an errno value; ERROR_GEN_FAILURE where there is no better one.
-DWORD ErrorFromErrno(int error);
-
 // Sets the last error. Gives FALSE, so that a failing call ends with `return Fail(...)`.
 BOOL Fail(DWORD error);
 

@@ -1,12 +1,12 @@
-// The libraries that stand behind LoadLibraryA: parts of the layer itself.
+// The library that stands behind LoadLibraryA: a part of the layer itself.
 #pragma once
 
 #include "win/resources.h"
 
 namespace kernel {
 
-// From now on LoadLibraryA finds a library of that name (without a path, in capital or small letters), and GetProcAddress
-// the function by its ordinal. More ordinals for the same name add up. Any thread.
+// From now on LoadLibraryA finds a library of that name (without a path, in capital or small letters), which stays, and
+// GetProcAddress its one function by the ordinal. Before the program begins.
 void RegisterLibrary(LPCSTR name, WORD ordinal, FARPROC function);
 
 }  // namespace kernel

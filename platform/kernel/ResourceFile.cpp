@@ -6,15 +6,15 @@ namespace {
 
 constexpr unsigned kNumberFollows = 0xFFFF;
 
-ResourceId ReadId(ByteReader& reader) {
-    ResourceId id;
-    const char16_t first = reader.U16();
+std::uint16_t ReadNumber(ByteReader& reader) {
+    const std::uint16_t first = reader.U16();
     if (first == kNumberFollows) {
-        id.number = reader.U16();
-    } else if (first != 0) {
-        id.name = first + reader.Text();
+        return reader.U16();
     }
-    return id;
+    if (first != 0) {
+        reader.Text();
+    }
+    return 0;
 }
 
 }  // namespace
@@ -31,8 +31,8 @@ std::vector<Resource> ReadResourceFile(Bytes file) {
         // Both sizes are multiples of four before this header, so it may count its padding from its own start.
         ByteReader header(reader.Take(headerSize - 8));
         Resource resource;
-        resource.type = ReadId(header);
-        resource.name = ReadId(header);
+        resource.type = ReadNumber(header);
+        resource.name = ReadNumber(header);
         header.Align();
         header.Skip(4 + 2);  // The version of the data, and flags that no longer mean anything.
         resource.language = header.U16();
@@ -42,7 +42,7 @@ std::vector<Resource> ReadResourceFile(Bytes file) {
             break;
         }
         // The file begins with an empty resource of type 0, which marks the format.
-        if (resource.type != ResourceId()) {
+        if (resource.type != 0) {
             resources.push_back(std::move(resource));
         }
     }

@@ -2,24 +2,16 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "ByteReader.h"
 
 namespace kernel {
 
-// What a type or a resource is called: a name in capital letters, or a number if the name is empty.
-struct ResourceId {
-    std::uint16_t number = 0;
-    std::u16string name;
-
-    bool operator==(const ResourceId&) const = default;
-};
-
+// Type and name are numbers; 0 stands for one in letters, which nobody asks for.
 struct Resource {
-    ResourceId type;
-    ResourceId name;
+    std::uint16_t type = 0;
+    std::uint16_t name = 0;
     std::uint16_t language = 0;
     Bytes data;
 };

@@ -2,7 +2,6 @@
 #include "Resources.h"
 
 #include <atomic>
-#include <charconv>
 #include <cstring>
 
 #include "CodePage.h"
@@ -30,47 +29,22 @@ const std::vector<Resource>& ProgramResources() {
     return resources;
 }
 
-// Type 0 is no resource's: what is no name at all leads nowhere.
-ResourceId IdOf(LPCSTR name) {
-    ResourceId id;
-    const auto value = reinterpret_cast<ULONG_PTR>(name);
-    if (value <= 0xFFFF) {
-        id.number = static_cast<WORD>(value);
-    } else if (name[0] == '#') {
-        std::from_chars(name + 1, name + std::strlen(name), id.number);
-    } else {
-        for (const char* c = name; *c; ++c) {
-            id.name += static_cast<char16_t>(*c >= 'a' && *c <= 'z' ? *c - 'a' + 'A' : static_cast<unsigned char>(*c));
-        }
-    }
-    return id;
-}
-
 // Language 0: the user's, else the first that there is.
-const Resource* Find(const ResourceId& type, const ResourceId& name, WORD language) {
-    bool typeKnown = false;
-    const Resource* found = nullptr;
+const Resource* Find(LPCSTR type, LPCSTR name, WORD language) {
+    const Resource* other = nullptr;
     const WORD wanted = language != 0 ? language : ResourceLanguage();
     for (const Resource& resource : ProgramResources()) {
-        if (resource.type != type) {
-            continue;
-        }
-        typeKnown = true;
-        if (resource.name != name) {
+        if (MAKEINTRESOURCEA(resource.type) != type || MAKEINTRESOURCEA(resource.name) != name) {
             continue;
         }
         if (resource.language == wanted) {
             return &resource;
         }
-        if (!found) {
-            found = &resource;
+        if (!other && language == 0) {
+            other = &resource;
         }
     }
-    if (found && language == 0) {
-        return found;
-    }
-    Fail(found ? ERROR_RESOURCE_LANG_NOT_FOUND : typeKnown ? ERROR_RESOURCE_NAME_NOT_FOUND : ERROR_RESOURCE_TYPE_NOT_FOUND);
-    return nullptr;
+    return other;
 }
 
 // The resource of a handle, or none if no search has given such a handle.
@@ -108,7 +82,7 @@ void SetResourceLanguage(WORD language) {
 }
 
 Bytes ResourceBytes(LPCSTR name, LPCSTR type) {
-    const Resource* resource = Find(IdOf(type), IdOf(name), 0);
+    const Resource* resource = Find(type, name, 0);
     return resource ? resource->data : Bytes();
 }
 
@@ -119,14 +93,10 @@ std::vector<IconImage> IconImages(LPCSTR name) {
 
 }  // namespace kernel
 
-HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type) {
-    return FindResourceExA(module, type, name, 0);
-}
-
 // Whatever module is asked for, the program's resources answer: nothing else has any.
 HRSRC FindResourceExA(HMODULE, LPCSTR type, LPCSTR name, WORD language) {
     using namespace kernel;
-    return reinterpret_cast<HRSRC>(const_cast<Resource*>(Find(IdOf(type), IdOf(name), language)));
+    return reinterpret_cast<HRSRC>(const_cast<Resource*>(Find(type, name, language)));
 }
 
 HGLOBAL LoadResource(HMODULE, HRSRC resource) {

@@ -17,7 +17,7 @@ WORD ResourceLanguage();
 // language is given in the first one that has it.
 void SetResourceLanguage(WORD language);
 
-// What FindResourceA, LoadResource and LockResource find; empty, with the last error, if there is none.
+// What FindResourceExA, LoadResource and LockResource find; empty if there is none.
 Bytes ResourceBytes(LPCSTR name, LPCSTR type);
 
 // The images of an icon group, in its order; empty if there is none. 0 stands for no name. Any thread.

@@ -73,14 +73,14 @@ std::optional<std::vector<ACCEL>> ParseAccelerators(Bytes resource);
 struct IconImage {
     int width = 0;
     int height = 0;
-    int bitsPerPixel = 0;               // Of the resource: 1, 4, 8, 24 or 32.
+    int bitsPerPixel = 0;               // Of the resource: 4 or 8.
     std::vector<std::uint32_t> pixels;  // 0xAARRGGBB, not premultiplied, row by row from the top; the mask is in the alpha.
 };
 
 // The bytes of the icon with that number (RT_ICON), or nothing.
 using IconBytes = std::function<Bytes(WORD id)>;
 
-// The images of a group, in its order; those that are missing or damaged are left out.
+// The images of a group, in its order; those that are missing, damaged or of another depth are left out.
 std::vector<IconImage> ParseIconGroup(Bytes group, const IconBytes& iconBytes);
 
 // --- Strings -------------------------------------------------------------------------------------------------------------

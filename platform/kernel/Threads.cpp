@@ -1,7 +1,6 @@
 // Threads, and their local storage.
 #include <pthread.h>
 
-#include <array>
 #include <atomic>
 #include <new>
 
@@ -20,32 +19,21 @@ DWORD NewThreadId() {
     return gLastThreadId.fetch_add(4, std::memory_order_relaxed) + 4;
 }
 
-constexpr DWORD kFlsSlots = 128;
-// A callback may fill a slot that was emptied already; after so many rounds what it holds is given up.
+// After so many rounds what the callback puts into the slot is given up.
 constexpr int kFlsRounds = 4;
 
-std::atomic<DWORD> gFlsCount{0};
-std::array<std::atomic<PFLS_CALLBACK_FUNCTION>, kFlsSlots> gFlsCallbacks;
-thread_local std::array<LPVOID, kFlsSlots> tFlsValues{};
+std::atomic<PFLS_CALLBACK_FUNCTION> gFlsCallback{nullptr};
+thread_local LPVOID tFlsValue = nullptr;
 
-// One pass over the slots. Gives true if a callback has run.
-bool RunFlsCallbacksOnce() {
-    bool any = false;
-    const DWORD count = gFlsCount.load(std::memory_order_acquire);
-    for (DWORD i = 0; i < count && i < kFlsSlots; ++i) {
-        const PFLS_CALLBACK_FUNCTION callback = gFlsCallbacks[i].load(std::memory_order_acquire);
-        LPVOID value = tFlsValues[i];
-        if (!value || !callback) {
-            continue;
-        }
+void RunFlsCallback() {
+    for (int round = 0; round < kFlsRounds && tFlsValue; ++round) {
         // The callback still finds its own value, as on Windows, and the slot is empty afterwards.
-        callback(value);
-        if (tFlsValues[i] == value) {
-            tFlsValues[i] = nullptr;
+        LPVOID value = tFlsValue;
+        gFlsCallback.load()(value);
+        if (tFlsValue == value) {
+            tFlsValue = nullptr;
         }
-        any = true;
     }
-    return any;
 }
 
 class Thread final : public Waitable {
@@ -57,7 +45,7 @@ public:
     void Run() {
         tThreadId = id;
         start(parameter);
-        for (int round = 0; round < kFlsRounds && RunFlsCallbacksOnce(); ++round) {}
+        RunFlsCallback();
         Signal();
     }
 
@@ -128,32 +116,17 @@ DWORD GetCurrentThreadId() {
 }
 
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback) {
-    using namespace kernel;
-    DWORD index = gFlsCount.load();
-    do {
-        if (index == kFlsSlots) {
-            Fail(ERROR_NOT_ENOUGH_MEMORY);
-            return FLS_OUT_OF_INDEXES;
-        }
-    } while (!gFlsCount.compare_exchange_weak(index, index + 1));
-    gFlsCallbacks[index].store(callback, std::memory_order_release);
-    return index;
+    if (kernel::gFlsCallback.exchange(callback)) {
+        kernel::Unsupported("a second slot of thread-local storage");
+    }
+    return 0;
 }
 
-LPVOID FlsGetValue(DWORD index) {
-    using namespace kernel;
-    if (index >= gFlsCount.load(std::memory_order_acquire)) {
-        Fail(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return tFlsValues[index];
+LPVOID FlsGetValue(DWORD) {
+    return kernel::tFlsValue;
 }
 
-BOOL FlsSetValue(DWORD index, LPVOID value) {
-    using namespace kernel;
-    if (index >= gFlsCount.load(std::memory_order_acquire)) {
-        return Fail(ERROR_INVALID_PARAMETER);
-    }
-    tFlsValues[index] = value;
+BOOL FlsSetValue(DWORD, LPVOID value) {
+    kernel::tFlsValue = value;
     return TRUE;
 }

@@ -69,11 +69,6 @@ void Waitable::Signal() {
     }
 }
 
-void Waitable::Reset() {
-    const std::lock_guard guard(lock);
-    signalled = false;
-}
-
 bool Waitable::Enter(WaitEntry& entry) {
     const std::lock_guard guard(lock);
     if (signalled) {
@@ -120,15 +115,6 @@ BOOL SetEvent(HANDLE event) {
         return FALSE;
     }
     object->Signal();
-    return TRUE;
-}
-
-BOOL ResetEvent(HANDLE event) {
-    const auto object = kernel::FindHandle<kernel::Event>(event);
-    if (!object) {
-        return FALSE;
-    }
-    object->Reset();
     return TRUE;
 }
 

@@ -48,7 +48,6 @@ public:
 
     // Any thread. With autoReset exactly one waiter goes on, the one that waits longest; or, if there is none, the next.
     void Signal();
-    void Reset();
 
     // Puts the entry in line and gives true, unless the object is signalled, which claims the waiter, or the waiter is
     // claimed already.

@@ -36,7 +36,6 @@ MessageQueue* MessageQueue::Current() {
     queue = new (std::nothrow) MessageQueue;
     if (queue == nullptr || !queue->wait.IsUsable() || !FlsSetValue(slot, queue)) {
         delete queue;
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
     return queue;
@@ -46,7 +45,7 @@ void WINAPI MessageQueue::ThreadEnded(LPVOID object) {
     auto* queue = static_cast<MessageQueue*>(object);
     {
         const MessageLock state;
-        for (HWND window : state->windows.OwnedBy(*queue)) {
+        for (HWND window : state->windows.HandlesOf([=](const Window& one) { return &one.owner == queue; })) {
             queue->Purge(window);
             state->windows.Remove(window);
         }

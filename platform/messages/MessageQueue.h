@@ -33,7 +33,7 @@ struct SentMessage {
 // and a sleep is missed.
 class MessageQueue {
 public:
-    // The calling thread's queue, made now if need be; null, with the last error set, if the system has nothing left.
+    // The calling thread's queue, made now if need be; null if the system has nothing left.
     static MessageQueue* Current();
     // Runs at the end of a thread that has a queue: its windows are gone, and who waits for them is answered with 0.
     static void WINAPI ThreadEnded(LPVOID queue);

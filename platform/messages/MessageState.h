@@ -3,8 +3,9 @@
 
 #include <windows.h>
 
+#include "HandleTable.h"
+#include "Window.h"
 #include "WindowClasses.h"
-#include "WindowTable.h"
 
 // One lock guards the classes, the windows and what other threads touch of every queue: a send concerns two queues and a
 // window at once, and the lock is held only for a few pointer operations.
@@ -18,7 +19,7 @@ struct MessageState {
 
     CRITICAL_SECTION lock;
     WindowClasses classes;
-    WindowTable windows;
+    HandleTable<Window, HWND> windows;
     DWORD queueSlot;  // of the thread-local storage, holds the thread's MessageQueue; constant
 
 private:

@@ -9,11 +9,7 @@
 namespace {
 
 bool IsUsable(const MessageFilter& filter) {
-    if (!filter.NamesWindow() || IsWindow(filter.window)) {
-        return true;
-    }
-    SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return false;
+    return filter.window == nullptr || IsWindow(filter.window);
 }
 
 // A message that was fetched before its timer was killed or replaced must not call a procedure that may be gone.
@@ -81,10 +77,6 @@ void PostQuitMessage(int exitCode) {
 DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds, DWORD wakeMask) {
     assert(!waitAll);
     // The queue needs one place itself.
-    if (waitAll || count >= MAXIMUM_WAIT_OBJECTS) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return WAIT_FAILED;
-    }
-    MessageQueue* queue = MessageQueue::Current();
+    MessageQueue* queue = waitAll || count >= MAXIMUM_WAIT_OBJECTS ? nullptr : MessageQueue::Current();
     return queue != nullptr ? queue->Sleep(wakeMask, count, handles, milliseconds) : WAIT_FAILED;
 }

@@ -5,25 +5,9 @@
 #include "MessageState.h"
 
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    MessageQueue* own = nullptr;
-    if (window == nullptr) {
-        own = MessageQueue::Current();
-        if (own == nullptr) {
-            return FALSE;
-        }
-    }
     const MessageLock state;
     Window* target = state->windows.Find(window);
-    if (own == nullptr && target == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return FALSE;
-    }
-    MessageQueue& queue = own != nullptr ? *own : target->owner;
-    if (!queue.Post(window, message, wParam, lParam)) {
-        SetLastError(ERROR_NOT_ENOUGH_QUOTA);
-        return FALSE;
-    }
-    return TRUE;
+    return target != nullptr && target->owner.Post(window, message, wParam, lParam);
 }
 
 namespace {
@@ -38,7 +22,6 @@ LRESULT SendToOtherThread(HWND window, UINT message, WPARAM wParam, LPARAM lPara
         const MessageLock state;
         Window* target = state->windows.Find(window);
         if (target == nullptr) {
-            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
             return 0;
         }
         target->owner.AddSent(sent);
@@ -54,7 +37,6 @@ LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         const MessageLock state;
         const Window* target = state->windows.Find(window);
         if (target == nullptr) {
-            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
             return 0;
         }
         if (target->owner.IsCurrent()) {

@@ -13,15 +13,7 @@ MessageQueue* QueueFor(HWND window) {
     }
     const MessageLock state;
     Window* target = state->windows.Find(window);
-    if (target == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return nullptr;
-    }
-    if (!target->owner.IsCurrent()) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return nullptr;
-    }
-    return &target->owner;
+    return target != nullptr && target->owner.IsCurrent() ? &target->owner : nullptr;
 }
 
 }  // namespace
@@ -42,12 +34,5 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT periodMs, TIMERPROC procedure) 
 
 BOOL KillTimer(HWND window, UINT_PTR id) {
     MessageQueue* queue = QueueFor(window);
-    if (queue == nullptr) {
-        return FALSE;
-    }
-    if (!queue->timers.Kill(window, id)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    return TRUE;
+    return queue != nullptr && queue->timers.Kill(window, id);
 }

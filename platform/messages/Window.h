@@ -24,7 +24,6 @@ public:
     bool GetLong(int index, LONG_PTR& value) const;
     bool SetLong(int index, LONG_PTR value, LONG_PTR& previous);
 
-    HWND handle = nullptr;  // given by the table
     WindowClass& windowClass;
     MessageQueue& owner;  // the queue of the thread that made the window
     HWND parent;

@@ -10,7 +10,6 @@
 struct WindowClass {
     std::string name;       // in one case, to be found by
     std::string shownName;  // as it was given
-    ATOM atom = 0;
     WNDPROC procedure = nullptr;
     int windowExtra = 0;  // bytes beside each window, not negative
     UINT style = 0;
@@ -23,13 +22,13 @@ struct WindowClass {
 // Every call wants the lock of MessageState. A class stays at its address until it is removed.
 class WindowClasses {
 public:
-    // Gives the atom, 0xC000 or more, or 0 with the last error set.
+    // 0 if it cannot be; else a number that stands for no class: nobody asks for one by its atom.
     ATOM Add(const WNDCLASSEXA& description);
 
-    // The name is a text, compared without regard to case, or an atom in place of the pointer. Null if there is none.
+    // Compares without regard to case. Null if there is none.
     WindowClass* Find(LPCSTR name) const;
 
-    // False, with the last error set, for an unknown class and for one that has windows.
+    // False for an unknown class and for one that has windows.
     bool Remove(LPCSTR name);
 
 private:

@@ -25,15 +25,7 @@ HWND MakeWindow(const CREATESTRUCTA& create) {
     }
     const MessageLock state;
     WindowClass* windowClass = state->classes.Find(create.lpszClass);
-    if (windowClass == nullptr) {
-        SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
-        return nullptr;
-    }
-    HWND handle = state->windows.Add(std::make_unique<Window>(*windowClass, *queue, create));
-    if (handle == nullptr) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    }
-    return handle;
+    return windowClass != nullptr ? state->windows.Add(std::make_unique<Window>(*windowClass, *queue, create)) : nullptr;
 }
 
 void EndWindow(HWND window) {
@@ -83,23 +75,14 @@ HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD s
     MessageQueue* queue = MessageQueue::Current();
     Screen* screen = queue != nullptr ? queue->GetScreen() : nullptr;
     assert(screen != nullptr);
-    if (screen == nullptr) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return screen->CreateScreenWindow(create);
+    return screen != nullptr ? screen->CreateScreenWindow(create) : nullptr;
 }
 
 BOOL DestroyWindow(HWND window) {
     {
         const MessageLock state;
         Window* found = state->windows.Find(window);
-        if (found == nullptr) {
-            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-            return FALSE;
-        }
-        if (!found->owner.IsCurrent()) {
-            SetLastError(ERROR_ACCESS_DENIED);
+        if (found == nullptr || !found->owner.IsCurrent()) {
             return FALSE;
         }
         // The call that is under way ends the window.
@@ -123,41 +106,24 @@ BOOL IsWindow(HWND window) {
     return state->windows.Find(window) != nullptr;
 }
 
-DWORD GetWindowThreadProcessId(HWND window, LPDWORD processId) {
+DWORD GetWindowThreadProcessId(HWND window, [[maybe_unused]] LPDWORD processId) {
     // The kernel has no call that names the process.
     assert(processId == nullptr);
-    if (processId != nullptr) {
-        *processId = 0;
-    }
     const MessageLock state;
     const Window* found = state->windows.Find(window);
-    if (found == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return 0;
-    }
-    return found->owner.ThreadId();
+    return found != nullptr ? found->owner.ThreadId() : 0;
 }
 
 LONG_PTR GetWindowLongPtrA(HWND window, int index) {
     const MessageLock state;
     const Window* found = state->windows.Find(window);
     LONG_PTR value = 0;
-    if (found == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    } else if (!found->GetLong(index, value)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-    }
-    return value;
+    return found != nullptr && found->GetLong(index, value) ? value : 0;
 }
 
 LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value) {
     const MessageLock state;
     Window* found = state->windows.Find(window);
     LONG_PTR previous = 0;
-    if (found == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    } else if (!found->SetLong(index, value, previous)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-    }
-    return previous;
+    return found != nullptr && found->SetLong(index, value, previous) ? previous : 0;
 }

@@ -15,7 +15,6 @@ public:
 
     // Lets all waiters go, or, with automatic reset, one of them, drawn from the seed.
     void Set();
-    void Reset() { signalled = false; }
 
 private:
     void Release(SimThread& waiter);

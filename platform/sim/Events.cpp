@@ -57,13 +57,3 @@ BOOL SetEvent(HANDLE handle) {
     sim::SchedulingPoint();
     return TRUE;
 }
-
-BOOL ResetEvent(HANDLE handle) {
-    sim::SchedulingPoint();
-    const auto event = sim::FindObject<Event>(handle, KernelObject::Kind::kEvent);
-    if (event == nullptr) {
-        return FALSE;
-    }
-    event->Reset();
-    return TRUE;
-}

@@ -1,65 +1,36 @@
-// Slots of thread-local storage. They belong to the process: a program takes its slots once, in static variables, and uses
-// them in every run.
+// The slot of thread-local storage. It belongs to the process: a program takes it once, in a static variable, and uses it in
+// every run.
 #include "FiberLocalStorage.h"
 
 #include <windows.h>
 
 #include <utility>
-#include <vector>
 
 #include "Scheduler.h"
 
 namespace {
 
-std::vector<PFLS_CALLBACK_FUNCTION>& Callbacks() {
-    static auto& callbacks = *new std::vector<PFLS_CALLBACK_FUNCTION>;
-    return callbacks;
-}
+PFLS_CALLBACK_FUNCTION slotCallback = nullptr;
 
 }  // namespace
 
 void sim::fiberlocals::ThreadEnds() {
     constexpr int kMostPasses = 4;
-    for (int pass = 0; pass < kMostPasses && ClearOnce(); ++pass) {}
-}
-
-// True if there was anything to clear. By index, since a callback may set a slot again.
-bool sim::fiberlocals::ClearOnce() {
-    bool any = false;
-    for (std::size_t i = 0; i < Self().localStorage.size(); ++i) {
-        LPVOID value = std::exchange(Self().localStorage[i], nullptr);
-        if (value != nullptr && Callbacks()[i] != nullptr) {
-            Callbacks()[i](value);
-            any = true;
-        }
+    for (int pass = 0; pass < kMostPasses && Self().localStorage != nullptr; ++pass) {
+        slotCallback(std::exchange(Self().localStorage, nullptr));
     }
-    return any;
 }
 
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback) {
-    Callbacks().push_back(callback);
-    return static_cast<DWORD>(Callbacks().size() - 1);
+    slotCallback = callback;
+    return 0;
 }
 
-LPVOID FlsGetValue(DWORD index) {
-    const std::vector<LPVOID>& values = sim::Self().localStorage;
-    if (index < values.size()) {
-        SetLastError(ERROR_SUCCESS);  // null is a value too
-        return values[index];
-    }
-    SetLastError(index < Callbacks().size() ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER);
-    return nullptr;
+LPVOID FlsGetValue(DWORD) {
+    return sim::Self().localStorage;
 }
 
-BOOL FlsSetValue(DWORD index, LPVOID value) {
-    if (index >= Callbacks().size()) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    std::vector<LPVOID>& values = sim::Self().localStorage;
-    if (index >= values.size()) {
-        values.resize(index + std::size_t{1});
-    }
-    values[index] = value;
+BOOL FlsSetValue(DWORD, LPVOID value) {
+    sim::Self().localStorage = value;
     return TRUE;
 }

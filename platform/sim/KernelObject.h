@@ -41,7 +41,6 @@ public:
     // Null for a handle that is none or was closed.
     std::shared_ptr<KernelObject> Find(HANDLE handle) const;
     bool Close(HANDLE handle);
-    std::size_t OpenCount() const { return slots.size() - freeSlots.size(); }
 
 private:
     struct Slot {

@@ -19,7 +19,6 @@ struct LockData {
     SimThread* firstWaiter;
     std::uint32_t waiterCount;
     std::uint32_t depth;
-    bool forbidsBlocking;
 
     static constexpr std::uint32_t kMagic = 0x4C4F434B;
 

@@ -60,7 +60,7 @@ using sim::SimThread;
 
 // No scheduling point here: static variables are made under a guard of the compiler's, on which a second thread would hang.
 void InitializeCriticalSection(LPCRITICAL_SECTION section) {
-    new (section->storage) LockData{LockData::kMagic, ++sim::lastLockNumber, 0, nullptr, 0, 0, false};
+    new (section->storage) LockData{LockData::kMagic, ++sim::lastLockNumber, 0, nullptr, 0, 0};
 }
 
 void DeleteCriticalSection(LPCRITICAL_SECTION section) {
@@ -98,7 +98,6 @@ void EnterCriticalSection(LPCRITICAL_SECTION section) {
     lock->owner = self.serial;
     lock->depth = 1;
     ++self.heldLocks;
-    self.heldLocksThatForbidBlocking += lock->forbidsBlocking ? 1 : 0;
 }
 
 void LeaveCriticalSection(LPCRITICAL_SECTION section) {
@@ -116,7 +115,6 @@ void LeaveCriticalSection(LPCRITICAL_SECTION section) {
     }
     lock->owner = 0;
     --self.heldLocks;
-    self.heldLocksThatForbidBlocking -= lock->forbidsBlocking ? 1 : 0;
     if (lock->firstWaiter != nullptr) {
         Scheduler* scheduler = Scheduler::Current();
         scheduler->Wake(lock->WaiterAt(scheduler->decisions.Below(lock->waiterCount)), WAIT_OBJECT_0);

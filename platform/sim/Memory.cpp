@@ -3,19 +3,9 @@
 
 #include <cstdlib>
 
-#include "Scheduler.h"
-
 HLOCAL LocalAlloc(UINT flags, SIZE_T bytes) {
-    sim::Scheduler* scheduler = sim::Scheduler::Current();
-    void* block = nullptr;
-    if (scheduler == nullptr || !scheduler->AllocationFails()) {
-        const SIZE_T size = bytes == 0 ? 1 : bytes;  // a block of no bytes is a block all the same
-        block = (flags & LMEM_ZEROINIT) != 0 ? std::calloc(1, size) : std::malloc(size);
-    }
-    if (block == nullptr) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    }
-    return block;
+    const SIZE_T size = bytes == 0 ? 1 : bytes;  // a block of no bytes is a block all the same
+    return (flags & LMEM_ZEROINIT) != 0 ? std::calloc(1, size) : std::malloc(size);
 }
 
 HLOCAL LocalFree(HLOCAL block) {

@@ -19,7 +19,7 @@ public:
 
     // False for a port that is absent, unplugged or taken; the last error is set.
     bool Open(SerialLine& newLine);
-    // The plug was pulled, a write took too long, or the simulation is gone.
+    // The plug was pulled, a write was rejected, or the simulation is gone.
     void Die() { line = nullptr; }
     // False, with that last error, for a dead port.
     bool IsAlive(DWORD error) const;
@@ -32,8 +32,6 @@ public:
     DCB state = {};
 
 private:
-    bool WaitForDriver();
-
     SerialLine* line = nullptr;  // null once the port is dead
 };
 

@@ -191,7 +191,7 @@ std::shared_ptr<ThreadObject> Scheduler::Start(std::function<void()> program, st
     thread.name = name.empty() ? "thread " + std::to_string(thread.id) : std::string(name);
     thread.program = std::move(program);
     thread.lastError = ERROR_SUCCESS;
-    thread.localStorage.clear();
+    thread.localStorage = nullptr;
     thread.object = std::make_shared<ThreadObject>(thread.id);
     thread.fiber = std::make_unique<Fiber>(RunProgram, &thread);
     MakeReady(thread);
@@ -352,10 +352,6 @@ void Scheduler::At(std::uint64_t timeUs, std::function<void()> callback) {
 
 void Scheduler::Note(std::string_view text) {
     trace.Note(now, running == nullptr ? 0 : running->id, text);
-}
-
-bool Scheduler::AllocationFails() {
-    return faults.memoryFailure > 0 && running != nullptr && chances.Chance(faults.memoryFailure);
 }
 
 bool Scheduler::IsOnThread() const {

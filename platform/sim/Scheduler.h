@@ -34,7 +34,7 @@ public:
     bool ended = false;
 };
 
-enum class ThreadState { kEnded, kReady, kRunning, kSleeping, kStalled, kWriting, kWaitingForLock, kWaitingForObjects };
+enum class ThreadState { kEnded, kReady, kRunning, kSleeping, kStalled, kWaitingForLock, kWaitingForObjects };
 
 // A thread of the program, or the stand-in for the code outside of a run. Used again for another thread once it has ended.
 struct SimThread {
@@ -55,9 +55,8 @@ struct SimThread {
     SimThread* nextForLock = nullptr;
 
     int heldLocks = 0;
-    int heldLocksThatForbidBlocking = 0;
     DWORD lastError = 0;
-    std::vector<LPVOID> localStorage;  // by FLS index; shorter where nothing was set
+    LPVOID localStorage = nullptr;
 };
 
 // The thread that runs, or the stand-in.
@@ -95,8 +94,6 @@ public:
     DWORD Block(ThreadState state, std::uint64_t untilUs);
     // For a time that the program has asked for: with the lateness that is drawn for every such wake-up.
     DWORD BlockFor(ThreadState state, std::uint64_t untilUs);
-    // Ends the run if the caller holds a lock that forbids to block.
-    void CheckMayBlock(std::string_view what);
     // Ends the run if the caller, which is about to block without a time, closes a circle.
     void CheckCircle();
 
@@ -104,7 +101,6 @@ public:
     void Wake(SimThread& thread, DWORD result);
     void At(std::uint64_t timeUs, std::function<void()> callback);
     void Note(std::string_view text);
-    bool AllocationFails();
     bool IsOnThread() const;
     void FaultsChanged();
 

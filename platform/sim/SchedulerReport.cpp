@@ -10,10 +10,8 @@ namespace sim {
 std::string Scheduler::Report() const {
     char numbers[200];
     std::snprintf(numbers, sizeof numbers,
-                  "seed %" PRIu64 ", jitterMs %u, switchChance %g, firstTick %u, codePage %u; %" PRIu64
-                  " switches, trace %016" PRIx64 "\n",
-                  options.seed, options.jitterMs, options.switchChance, options.firstTick, options.codePage, switches,
-                  trace.Hash());
+                  "seed %" PRIu64 ", jitterMs %u, switchChance %g, %" PRIu64 " switches, trace %016" PRIx64 "\n",
+                  options.seed, options.jitterMs, options.switchChance, switches, trace.Hash());
     std::string text = std::string("simulation: ") + OutcomeText() + " at " + TimeText(now);
     text += reason.empty() ? "\n" : ": " + reason + "\n";
     text += numbers;
@@ -42,7 +40,6 @@ std::string Scheduler::Describe(const SimThread& thread) const {
         case ThreadState::kRunning: return text + "runs";
         case ThreadState::kSleeping: text += "sleeps"; break;
         case ThreadState::kStalled: text += "is stalled"; break;
-        case ThreadState::kWriting: text += "writes to a port"; break;
         case ThreadState::kWaitingForLock: {
             const SimThread* owner = FindThread(thread.waitsForLock->owner);
             return text + "waits for " + thread.waitsForLock->Name() + ", held by " +
@@ -70,12 +67,6 @@ const char* Scheduler::OutcomeText() const {
         case Simulation::Outcome::kFailed: break;
     }
     return "failed";
-}
-
-void Scheduler::CheckMayBlock(std::string_view what) {
-    if (Self().heldLocksThatForbidBlocking != 0) {
-        Misuse("calls " + std::string(what) + " under a lock that forbids it");
-    }
 }
 
 void Scheduler::CheckCircle() {

@@ -11,7 +11,6 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint64_t kWriteDeadlineUs = 2'000'000;
 constexpr BYTE kByteSize = 8;
 constexpr DWORD kBaudRates[] = {110, 300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
 
@@ -61,17 +60,15 @@ bool PortObject::SetState(const DCB& newState) {
 
 bool PortObject::Write(std::string_view bytes) {
     Scheduler& scheduler = *Scheduler::Current();
-    const bool accepted = !line->rejectWrites && WaitForDriver();
-    if (line != nullptr) {
-        std::string text = line->name + (accepted ? " sends" : " rejects");
-        for (const char byte : bytes) {
-            constexpr char kDigits[] = "0123456789ABCDEF";
-            text += {' ', kDigits[static_cast<unsigned char>(byte) >> 4], kDigits[byte & 0xF]};
-        }
-        scheduler.Note(text);
-        if (line->observer) {
-            line->observer(bytes, scheduler.now, accepted);
-        }
+    const bool accepted = !line->rejectWrites;
+    std::string text = line->name + (accepted ? " sends" : " rejects");
+    for (const char byte : bytes) {
+        constexpr char kDigits[] = "0123456789ABCDEF";
+        text += {' ', kDigits[static_cast<unsigned char>(byte) >> 4], kDigits[byte & 0xF]};
+    }
+    scheduler.Note(text);
+    if (line->observer) {
+        line->observer(bytes, scheduler.now, accepted);
     }
     // The observer may have pulled the plug.
     if (!accepted || line == nullptr) {
@@ -86,20 +83,6 @@ bool PortObject::Write(std::string_view bytes) {
         line->Transmit(bytes);
     }
     return true;
-}
-
-bool PortObject::WaitForDriver() {
-    Scheduler& scheduler = *Scheduler::Current();
-    const std::uint64_t delay = line->writeDelayUs;
-    if (delay == 0) {
-        return true;
-    }
-    scheduler.Block(ThreadState::kWriting, scheduler.now + std::min(delay, kWriteDeadlineUs));
-    if (line != nullptr && delay >= kWriteDeadlineUs) {
-        line->Closed(*this);
-        Die();
-    }
-    return line != nullptr;
 }
 
 std::size_t PortObject::Read(char* buffer, std::size_t size) {
@@ -164,9 +147,6 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD read, LPOVERLAPPE
 
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD count, LPDWORD written, LPOVERLAPPED overlapped) {
     sim::SchedulingPoint();
-    if (sim::Scheduler* scheduler = sim::Scheduler::Current()) {
-        scheduler->CheckMayBlock("WriteFile");
-    }
     const auto port = Port(file);
     if (written != nullptr) {
         *written = 0;

@@ -37,15 +37,11 @@ public:
     // its way is lost.
     void Unplug();
     void Plug();
-    bool IsPlugged() const { return plugged; }
-    bool IsOpen() const { return open != nullptr; }
 
     // Another program has the port: opening it fails. An open port is not touched.
     void SetBusy(bool newBusy) { busy = newBusy; }
     // Every write fails, and the line hears nothing of it.
     void RejectWrites(bool newReject) { rejectWrites = newReject; }
-    // Each WriteFile takes so long; from two seconds on it fails after two seconds, and the port is dead.
-    void SlowWrites(std::uint64_t newDelayUs) { writeDelayUs = newDelayUs; }
     // Called for each WriteFile that reaches a live port, by the writing thread and before the peer hears of it; must not
     // wait.
     void OnWrite(WriteObserver newObserver) { observer = std::move(newObserver); }
@@ -90,7 +86,6 @@ private:
     bool plugged = true;
     bool busy = false;
     bool rejectWrites = false;
-    std::uint64_t writeDelayUs = 0;
     WriteObserver observer;
 
     std::uint64_t byteTime;        // nanoseconds

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "LockData.h"
 #include "PortObject.h"
 #include "Scheduler.h"
 
@@ -72,28 +71,6 @@ SerialLine& Simulation::AttachPort(std::string_view name, SerialPeer* peer) {
     }
     scheduler->lines[index] = std::make_unique<SerialLine>(*scheduler, peer, name);
     return *scheduler->lines[index];
-}
-
-void Simulation::ForbidBlockingUnder(CRITICAL_SECTION* section) {
-    sim::LockData* lock = sim::LockData::Of(section, "marks");
-    if (lock == nullptr) {
-        return;
-    }
-    if (lock->owner != 0) {
-        sim::Misuse("marks " + lock->Name() + " while it is held");
-        return;
-    }
-    lock->forbidsBlocking = true;
-}
-
-void Simulation::NameThread(std::string_view name) {
-    if (sim::Scheduler::Current() != nullptr && sim::Scheduler::Current()->IsOnThread()) {
-        sim::Self().name = name;
-    }
-}
-
-std::size_t Simulation::OpenHandles() {
-    return sim::HandleTable::Get().OpenCount();
 }
 
 int Simulation::PeriodsHeld() const {

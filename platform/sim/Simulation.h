@@ -32,8 +32,6 @@ public:
         std::uint64_t seed = 1;
         DWORD jitterMs = 1;             // a wake-up by time is late by up to this, in steps of a quarter of one
         double switchChance = 0.1;      // 0 to 1: that a lock, event, port call or Shared access lets another thread go on
-        DWORD firstTick = 0;            // GetTickCount at virtual time 0
-        UINT codePage = 1252;           // 932 knows lead bytes
         std::size_t traceEvents = 200;  // how many of the last events Report shows
         std::uint64_t standstillPoints = 50'000'000;  // so many scheduling points at one moment of time end the run
     };
@@ -42,7 +40,6 @@ public:
     struct Faults {
         double stallChance = 0;    // at a scheduling point: the thread stands still ...
         DWORD stallMs = 0;         // ... for up to so long
-        double memoryFailure = 0;  // LocalAlloc gives 0
         double threadFailure = 0;  // CreateThread gives 0
     };
 
@@ -95,13 +92,6 @@ public:
 
     // A port "COM1" to "COM8" with the peer behind it, which outlives the simulation. All other ports are absent.
     SerialLine& AttachPort(std::string_view name, SerialPeer* peer);
-
-    // A Sleep, a WriteFile or a wait with a time under this lock is a misuse from now on. Nobody holds it at the call.
-    static void ForbidBlockingUnder(CRITICAL_SECTION* section);
-    // For reports: the name of the calling thread.
-    static void NameThread(std::string_view name);
-    // Handles that are open in the process, for tests of leaks.
-    static std::size_t OpenHandles();
 
     // Calls of timeBeginPeriod that have not seen their timeEndPeriod.
     int PeriodsHeld() const;

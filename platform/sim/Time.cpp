@@ -19,7 +19,6 @@ void Sleep(DWORD milliseconds) {
         sim::Misuse("sleeps where no time passes");
         return;
     }
-    scheduler->CheckMayBlock("Sleep");
     if (milliseconds == 0) {
         scheduler->Yield();
         return;
@@ -38,7 +37,7 @@ void Sleep(DWORD milliseconds) {
 DWORD GetTickCount() {
     sim::SchedulingPoint();
     const sim::Scheduler* scheduler = sim::Scheduler::Current();
-    return scheduler == nullptr ? 0 : static_cast<DWORD>(scheduler->options.firstTick + scheduler->now / 1000);
+    return scheduler == nullptr ? 0 : static_cast<DWORD>(scheduler->now / 1000);
 }
 
 MMRESULT timeBeginPeriod(UINT periodMs) {

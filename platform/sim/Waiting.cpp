@@ -56,9 +56,6 @@ DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, D
         return WAIT_FAILED;
     }
     Scheduler* scheduler = Scheduler::Current();
-    if (scheduler != nullptr && milliseconds != 0) {
-        scheduler->CheckMayBlock("a wait");
-    }
     Objects objects;
     objects.reserve(count);
     if (!FindWaitObjects(count, handles, objects)) {

@@ -68,8 +68,6 @@ void GiveMouse(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_LBUTTONDOWN: type = QEvent::MouseButtonPress, button = Qt::LeftButton; break;
         case WM_LBUTTONDBLCLK: type = QEvent::MouseButtonDblClick, button = Qt::LeftButton; break;
         case WM_LBUTTONUP: type = QEvent::MouseButtonRelease, button = Qt::LeftButton; break;
-        case WM_MBUTTONDOWN: type = QEvent::MouseButtonPress, button = Qt::MiddleButton; break;
-        case WM_MBUTTONUP: type = QEvent::MouseButtonRelease, button = Qt::MiddleButton; break;
         default: break;
     }
     QMouseEvent event(type, local, window->widget->mapToGlobal(local), button, ButtonsOf(wParam),

@@ -12,43 +12,27 @@ namespace desktop {
 
 namespace {
 
-struct Parts : ControlState {
+struct Fitting : ControlState {
     bool fitting = false;  // it is moving itself
-    std::vector<std::string> texts{std::string()};
 };
 
-Parts& PartsOf(ScreenWindow& window) {
+Fitting& FittingOf(ScreenWindow& window) {
     if (window.control == nullptr) {
-        window.control = std::make_unique<Parts>();
+        window.control = std::make_unique<Fitting>();
     }
-    return static_cast<Parts&>(*window.control);
+    return static_cast<Fitting&>(*window.control);
 }
 
-constexpr WPARAM kPartMask = 0xFF;
-
-LRESULT SetPartText(ScreenWindow& window, WPARAM part, const char* text) {
-    Parts& parts = PartsOf(window);
-    const std::size_t number = part & kPartMask;
-    if (number >= parts.texts.size()) {
-        return FALSE;
-    }
-    parts.texts[number] = text != nullptr ? text : "";
-    // Only the first part shows; the program has no others.
-    if (number == 0) {
-        static_cast<QStatusBar*>(window.widget)->showMessage(ToQString(parts.texts[0]));
-    }
+LRESULT SetPartText(ScreenWindow& window, const char* text) {
+    window.text = text;
+    static_cast<QStatusBar*>(window.widget)->showMessage(ToQString(window.text));
     return TRUE;
 }
 
-LRESULT GetPartText(ScreenWindow& window, WPARAM part, char* buffer) {
-    const Parts& parts = PartsOf(window);
-    if (part >= parts.texts.size()) {
-        return 0;
-    }
-    const std::string& text = parts.texts[part];
-    text.copy(buffer, text.size());
-    buffer[text.size()] = '\0';
-    return static_cast<LRESULT>(text.size());
+LRESULT GetPartText(const ScreenWindow& window, char* buffer) {
+    window.text.copy(buffer, window.text.size());
+    buffer[window.text.size()] = '\0';
+    return static_cast<LRESULT>(window.text.size());
 }
 
 // The bar knows its own place.
@@ -79,17 +63,18 @@ LRESULT CALLBACK StatusBarProc(HWND handle, UINT message, WPARAM wParam, LPARAM 
         case WM_CREATE: FitParent(handle); return 0;
         case WM_SIZE:
             // Its own change of size ends up here as well.
-            if (!PartsOf(*window).fitting) {
-                PartsOf(*window).fitting = true;
+            if (!FittingOf(*window).fitting) {
+                FittingOf(*window).fitting = true;
                 FitParent(handle);
                 if (ScreenWindow* after = Desktop::Get().Find(handle)) {
-                    PartsOf(*after).fitting = false;
+                    FittingOf(*after).fitting = false;
                 }
             }
             return 0;
-        case SB_SETPARTS: PartsOf(*window).texts.resize(std::max<WPARAM>(wParam, 1)); return TRUE;
-        case SB_SETTEXTA: return SetPartText(*window, wParam, reinterpret_cast<const char*>(lParam));
-        case SB_GETTEXTA: return GetPartText(*window, wParam, reinterpret_cast<char*>(lParam));
+        // The program has one part, with the number 0.
+        case SB_SETPARTS: return TRUE;
+        case SB_SETTEXTA: return SetPartText(*window, reinterpret_cast<const char*>(lParam));
+        case SB_GETTEXTA: return GetPartText(*window, reinterpret_cast<char*>(lParam));
         case WM_SETFONT: SetControlFont(*window, reinterpret_cast<HFONT>(wParam)); return 0;
         case WM_GETFONT: return reinterpret_cast<LRESULT>(window->font);
         default: return DefWindowProcA(handle, message, wParam, lParam);

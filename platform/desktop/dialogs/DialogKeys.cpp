@@ -67,9 +67,6 @@ void PressDefault(HWND dialog) {
 
 bool HandleKey(HWND dialog, const MSG& message) {
     const LRESULT code = SendMessageA(message.hwnd, WM_GETDLGCODE, message.wParam, reinterpret_cast<LPARAM>(&message));
-    if ((code & DLGC_WANTALLKEYS) != 0) {
-        return false;
-    }
     const bool shift = GetKeyState(VK_SHIFT) < 0;
     switch (message.wParam) {
         case VK_TAB:
@@ -102,7 +99,7 @@ bool IsMarked(HWND control, char letter) {
 
 bool HandleLetter(HWND dialog, const MSG& message) {
     const bool plain = message.message == WM_CHAR;
-    if (plain && (SendMessageA(message.hwnd, WM_GETDLGCODE, 0, 0) & (DLGC_WANTCHARS | DLGC_WANTALLKEYS)) != 0) {
+    if (plain && (SendMessageA(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_WANTCHARS) != 0) {
         return false;
     }
     const auto letter = static_cast<char>(std::tolower(static_cast<int>(message.wParam & 0xFF)));

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "Desktop.h"
-#include "LastError.h"
 #include "Placement.h"
 #include "Resources.h"
 #include "Text.h"
@@ -187,7 +186,7 @@ void FinishDialog(HWND dialog, LPARAM parameter, DWORD style) {
 
 void RegisterDialogClass() {
     // Room for DWLP_MSGRESULT, DWLP_DLGPROC and DWLP_USER.
-    AddClass("#32770", DefDlgProcA, kDoubleClicks, 3 * static_cast<int>(sizeof(LONG_PTR)));
+    AddClass("#32770", DefDlgProcA, kDoubleClicks, 2 * static_cast<int>(sizeof(LONG_PTR)));
 }
 
 OwnerDisabled::OwnerDisabled(HWND owner) {
@@ -324,11 +323,7 @@ LRESULT DefDlgProcA(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
 
 HWND CreateDialogParamA(HINSTANCE, LPCSTR resource, HWND parent, DLGPROC procedure, LPARAM parameter) {
     const auto dialog = kernel::ParseDialog(kernel::ResourceBytes(resource, RT_DIALOG));
-    if (!dialog) {
-        kernel::Fail(ERROR_RESOURCE_NAME_NOT_FOUND);
-        return nullptr;
-    }
-    return desktop::MakeFromTemplate(*dialog, parent, procedure, parameter);
+    return dialog ? desktop::MakeFromTemplate(*dialog, parent, procedure, parameter) : nullptr;
 }
 
 INT_PTR DialogBoxParamA(HINSTANCE instance, LPCSTR resource, HWND owner, DLGPROC procedure, LPARAM parameter) {
@@ -343,7 +338,7 @@ INT_PTR DialogBoxParamA(HINSTANCE instance, LPCSTR resource, HWND owner, DLGPROC
 BOOL EndDialog(HWND dialog, INT_PTR result) {
     desktop::DialogState* state = desktop::StateOf(dialog);
     if (state == nullptr) {
-        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
+        return FALSE;
     }
     state->ended = true;
     state->result = result;
@@ -354,16 +349,5 @@ BOOL EndDialog(HWND dialog, INT_PTR result) {
     ShowWindow(dialog, SW_HIDE);
     // The loop looks at the flag behind the next message.
     PostMessageA(dialog, WM_NULL, 0, 0);
-    return TRUE;
-}
-
-BOOL MapDialogRect(HWND dialog, LPRECT rect) {
-    const desktop::DialogState* state = desktop::StateOf(dialog);
-    if (state == nullptr) {
-        return kernel::Fail(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    const SIZE base = desktop::BaseUnits(state->font);
-    const RECT corner = desktop::ToPixels(rect->left, rect->top, rect->right, rect->bottom, base);
-    *rect = {corner.left, corner.top, corner.right - corner.left, corner.bottom - corner.top};
     return TRUE;
 }

@@ -57,11 +57,8 @@ QColor SystemColor(int index) {
     switch (index) {
         case COLOR_WINDOW: return palette.color(QPalette::Base);
         case COLOR_WINDOWTEXT: return palette.color(QPalette::Text);
-        case COLOR_HIGHLIGHT: return palette.color(QPalette::Highlight);
-        case COLOR_HIGHLIGHTTEXT: return palette.color(QPalette::HighlightedText);
         case COLOR_BTNFACE: return palette.color(QPalette::Window);
         case COLOR_BTNSHADOW: return ReadableShadow(palette);
-        case COLOR_GRAYTEXT: return palette.color(QPalette::Disabled, QPalette::Text);
         case COLOR_BTNTEXT: return palette.color(QPalette::WindowText);
         case COLOR_BTNHIGHLIGHT: return palette.color(QPalette::Light);
         default: assert(!"a system colour that the layer lacks"); return {0, 0, 0};

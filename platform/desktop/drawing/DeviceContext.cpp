@@ -100,11 +100,3 @@ COLORREF SetBkColor(HDC dc, COLORREF color) {
     DeviceContext* context = ContextOf(dc);
     return context != nullptr ? std::exchange(context->backgroundColor, color) : CLR_INVALID;
 }
-
-int SetBkMode(HDC dc, int mode) {
-    DeviceContext* context = ContextOf(dc);
-    if (context == nullptr || (mode != TRANSPARENT && mode != OPAQUE)) {
-        return 0;
-    }
-    return std::exchange(context->backgroundMode, mode);
-}

@@ -44,7 +44,6 @@ public:
     QPoint position{0, 0};
     COLORREF textColor = RGB(0, 0, 0);
     COLORREF backgroundColor = RGB(255, 255, 255);
-    int backgroundMode = OPAQUE;
 
 private:
     HGDIOBJ pen;

@@ -56,7 +56,6 @@ FontFace::FontFace(const LOGFONTA& description)
     internalLeading = std::max(0, Height() - font.pixelSize());
     externalLeading = std::max(0, qRound(first.leading()));
     averageWidth = std::max(1, qRound(first.averageCharWidth()));
-    widest = std::max(averageWidth, qRound(first.maxCharWidth()));
     lineThickness = std::max(1, qRound(first.lineThickness()));
     underlineOffset = std::clamp(qRound(first.underlinePosition()), 1, std::max(1, descent - lineThickness));
     strikeOutOffset = std::max(1, ascent / 3);

@@ -47,7 +47,6 @@ public:
     int internalLeading = 0;
     int externalLeading = 0;
     int averageWidth = 0;
-    int widest = 0;
     int underlineOffset = 0;  // below the base line
     int strikeOutOffset = 0;  // above the base line
     int lineThickness = 0;

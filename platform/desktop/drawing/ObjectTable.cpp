@@ -3,82 +3,21 @@
 
 #include <array>
 #include <cassert>
-#include <deque>
-#include <utility>
-#include <vector>
+#include <cstring>
 
 #include "FontFace.h"
 #include "GdiObjects.h"
+#include "HandleTable.h"
 
 namespace drawing {
 namespace {
 
-constexpr std::size_t kMostObjects = 10'000;
-constexpr unsigned kLastGeneration = 0x7FFF;
-// Places are taken up again only while that many are free, so that a stale handle stays stale for long.
-constexpr std::size_t kFreeReserve = 64;
 constexpr int kSystemColors = 31;
-constexpr int kStockObjects = 18;
-
-// A handle holds the number of the object's place, from 1, in the low word and, in the high word, how often the place has
-// been given out. So it never looks like a system colour's index plus one.
-class ObjectTable {
-public:
-    HGDIOBJ Add(std::unique_ptr<Object> object) {
-        if (living >= kMostObjects && !object->permanent) {
-            return nullptr;
-        }
-        std::size_t place = places.size();
-        if (freePlaces.size() >= kFreeReserve) {
-            place = freePlaces.front();
-            freePlaces.pop_front();
-        } else {
-            places.emplace_back();
-        }
-        Place& taken = places[place];
-        taken.generation = taken.generation == kLastGeneration ? 1 : taken.generation + 1;
-        taken.object = std::move(object);
-        ++living;
-        return HandleOf(place, taken.generation);
-    }
-
-    Object* Find(HGDIOBJ handle) const {
-        const std::size_t place = PlaceOf(handle);
-        if (place >= places.size() || HandleOf(place, places[place].generation) != handle) {
-            return nullptr;
-        }
-        return places[place].object.get();
-    }
-
-    void Remove(HGDIOBJ handle) {
-        if (Find(handle) != nullptr) {
-            // A device context lets go of other objects while it is destroyed.
-            const std::unique_ptr<Object> gone = std::move(places[PlaceOf(handle)].object);
-            freePlaces.push_back(PlaceOf(handle));
-            --living;
-        }
-    }
-
-private:
-    struct Place {
-        std::unique_ptr<Object> object;  // null: free
-        unsigned generation = 0;
-    };
-
-    static HGDIOBJ HandleOf(std::size_t place, unsigned generation) {
-        return reinterpret_cast<HGDIOBJ>((static_cast<UINT_PTR>(generation) << 16) | (place + 1));
-    }
-    // 0 wraps around and is beyond every place.
-    static std::size_t PlaceOf(HGDIOBJ handle) { return (reinterpret_cast<UINT_PTR>(handle) & 0xFFFF) - 1; }
-
-    std::vector<Place> places;
-    std::deque<std::size_t> freePlaces;  // longest free first
-    std::size_t living = 0;
-};
+constexpr int kStockObjects = 14;
 
 // Never destroyed: what holds a font must not outlive the application, and static objects would.
-ObjectTable& Table() {
-    static auto* const table = new ObjectTable;
+HandleTable<Object, HGDIOBJ>& Table() {
+    static auto* const table = new HandleTable<Object, HGDIOBJ>;
     return *table;
 }
 
@@ -87,13 +26,13 @@ HGDIOBJ AddPermanent(std::unique_ptr<Object> object) {
     return AddObject(std::move(object));
 }
 
-std::unique_ptr<Object> StockFont(LONG height, LONG width, LONG weight, const char* face) {
+std::unique_ptr<Object> SystemFont() {
     LOGFONTA description{};
-    description.lfHeight = height;
-    description.lfWidth = width;
-    description.lfWeight = weight;
+    description.lfHeight = 16;
+    description.lfWidth = 7;
+    description.lfWeight = FW_BOLD;
     description.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
-    std::copy_n(face, std::char_traits<char>::length(face), description.lfFaceName);
+    std::strcpy(description.lfFaceName, "System");
     return std::make_unique<FontFace>(description);
 }
 
@@ -101,11 +40,9 @@ std::unique_ptr<Object> MakeStockObject(int object) {
     switch (object) {
         case WHITE_BRUSH: return std::make_unique<Brush>(std::optional<QRgb>(qRgb(255, 255, 255)));
         case NULL_BRUSH: return std::make_unique<Brush>(std::optional<QRgb>());
-        case WHITE_PEN: return std::make_unique<Pen>(qRgb(255, 255, 255));
         case BLACK_PEN: return std::make_unique<Pen>(qRgb(0, 0, 0));
         case NULL_PEN: return std::make_unique<Pen>(std::nullopt);
-        case SYSTEM_FONT: return StockFont(16, 7, FW_BOLD, "System");
-        case DEFAULT_GUI_FONT: return StockFont(-11, 0, FW_NORMAL, "MS Shell Dlg");
+        case SYSTEM_FONT: return SystemFont();
         default: return nullptr;
     }
 }

@@ -56,8 +56,7 @@ public:
 // NULLREGION, SIMPLEREGION or COMPLEXREGION.
 int Complexity(const QRegion& area);
 
-// 0, and the object is gone, if there are 10,000 already, which is what Windows gives a process. Permanent ones are always
-// taken.
+// 0, and the object is gone, if there are too many.
 HGDIOBJ AddObject(std::unique_ptr<Object> object);
 // Null for anything that is not the handle of a living object.
 Object* FindObject(HGDIOBJ handle);

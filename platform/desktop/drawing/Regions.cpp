@@ -96,7 +96,6 @@ int CombineRgn(HRGN target, HRGN first, HRGN second, int mode) {
         return RGN_ERROR;
     }
     switch (mode) {
-        case RGN_AND: result->area = one->area & other->area; break;
         case RGN_OR: result->area = one->area | other->area; break;
         case RGN_XOR: result->area = one->area ^ other->area; break;
         case RGN_DIFF: result->area = one->area - other->area; break;
@@ -104,21 +103,6 @@ int CombineRgn(HRGN target, HRGN first, HRGN second, int mode) {
         default: return RGN_ERROR;
     }
     return Complexity(result->area);
-}
-
-BOOL PtInRegion(HRGN region, int x, int y) {
-    return RegionOf(region).contains(QPoint(x, y));
-}
-
-int GetRgnBox(HRGN region, LPRECT box) {
-    const Region* found = Find<Region>(region);
-    if (found == nullptr || box == nullptr) {
-        return RGN_ERROR;
-    }
-    const QRect bounds = found->area.boundingRect();
-    *box = found->area.isEmpty() ? RECT{0, 0, 0, 0}
-                                 : RECT{bounds.left(), bounds.top(), bounds.right() + 1, bounds.bottom() + 1};
-    return Complexity(found->area);
 }
 
 BOOL FillRgn(HDC dc, HRGN region, HBRUSH brush) {

@@ -112,10 +112,8 @@ void DrawLine(DeviceContext& context, const Line& line, qint64 left, qint64 top,
         const qint64 spanTop = top + below;
         context.canvas.Fill(Area(left + span.left, spanTop, left + span.right, spanTop + height) & area, ToRgb(color));
     };
-    if (context.backgroundMode == OPAQUE) {
-        for (const Span& cell : line.cells) {
-            draw(cell, 0, font.Height(), context.backgroundColor);
-        }
+    for (const Span& cell : line.cells) {
+        draw(cell, 0, font.Height(), context.backgroundColor);
     }
     const QPoint start(static_cast<int>(left), static_cast<int>(top) + font.ascent);
     context.canvas.Glyphs(font, line.glyphs, start, area, ToRgb(context.textColor));
@@ -151,19 +149,6 @@ BOOL GetTextMetricsA(HDC dc, TEXTMETRICA* metrics) {
     metrics->tmInternalLeading = font.internalLeading;
     metrics->tmExternalLeading = font.externalLeading;
     metrics->tmAveCharWidth = font.averageWidth;
-    metrics->tmMaxCharWidth = font.widest;
-    metrics->tmWeight = font.font.weight();
-    metrics->tmDigitizedAspectX = 96;
-    metrics->tmDigitizedAspectY = 96;
-    metrics->tmFirstChar = 0x1E;
-    metrics->tmLastChar = 0xFF;
-    metrics->tmDefaultChar = 0x1F;
-    metrics->tmBreakChar = ' ';
-    metrics->tmItalic = font.font.italic();
-    metrics->tmUnderlined = font.font.underline();
-    metrics->tmStruckOut = font.font.strikeOut();
-    metrics->tmPitchAndFamily = font.description.lfPitchAndFamily;
-    metrics->tmCharSet = font.description.lfCharSet;
     return TRUE;
 }
 
@@ -178,7 +163,7 @@ BOOL GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size) {
 }
 
 int DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format) {
-    assert((format & ~(DT_LEFT | DT_RIGHT | DT_VCENTER | DT_SINGLELINE | DT_EXPANDTABS)) == 0);
+    assert((format & ~(DT_RIGHT | DT_VCENTER | DT_SINGLELINE | DT_EXPANDTABS)) == 0);
     DeviceContext* context = ContextOf(dc);
     if (context == nullptr || text == nullptr || rect == nullptr || length == 0) {
         return 0;

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "Desktop.h"
-#include "LastError.h"
 #include "Menus.h"
 #include "Resources.h"
 
@@ -12,28 +11,7 @@ using desktop::Desktop;
 
 namespace {
 
-struct AcceleratorTable {
-    const void* resource;
-    std::vector<ACCEL> entries;
-};
-
-// A table lasts as long as the program, and each resource gives one.
-std::deque<AcceleratorTable>& Tables() {
-    static auto& tables = *new std::deque<AcceleratorTable>;
-    return tables;
-}
-
-const AcceleratorTable* Find(HACCEL handle) {
-    const auto& tables = Tables();
-    const auto found = std::find_if(tables.begin(), tables.end(), [handle](const AcceleratorTable& table) {
-        return &table == reinterpret_cast<const AcceleratorTable*>(handle);
-    });
-    return found != tables.end() ? &*found : nullptr;
-}
-
-HACCEL HandleOf(AcceleratorTable& table) {
-    return reinterpret_cast<HACCEL>(&table);
-}
+using AcceleratorTable = std::vector<ACCEL>;
 
 bool IsHeld(int virtualKey) {
     return (GetKeyState(virtualKey) & 0x8000) != 0;
@@ -76,49 +54,22 @@ bool MayRun(HWND window, WORD command) {
 }  // namespace
 
 HACCEL LoadAcceleratorsA(HINSTANCE, LPCSTR resource) {
-    const kernel::Bytes bytes = kernel::ResourceBytes(resource, RT_ACCELERATOR);
-    if (bytes.empty()) {
-        return nullptr;
-    }
-    auto& tables = Tables();
-    const auto known = std::find_if(tables.begin(), tables.end(),
-                                    [&](const AcceleratorTable& table) { return table.resource == bytes.data(); });
-    if (known != tables.end()) {
-        return HandleOf(*known);
-    }
-    auto entries = kernel::ParseAccelerators(bytes);
-    if (!entries) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return HandleOf(tables.emplace_back(AcceleratorTable{bytes.data(), std::move(*entries)}));
-}
-
-int CopyAcceleratorTableA(HACCEL handle, ACCEL* entries, int count) {
-    const AcceleratorTable* table = Find(handle);
-    if (table == nullptr) {
-        return 0;
-    }
-    const auto size = static_cast<int>(table->entries.size());
-    if (entries == nullptr) {
-        return size;
-    }
-    const int copied = std::clamp(count, 0, size);
-    std::copy_n(table->entries.begin(), copied, entries);
-    return copied;
+    // A table lasts as long as the program; the handle is its address.
+    static auto& tables = *new std::deque<AcceleratorTable>;
+    auto entries = kernel::ParseAccelerators(kernel::ResourceBytes(resource, RT_ACCELERATOR));
+    return entries ? reinterpret_cast<HACCEL>(&tables.emplace_back(std::move(*entries))) : nullptr;
 }
 
 int TranslateAcceleratorA(HWND window, HACCEL handle, LPMSG message) {
-    const AcceleratorTable* table = Find(handle);
+    const auto* table = reinterpret_cast<const AcceleratorTable*>(handle);
     const bool key = message->message == WM_KEYDOWN || message->message == WM_SYSKEYDOWN;
     if (table == nullptr || !key || Desktop::Get().Find(window) == nullptr) {
         return 0;
     }
     const BYTE modifiers = HeldModifiers();
-    const auto& entries = table->entries;
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [&](const ACCEL& entry) { return Matches(entry, *message, modifiers); });
-    if (found == entries.end()) {
+    const auto found =
+        std::find_if(table->begin(), table->end(), [&](const ACCEL& entry) { return Matches(entry, *message, modifiers); });
+    if (found == table->end()) {
         return 0;
     }
     const WORD command = found->cmd;

@@ -1,97 +1,49 @@
 // The calls for menus.
-#include <algorithm>
-#include <cstring>
-
 #include "Desktop.h"
 #include "LastError.h"
 #include "Menus.h"
 #include "Resources.h"
-#include "Text.h"
 
 using desktop::Menu;
 using desktop::MenuEntry;
 
 namespace {
 
-constexpr UINT kNone = static_cast<UINT>(-1);
 constexpr UINT kGrayedBits = MF_GRAYED | MF_DISABLED;
 constexpr UINT kStateBits = kGrayedBits | MF_CHECKED;
 
-Menu* Find(HMENU handle) {
-    Menu* menu = desktop::FindMenu(handle);
-    if (menu == nullptr) {
-        SetLastError(ERROR_INVALID_MENU_HANDLE);
-    }
-    return menu;
-}
-
 MenuEntry* Find(HMENU handle, UINT item, UINT flags) {
-    Menu* menu = Find(handle);
-    MenuEntry* entry = menu != nullptr ? FindEntry(*menu, item, flags) : nullptr;
-    if (menu != nullptr && entry == nullptr) {
-        SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
-    }
-    return entry;
-}
-
-// As much as fits before the terminator, and no half of a character of two bytes.
-std::size_t LengthThatFits(const std::string& text, std::size_t size) {
-    std::size_t length = 0;
-    while (length < text.size()) {
-        const std::size_t step = IsDBCSLeadByte(static_cast<BYTE>(text[length])) && length + 1 < text.size() ? 2 : 1;
-        if (length + step >= size) {
-            break;
-        }
-        length += step;
-    }
-    return length;
+    Menu* menu = desktop::FindMenu(handle);
+    return menu != nullptr ? FindEntry(*menu, item, flags) : nullptr;
 }
 
 }  // namespace
 
 // Whatever module is named, the program's resources answer.
 HMENU LoadMenuA(HINSTANCE, LPCSTR resource) {
-    const kernel::Bytes bytes = kernel::ResourceBytes(resource, RT_MENU);
-    if (bytes.empty()) {
-        return nullptr;
-    }
-    const auto items = kernel::ParseMenu(bytes);
-    if (!items) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return desktop::AddMenu(*items);
+    const auto items = kernel::ParseMenu(kernel::ResourceBytes(resource, RT_MENU));
+    return items ? desktop::AddMenu(*items) : nullptr;
 }
 
 BOOL DestroyMenu(HMENU menu) {
-    return desktop::RemoveMenu(menu) ? TRUE : kernel::Fail(ERROR_INVALID_MENU_HANDLE);
+    return desktop::RemoveMenu(menu);
 }
 
 HMENU GetMenu(HWND handle) {
     const desktop::ScreenWindow* window = desktop::Desktop::Get().Find(handle);
-    if (window == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return nullptr;
-    }
-    return window->menu;
+    return window != nullptr ? window->menu : nullptr;
 }
 
 HMENU GetSubMenu(HMENU handle, int position) {
-    Menu* menu = Find(handle);
-    const MenuEntry* entry = menu != nullptr ? FindEntry(*menu, static_cast<UINT>(position), MF_BYPOSITION) : nullptr;
+    const MenuEntry* entry = Find(handle, static_cast<UINT>(position), MF_BYPOSITION);
     return entry != nullptr ? entry->popup : nullptr;
-}
-
-int GetMenuItemCount(HMENU handle) {
-    const Menu* menu = Find(handle);
-    return menu != nullptr ? static_cast<int>(menu->entries.size()) : -1;
 }
 
 UINT GetMenuState(HMENU menu, UINT item, UINT flags) {
     constexpr UINT kLowByte = 0xFF;
     const MenuEntry* entry = Find(menu, item, flags);
     if (entry == nullptr) {
-        return kNone;
+        return static_cast<UINT>(-1);
     }
     if (const Menu* popup = desktop::FindMenu(entry->popup)) {
         return ((entry->type | entry->state) & kLowByte) | static_cast<UINT>(popup->entries.size()) << 8;
@@ -99,39 +51,11 @@ UINT GetMenuState(HMENU menu, UINT item, UINT flags) {
     return entry->type | entry->state;
 }
 
-int GetMenuStringA(HMENU menu, UINT item, LPSTR buffer, int size, UINT flags) {
-    const MenuEntry* entry = Find(menu, item, flags);
-    if (buffer != nullptr && size > 0) {
-        buffer[0] = '\0';
-    }
-    if (entry == nullptr) {
-        return 0;
-    }
-    const std::string text = desktop::FromQString(entry->text);
-    if (buffer == nullptr || size <= 0) {
-        return static_cast<int>(text.size());
-    }
-    const std::size_t length = LengthThatFits(text, static_cast<std::size_t>(size));
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-    return static_cast<int>(length);
-}
-
-UINT GetMenuItemID(HMENU handle, int position) {
-    Menu* menu = Find(handle);
-    const MenuEntry* entry = menu != nullptr ? FindEntry(*menu, static_cast<UINT>(position), MF_BYPOSITION) : nullptr;
-    return entry == nullptr || entry->popup != nullptr ? kNone : entry->id;
-}
-
 namespace {
 
-// The entry that the structure is about; null, with the last error, for one that cannot be served.
+// The entry that the structure is about; null for one that cannot be served.
 MenuEntry* EntryFor(HMENU menu, UINT item, BOOL byPosition, const MENUITEMINFOA& info) {
-    if (info.cbSize != sizeof info) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    if (info.fMask != MIIM_STATE) {
+    if (info.cbSize != sizeof info || info.fMask != MIIM_STATE) {
         kernel::Unsupported("a menu item's information other than its state");
         return nullptr;
     }

@@ -210,31 +210,7 @@ private:
             return false;
         }
         std::memcpy(chooser.lpstrFile, path->c_str(), path->size() + 1);
-        const std::size_t name = NameOffset(*path);
-        const std::size_t dot = path->find_last_of('.');
-        const bool hasExtension = dot != std::string::npos && dot >= name && dot + 1 < path->size();
-        chooser.nFileOffset = static_cast<WORD>(name);
-        chooser.nFileExtension = static_cast<WORD>(hasExtension ? dot + 1 : 0);
-        if (chooser.lpstrFileTitle != nullptr && path->size() - name < chooser.nMaxFileTitle) {
-            std::memcpy(chooser.lpstrFileTitle, path->c_str() + name, path->size() - name + 1);
-        }
-        if (!filters.empty()) {
-            chooser.nFilterIndex = static_cast<DWORD>(SelectedFilter() + 1);
-        }
         return true;
-    }
-
-    // Forward through the bytes, since the second one of a pair can look like a backslash.
-    static std::size_t NameOffset(const std::string& path) {
-        std::size_t offset = 0;
-        for (std::size_t i = 0; i < path.size(); ++i) {
-            if (IsDBCSLeadByte(static_cast<BYTE>(path[i]))) {
-                ++i;
-            } else if (path[i] == '\\') {
-                offset = i + 1;
-            }
-        }
-        return offset;
     }
 
     OPENFILENAMEA& chooser;

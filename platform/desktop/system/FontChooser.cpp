@@ -11,8 +11,6 @@ namespace desktop {
 
 namespace {
 
-constexpr int kTenthsOfPoint = 10;
-
 // A font of the family that stood in for the face at first keeps the face, which Windows may have.
 void KeepFace(LOGFONTA& chosen, const LOGFONTA& before) {
     std::memcpy(chosen.lfFaceName, before.lfFaceName, sizeof chosen.lfFaceName);
@@ -44,6 +42,5 @@ BOOL ChooseFontA(CHOOSEFONTA* chooser) {
         desktop::KeepFace(chosen, before);
     }
     *chooser->lpLogFont = chosen;
-    chooser->iPointSize = font.pointSize() * desktop::kTenthsOfPoint;
     return TRUE;
 }

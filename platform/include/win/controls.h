@@ -61,7 +61,6 @@ inline constexpr UINT LB_SETITEMHEIGHT = 0x01A0;
 inline constexpr UINT LB_GETITEMHEIGHT = 0x01A1;
 inline constexpr int LB_OKAY = 0;
 inline constexpr int LB_ERR = -1;
-inline constexpr int LB_ERRSPACE = -2;
 inline constexpr WORD LBN_SELCHANGE = 1;
 inline constexpr WORD LBN_DBLCLK = 2;
 inline constexpr WORD LBN_SETFOCUS = 4;

@@ -20,7 +20,6 @@ inline constexpr WPARAM MSGF_DIALOGBOX = 0;
 
 inline constexpr LRESULT DLGC_WANTARROWS = 0x0001;
 inline constexpr LRESULT DLGC_WANTTAB = 0x0002;
-inline constexpr LRESULT DLGC_WANTALLKEYS = 0x0004;
 inline constexpr LRESULT DLGC_HASSETSEL = 0x0008;
 inline constexpr LRESULT DLGC_DEFPUSHBUTTON = 0x0010;
 inline constexpr LRESULT DLGC_UNDEFPUSHBUTTON = 0x0020;
@@ -30,7 +29,6 @@ inline constexpr LRESULT DLGC_BUTTON = 0x2000;
 
 inline constexpr int DWLP_MSGRESULT = 0;
 inline constexpr int DWLP_DLGPROC = DWLP_MSGRESULT + static_cast<int>(sizeof(LRESULT));
-inline constexpr int DWLP_USER = DWLP_DLGPROC + static_cast<int>(sizeof(DLGPROC));
 
 // Without an instance handle of its own: every instance means this program.
 HWND CreateDialogParamA(HINSTANCE instance, LPCSTR resource, HWND parent, DLGPROC procedure, LPARAM parameter);
@@ -51,8 +49,6 @@ BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL isSigned);
 // The next or previous visible and enabled child with WS_TABSTOP in the order of the children, going on at the other end;
 // the control itself if there is no other.
 HWND GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous);
-// From dialog units to pixels, by the dialog's font.
-BOOL MapDialogRect(HWND dialog, LPRECT rect);
 
 inline constexpr int IDOK = 1;
 inline constexpr int IDCANCEL = 2;

@@ -13,11 +13,8 @@ inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
 
 inline constexpr int COLOR_WINDOW = 5;
 inline constexpr int COLOR_WINDOWTEXT = 8;
-inline constexpr int COLOR_HIGHLIGHT = 13;
-inline constexpr int COLOR_HIGHLIGHTTEXT = 14;
 inline constexpr int COLOR_BTNFACE = 15;
 inline constexpr int COLOR_BTNSHADOW = 16;
-inline constexpr int COLOR_GRAYTEXT = 17;
 inline constexpr int COLOR_BTNTEXT = 18;
 inline constexpr int COLOR_BTNHIGHLIGHT = 20;
 // From the desktop's palette, light or dark.
@@ -48,11 +45,9 @@ int ReleaseDC(HWND window, HDC dc);
 inline constexpr int PS_SOLID = 0;
 inline constexpr int WHITE_BRUSH = 0;
 inline constexpr int NULL_BRUSH = 5;
-inline constexpr int WHITE_PEN = 6;
 inline constexpr int BLACK_PEN = 7;
 inline constexpr int NULL_PEN = 8;
 inline constexpr int SYSTEM_FONT = 13;
-inline constexpr int DEFAULT_GUI_FONT = 17;
 
 // Solid, one pixel wide (width 0 or 1).
 HPEN CreatePen(int style, int width, COLORREF color);
@@ -122,15 +117,12 @@ struct TEXTMETRICA {
 
 // A face that the desktop lacks is replaced by one that it has. Escapement and width are not followed.
 HFONT CreateFontIndirectA(const LOGFONTA* description);
+// Of the measures the height and its parts, the leading and the average width are filled in.
 BOOL GetTextMetricsA(HDC dc, TEXTMETRICA* metrics);
 BOOL GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size);
 COLORREF SetTextColor(HDC dc, COLORREF color);
 COLORREF SetBkColor(HDC dc, COLORREF color);
-inline constexpr int TRANSPARENT = 1;
-inline constexpr int OPAQUE = 2;
-int SetBkMode(HDC dc, int mode);
 
-inline constexpr UINT DT_LEFT = 0x0000;
 inline constexpr UINT DT_RIGHT = 0x0002;
 inline constexpr UINT DT_VCENTER = 0x0004;
 inline constexpr UINT DT_SINGLELINE = 0x0020;
@@ -158,7 +150,6 @@ BOOL DrawFrameControl(HDC dc, LPRECT rect, UINT kind, UINT state);
 
 // --- Regions -------------------------------------------------------------------------------------------------------------
 
-inline constexpr int RGN_AND = 1;
 inline constexpr int RGN_OR = 2;
 inline constexpr int RGN_XOR = 3;
 inline constexpr int RGN_DIFF = 4;
@@ -172,8 +163,6 @@ HRGN CreateRectRgn(int left, int top, int right, int bottom);
 HRGN CreateRoundRectRgn(int left, int top, int right, int bottom, int cornerWidth, int cornerHeight);
 HRGN CreateEllipticRgn(int left, int top, int right, int bottom);
 int CombineRgn(HRGN target, HRGN first, HRGN second, int mode);
-BOOL PtInRegion(HRGN region, int x, int y);
-int GetRgnBox(HRGN region, LPRECT box);
 BOOL FillRgn(HDC dc, HRGN region, HBRUSH brush);
 // A border inside the region, as wide and as high as told.
 BOOL FrameRgn(HDC dc, HRGN region, HBRUSH brush, int width, int height);

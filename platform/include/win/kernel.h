@@ -3,38 +3,22 @@
 
 #include "win/types.h"
 
-// Errors that GetLastError gives after a failed call. Only these come from the layer.
+// Errors that GetLastError tells after a failed call for a handle, a file, a port or a mutex. Calls for windows, messages,
+// menus and resources need not set one.
 inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
-inline constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
 inline constexpr DWORD ERROR_ACCESS_DENIED = 5;
 inline constexpr DWORD ERROR_INVALID_HANDLE = 6;
 inline constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 inline constexpr DWORD ERROR_WRITE_FAULT = 29;
 inline constexpr DWORD ERROR_READ_FAULT = 30;
 inline constexpr DWORD ERROR_GEN_FAILURE = 31;
-inline constexpr DWORD ERROR_SHARING_VIOLATION = 32;
-inline constexpr DWORD ERROR_FILE_EXISTS = 80;
 inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
-inline constexpr DWORD ERROR_DISK_FULL = 112;
-inline constexpr DWORD ERROR_INVALID_NAME = 123;
-inline constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
-inline constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 inline constexpr DWORD ERROR_BAD_PATHNAME = 161;
 inline constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 inline constexpr DWORD ERROR_MORE_DATA = 234;
 inline constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
-inline constexpr DWORD ERROR_INVALID_MENU_HANDLE = 1401;
-inline constexpr DWORD ERROR_CANNOT_FIND_WND_CLASS = 1407;
-inline constexpr DWORD ERROR_WINDOW_OF_OTHER_THREAD = 1408;
-inline constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
-inline constexpr DWORD ERROR_CLASS_DOES_NOT_EXIST = 1411;
-inline constexpr DWORD ERROR_CLASS_HAS_WINDOWS = 1412;
-inline constexpr DWORD ERROR_MENU_ITEM_NOT_FOUND = 1456;
-inline constexpr DWORD ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
 inline constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
-inline constexpr DWORD ERROR_RESOURCE_LANG_NOT_FOUND = 1815;
-inline constexpr DWORD ERROR_NOT_ENOUGH_QUOTA = 1816;
 
 DWORD GetLastError();
 void SetLastError(DWORD error);
@@ -51,11 +35,9 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stackSize, LPTHREAD_S
                     DWORD flags, LPDWORD threadId);
 DWORD GetCurrentThreadId();
 
-// A slot of thread-local storage whose callback runs with the slot's value, if that is not null, when a thread ends that
-// CreateThread has started. A slot that another callback fills again meanwhile gets its callback once more, up to four
-// times.
+// The one slot of thread-local storage, which the queues of messages take. Its callback runs with the slot's value, if that
+// is not null, when a thread ends that CreateThread has started; up to four times, as long as it fills the slot again.
 using PFLS_CALLBACK_FUNCTION = void(WINAPI*)(LPVOID);
-inline constexpr DWORD FLS_OUT_OF_INDEXES = 0xFFFFFFFF;
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback);
 LPVOID FlsGetValue(DWORD index);
 BOOL FlsSetValue(DWORD index, LPVOID value);
@@ -90,7 +72,6 @@ void DeleteCriticalSection(LPCRITICAL_SECTION section);
 // Events without a name. Gives 0 on failure.
 HANDLE CreateEventA(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCSTR name);
 BOOL SetEvent(HANDLE event);
-BOOL ResetEvent(HANDLE event);
 
 inline constexpr DWORD WAIT_OBJECT_0 = 0;
 inline constexpr DWORD WAIT_TIMEOUT = 258;
@@ -116,12 +97,8 @@ HLOCAL LocalFree(HLOCAL block);
 
 inline constexpr DWORD GENERIC_READ = 0x80000000;
 inline constexpr DWORD GENERIC_WRITE = 0x40000000;
-inline constexpr DWORD FILE_SHARE_READ = 0x00000001;
-inline constexpr DWORD FILE_SHARE_WRITE = 0x00000002;
-inline constexpr DWORD CREATE_NEW = 1;
 inline constexpr DWORD CREATE_ALWAYS = 2;
 inline constexpr DWORD OPEN_EXISTING = 3;
-inline constexpr DWORD OPEN_ALWAYS = 4;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x00000080;
 inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 

@@ -15,7 +15,6 @@ inline constexpr UINT MF_HILITE = 0x0080;
 inline constexpr UINT MF_BYPOSITION = 0x0400;
 inline constexpr UINT MF_SEPARATOR = 0x0800;
 inline constexpr UINT MF_HELP = 0x4000;
-inline constexpr UINT MF_MOUSESELECT = 0x8000;
 
 inline constexpr UINT MIIM_STATE = 0x0001;
 inline constexpr UINT MFS_CHECKED = MF_CHECKED;
@@ -40,11 +39,8 @@ HMENU LoadMenuA(HINSTANCE instance, LPCSTR resource);
 BOOL DestroyMenu(HMENU menu);
 HMENU GetMenu(HWND window);
 HMENU GetSubMenu(HMENU menu, int position);
-int GetMenuItemCount(HMENU menu);
 // By command or by position; a command is looked for in the popups below as well.
 UINT GetMenuState(HMENU menu, UINT item, UINT flags);
-int GetMenuStringA(HMENU menu, UINT item, LPSTR buffer, int size, UINT flags);
-UINT GetMenuItemID(HMENU menu, int position);
 // The state alone (MIIM_STATE).
 BOOL GetMenuItemInfoA(HMENU menu, UINT item, BOOL byPosition, MENUITEMINFOA* info);
 BOOL SetMenuItemInfoA(HMENU menu, UINT item, BOOL byPosition, const MENUITEMINFOA* info);
@@ -65,7 +61,6 @@ struct ACCEL {
 static_assert(sizeof(ACCEL) == 6);
 
 HACCEL LoadAcceleratorsA(HINSTANCE instance, LPCSTR resource);
-int CopyAcceleratorTableA(HACCEL table, ACCEL* entries, int count);
 // Keys by FVIRTKEY alone. Sends WM_COMMAND; a command of the window's menu only after WM_INITMENU and WM_INITMENUPOPUP, and
 // not while it is grey, the mouse is captured, or the window is disabled or minimized.
 int TranslateAcceleratorA(HWND window, HACCEL table, LPMSG message);

@@ -82,7 +82,6 @@ LONG_PTR GetWindowLongPtrA(HWND window, int index);
 LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value);
 
 // From any thread; keeps order and never blocks. Fails for a window that is gone and for a queue that holds 10,000 messages.
-// Without a window the message goes to the calling thread's own queue.
 BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // To another thread's window the call waits, and serves what is sent to the caller meanwhile. A window that dies answers 0.
 LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

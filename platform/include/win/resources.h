@@ -14,11 +14,9 @@
 #define RT_ACCELERATOR MAKEINTRESOURCEA(9)
 #define RT_GROUP_ICON MAKEINTRESOURCEA(14)
 #define RT_VERSION MAKEINTRESOURCEA(16)
-#define RT_HTML MAKEINTRESOURCEA(23)
 
-// A resource stays loaded, so nothing is freed. Whatever the module, the program's resources are meant. Language 0 is the
-// user's, or the other one.
-HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type);
+// By number alone. A resource stays loaded, so nothing is freed. Whatever the module, the program's resources are meant.
+// Language 0 is the user's, or the other one.
 HRSRC FindResourceExA(HMODULE module, LPCSTR type, LPCSTR name, WORD language);
 HGLOBAL LoadResource(HMODULE module, HRSRC resource);
 LPVOID LockResource(HGLOBAL resource);
@@ -40,9 +38,6 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 // this process or another, sets ERROR_ALREADY_EXISTS. Whoever creates it answers for its windows to FindWindowExA elsewhere.
 // For the thread that owns the windows.
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name);
-
-// Of the formats %s, %d, %u, %c, %x, %X, with width, zero and minus, and %%. The result fits 1024 bytes.
-int wsprintfA(LPSTR buffer, LPCSTR format, ...);
 
 // The entry of a program with windows.
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previousInstance, LPSTR commandLine, int showCommand);

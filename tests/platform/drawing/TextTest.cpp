@@ -12,7 +12,6 @@
 namespace {
 
 constexpr COLORREF kCell = RGB(255, 255, 0);
-constexpr QRgb kCellPixel = 0xFFFFFF00;
 constexpr UINT kRow = DT_SINGLELINE | DT_VCENTER | DT_EXPANDTABS;
 
 class Text : public testing::Test {
@@ -42,11 +41,10 @@ protected:
         QRect touched;   // all that was drawn
         QImage picture;  // for comparing
     };
-    Drawn Draw(const char* text, UINT format, RECT rect = {20, 10, 280, 60}, int length = -1, int mode = OPAQUE) const {
+    Drawn Draw(const char* text, UINT format, RECT rect = {20, 10, 280, 60}, int length = -1) const {
         Surface surface(300, 80);
         SelectObject(surface.dc, font);
         SetBkColor(surface.dc, kCell);
-        SetBkMode(surface.dc, mode);
         const int result = DrawTextA(surface.dc, text, length, &rect, format);
         const QRect touched = surface.Touched();
         EXPECT_TRUE(touched.isEmpty() || surface.changed.boundingRect().contains(touched));
@@ -73,11 +71,6 @@ TEST_F(Text, FillsItsCellExactly) {
     EXPECT_EQ(size.cx, Width("H"));
     EXPECT_EQ(size.cy, height);
     EXPECT_EQ(Draw("Hxyz", 0, {20, 10, 280, 60}, 1).touched.width(), Width("H"));
-
-    const Drawn transparent = Draw("H", 0, {20, 10, 280, 60}, -1, TRANSPARENT);
-    EXPECT_FALSE(transparent.touched.isEmpty());
-    EXPECT_LT(transparent.touched.height(), height);
-    EXPECT_NE(transparent.picture.pixel(21, 11), kCellPixel);
 }
 
 TEST_F(Text, StandsWhereTheFormatSays) {

@@ -10,7 +10,7 @@ HANDLE HandleOf(std::uintptr_t value) {
 
 DWORD WINAPI LeaveAnError(LPVOID found) {
     *static_cast<DWORD*>(found) = GetLastError();
-    SetLastError(ERROR_DISK_FULL);
+    SetLastError(ERROR_WRITE_FAULT);
     return 0;
 }
 
@@ -66,13 +66,13 @@ TEST(Handles, AStaleHandleNeverReachesTheNextObject) {
 }
 
 TEST(Handles, EachThreadHasItsOwnLastError) {
-    SetLastError(ERROR_FILE_EXISTS);
+    SetLastError(ERROR_ALREADY_EXISTS);
     DWORD found = ERROR_GEN_FAILURE;
     HANDLE thread = CreateThread(nullptr, 0, LeaveAnError, &found, 0, nullptr);
     ASSERT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
     CloseHandle(thread);
     EXPECT_EQ(found, ERROR_SUCCESS);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
+    EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
 }
 
 TEST(Memory, BlocksAreZeroedWhereAskedAndNeverNone) {

@@ -91,30 +91,20 @@ TEST(Templates, ChangedBytesAreSurvived) {
 }
 
 // Rows from the bottom, colours by palette, mask over both.
-TEST(Icons, EveryDepthGivesTheSamePixels) {
+TEST(Icons, BothDepthsGiveTheSamePixels) {
     constexpr std::uint32_t kRed = 0xFF0000;
     constexpr std::uint32_t kBlue = 0x0000FF;
     const auto mask = [](Writer writer) { return writer.Put(0x00, 4).Put(0x40, 4).Bytes(); };  // Top right is transparent.
-    Writer one = IconHeader(1, 0);
-    one.Put(kRed, 4).Put(kBlue, 4).Put(0x40, 4).Put(0x80, 4);
     Writer four = IconHeader(4, 2);
     four.Put(kRed, 4).Put(kBlue, 4).Put(0x01, 4).Put(0x10, 4);
     Writer eight = IconHeader(8, 2);
     eight.Put(kRed, 4).Put(kBlue, 4).Put(0x0100, 4).Put(0x0001, 4);
-    Writer full = IconHeader(24, 0);
-    full.Put(kRed, 3).Put(kBlue, 3).Put(0, 2).Put(kBlue, 3).Put(kRed, 3).Put(0, 2);
-    Writer masked = IconHeader(32, 0);
-    masked.Put(kRed, 4).Put(kBlue, 4).Put(kBlue, 4).Put(kRed, 4);
-    for (const Writer& writer : {one, four, eight, full, masked}) {
+    for (const Writer& writer : {four, eight}) {
         const auto images = ParseOneIcon(mask(writer));
         ASSERT_EQ(images.size(), 1u);
         SCOPED_TRACE(images[0].bitsPerPixel);
         EXPECT_EQ(images[0].pixels, (std::vector<std::uint32_t>{0xFF0000FF, 0, 0xFFFF0000, 0xFF0000FF}));
     }
-
-    Writer alpha = IconHeader(32, 0);
-    alpha.Repeat(4, 0x80FF0000, 4);
-    EXPECT_EQ(ParseOneIcon(mask(alpha)).at(0).pixels, (std::vector<std::uint32_t>{0x80FF0000, 0, 0x80FF0000, 0x80FF0000}));
 }
 
 }  // namespace

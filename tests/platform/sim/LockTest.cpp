@@ -168,34 +168,4 @@ TEST(Lock, MisuseEndsTheRun) {
     }
 }
 
-TEST(Lock, AMarkedLockForbidsToBlockUnderIt) {
-    const auto under = [](std::function<void()> call) {
-        return [call = std::move(call)] {
-            Lock lock;
-            Simulation::ForbidBlockingUnder(&lock.section);
-            EnterCriticalSection(&lock.section);
-            call();
-            LeaveCriticalSection(&lock.section);
-        };
-    };
-    const HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
-    DWORD written = 0;
-    ExpectOutcome(Outcome::kMisuse, under([] { Sleep(1); }));
-    ExpectOutcome(Outcome::kMisuse, under([] { Sleep(0); }));
-    ExpectOutcome(Outcome::kMisuse, under([&] { WaitForSingleObject(event, 1); }));
-    ExpectOutcome(Outcome::kMisuse, under([&] { WriteFile(event, "x", 1, &written, nullptr); }));
-
-    Simulation simulation({});
-    ExpectDone(simulation, [&] {
-        under([&] { WaitForSingleObject(event, 0); })();
-        Lock unmarked;
-        EnterCriticalSection(&unmarked.section);
-        Sleep(1);
-        LeaveCriticalSection(&unmarked.section);
-        under([] {})();
-        Sleep(1);
-    });
-    CloseHandle(event);
-}
-
 }  // namespace

@@ -66,15 +66,13 @@ TEST(Time, WakeUpsAreLateByUpToTheJitterAndNeverEarly) {
     EXPECT_EQ(late, expected);
 }
 
-TEST(Time, TicksCountMillisecondsAndWrapAround) {
-    Simulation simulation({.jitterMs = 0, .firstTick = 0xFFFFFFFF - 9});
+TEST(Time, TicksCountMilliseconds) {
+    Simulation simulation({.jitterMs = 0});
     ExpectDone(simulation, [&] {
         timeBeginPeriod(1);
-        const DWORD first = GetTickCount();
-        EXPECT_EQ(first, 0xFFFFFFFF - 9);
+        EXPECT_EQ(GetTickCount(), 0U);
         Sleep(50);
-        EXPECT_EQ(GetTickCount(), 40U);
-        EXPECT_EQ(GetTickCount() - first, 50U);
+        EXPECT_EQ(GetTickCount(), 50U);
         Sleep(0);
         EXPECT_EQ(simulation.Now(), 50 * kMs);
     });

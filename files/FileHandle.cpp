@@ -1,4 +1,3 @@
-// One open file.
 #include "FileHandle.h"
 
 #include <cstdio>

@@ -1,4 +1,3 @@
-// The platform's file chooser.
 #include "TitleFileDialog.h"
 
 #include <commdlg.h>

@@ -1,4 +1,3 @@
-// Text of title files.
 #include "TitleText.h"
 
 #include <windows.h>

@@ -1,4 +1,3 @@
-// The fixed-width fields of the wire.
 #include "Fields.h"
 
 #include <cstddef>

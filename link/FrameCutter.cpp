@@ -1,4 +1,3 @@
-// Cuts the received byte stream into frames.
 #include "FrameCutter.h"
 
 namespace {

@@ -1,4 +1,3 @@
-// The frames of the main unit's protocol.
 #include "Frames.h"
 
 #include <cstring>

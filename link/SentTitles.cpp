@@ -1,4 +1,3 @@
-// What one operation has put on the line.
 #include "SentTitles.h"
 
 #include <windows.h>

@@ -1,4 +1,3 @@
-// One serial line.
 #include "SerialPort.h"
 
 namespace {

@@ -1,4 +1,3 @@
-// A restartable thread that calls one procedure again and again.
 #include "WorkerThread.h"
 
 WorkerThread::~WorkerThread() {

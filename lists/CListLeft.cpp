@@ -1,4 +1,3 @@
-// The group list.
 #include "CListLeft.h"
 
 #include "CListRight.h"

@@ -1,4 +1,3 @@
-// The track list.
 #include "CListRight.h"
 
 #include "Gdi.h"

@@ -1,4 +1,3 @@
-// The text box over a row.
 #include "InlineEdit.h"
 
 #include <imm.h>

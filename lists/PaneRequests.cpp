@@ -1,4 +1,3 @@
-// What the controls of the pane ask of it.
 #include "PaneRequests.h"
 
 void PostPaneRequest(HWND control, PaneRequest code, LPARAM argument) {

@@ -1,4 +1,3 @@
-// What a list asks of its refresher.
 #include "RefillRequests.h"
 
 void RefillRequests::Request(GroupId group) {

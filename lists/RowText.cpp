@@ -1,4 +1,3 @@
-// The text of a list's row.
 #include "RowText.h"
 
 #include <algorithm>

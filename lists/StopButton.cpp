@@ -1,4 +1,3 @@
-// The Stop button of the pane.
 #include "StopButton.h"
 
 #include "PaneRequests.h"

@@ -1,4 +1,3 @@
-// The Sync button of the pane.
 #include "SyncButton.h"
 
 #include "PaneRequests.h"

@@ -1,4 +1,3 @@
-// One object for one native control.
 #include "WindowBase.h"
 
 namespace {

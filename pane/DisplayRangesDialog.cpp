@@ -1,4 +1,3 @@
-// The box in which the user says which Discs, Albums and Tracks are shown and fetched.
 #include "DisplayRangesDialog.h"
 
 #include "resource.h"

@@ -1,4 +1,3 @@
-// The child dialog that fills the main window above the status bar.
 #include "EditorPane.h"
 
 #include <new>

@@ -1,4 +1,3 @@
-// The line above the lists that tells what is going on with the main unit.
 #include "MessageLine.h"
 
 #include <cstdio>

@@ -1,4 +1,3 @@
-// The box that tells the version.
 #include "AboutBox.h"
 
 #include "resource.h"

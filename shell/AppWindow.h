@@ -64,7 +64,7 @@ private:
     std::unique_ptr<MessageService> messageService;
 };
 
-// Set before the main window exists; its window procedure has no other way to the object.
+// The one AppWindow, for its window procedure. Set before the main window exists.
 extern AppWindow* theApp;
 
 // What HH_INITIALIZE gives and HH_UNINITIALIZE wants back. As wide as a pointer, since nobody tells how much a 64-bit help

@@ -1,4 +1,3 @@
-// The help viewer, which is looked for when it is first wanted.
 #include "HtmlHelpCall.h"
 
 namespace {

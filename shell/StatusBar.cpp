@@ -1,4 +1,3 @@
-// The line at the bottom of the main window.
 #include "StatusBar.h"
 
 #include <commctrl.h>

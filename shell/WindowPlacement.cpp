@@ -1,4 +1,3 @@
-// Where the main window goes on the screen.
 #include "WindowPlacement.h"
 
 RECT DesktopWithoutBar(const RECT& desktop, const RECT& bar) {

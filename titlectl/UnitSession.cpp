@@ -1,4 +1,3 @@
-// One connection to a main unit whose operations are waited for.
 #include "UnitSession.h"
 
 #include <cstdio>

@@ -1,4 +1,3 @@
-// The entry of programs with windows.
 #include "RunWithDesktop.h"
 
 #include <QApplication>

@@ -1,4 +1,3 @@
-// The table of live handles, and CloseHandle.
 #include "Handles.h"
 
 #include <array>

@@ -1,4 +1,3 @@
-// Paths of Linux, and the same in the form of Windows.
 #include "Paths.h"
 
 #include <algorithm>

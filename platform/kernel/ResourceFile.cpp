@@ -1,4 +1,3 @@
-// The standard file of compiled resources (.res).
 #include "ResourceFile.h"
 
 namespace kernel {

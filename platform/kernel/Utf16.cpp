@@ -1,4 +1,3 @@
-// Text of the resources, which is UTF-16, as UTF-8.
 #include "Utf16.h"
 
 namespace kernel {

@@ -1,4 +1,3 @@
-// The message queue of one thread: what was sent and posted to its windows, its quit flag and its timers.
 #include "MessageQueue.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// What all threads with windows or messages share, and the lock around it.
 #include "MessageState.h"
 
 #include "MessageQueue.h"

@@ -1,4 +1,3 @@
-// How the thread of a queue goes to sleep and is woken.
 #include "QueueWait.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// The timers of one thread.
 #include "TimerList.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// What the layer knows of one window.
 #include "Window.h"
 
 #include "WindowClasses.h"

@@ -1,4 +1,3 @@
-// The registered window classes of the process.
 #include "WindowClasses.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// A stack with a program of its own, entered from the scheduler and left back to it.
 #include "Fiber.h"
 
 #include <cxxabi.h>

@@ -1,4 +1,3 @@
-// The threads of a run, whose turn it is, and virtual time.
 #include "Scheduler.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// A serial line between the program and what a test has put at its other end.
 #include "SerialLine.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// One run of the program in virtual time, and what a test can do to it.
 #include "Simulation.h"
 
 #include <algorithm>

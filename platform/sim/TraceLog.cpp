@@ -1,4 +1,3 @@
-// What a run has done: a hash over all of it, and the last events in words.
 #include "TraceLog.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// Message boxes with texts from the resources.
 #include "MessageService.h"
 
 namespace {

@@ -1,4 +1,3 @@
-// What every test of whole programs stands on.
 #include "EndToEndTest.h"
 
 #include <fcntl.h>

@@ -1,4 +1,3 @@
-// The link in virtual time.
 #include "LinkHarness.h"
 
 #include <gtest/gtest.h>

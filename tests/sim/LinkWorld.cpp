@@ -1,4 +1,3 @@
-// The link against the simulated main unit while everything goes wrong.
 #include "LinkWorld.h"
 
 #include <algorithm>

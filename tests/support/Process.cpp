@@ -1,4 +1,3 @@
-// A program that runs beside the test.
 #include "Process.h"
 
 #include <fcntl.h>

@@ -31,7 +31,6 @@ void NotifyParent(HWND control, WORD code);
 // Gives a mouse or key message to the control's widget, as the event that it stands for. The window may be gone afterwards.
 void GiveMouse(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
 void GiveKey(HWND control, int virtualKey, bool down, const char* text = "");
-// What all controls do with WM_SETTEXT, WM_GETTEXT, WM_SETFONT and their like; false for other messages.
 void SetControlFont(ScreenWindow& window, HFONT font);
 
 }  // namespace desktop

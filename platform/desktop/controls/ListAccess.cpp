@@ -1,4 +1,3 @@
-// What screen readers are told of list boxes.
 #include "ListAccess.h"
 
 #include <QAccessible>

@@ -185,7 +185,7 @@ void FinishDialog(HWND dialog, LPARAM parameter, DWORD style) {
 }
 
 void RegisterDialogClass() {
-    // Room for DWLP_MSGRESULT, DWLP_DLGPROC and DWLP_USER.
+    // Room for DWLP_MSGRESULT and DWLP_DLGPROC.
     AddClass("#32770", DefDlgProcA, kDoubleClicks, 2 * static_cast<int>(sizeof(LONG_PTR)));
 }
 

@@ -1,4 +1,3 @@
-// Pixels: solid rectangles and glyphs on an image of any scale.
 #include "Canvas.h"
 
 #include <QGlyphRun>

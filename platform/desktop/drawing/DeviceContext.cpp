@@ -1,4 +1,3 @@
-// Device contexts: where they draw, and what they remember between two calls.
 #include "DeviceContext.h"
 
 #include <utility>

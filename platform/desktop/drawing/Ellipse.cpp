@@ -1,4 +1,3 @@
-// The pixels of ellipses, exactly those that Windows sets.
 #include "Ellipse.h"
 
 #include <QtGlobal>

@@ -1,4 +1,3 @@
-// A font in use: its measures and its glyphs.
 #include "FontFace.h"
 
 #include <QFontInfo>

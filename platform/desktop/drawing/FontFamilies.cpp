@@ -1,4 +1,3 @@
-// Which of the desktop's font families stands in for a face of Windows.
 #include "FontFamilies.h"
 
 #include <QFontDatabase>

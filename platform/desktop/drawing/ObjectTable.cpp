@@ -1,4 +1,3 @@
-// The pens, brushes, fonts, regions and device contexts that live, by their handles.
 #include "ObjectTable.h"
 
 #include <array>

@@ -1,4 +1,3 @@
-// The time between opening and closing a menu.
 #include "MenuLoop.h"
 
 #include <QApplication>

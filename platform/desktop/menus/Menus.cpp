@@ -1,4 +1,3 @@
-// Menus as the program knows them: handles, items and their states.
 #include "Menus.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// What the choosers for files and fonts share.
 #include "Choosers.h"
 
 #include <QWidget>

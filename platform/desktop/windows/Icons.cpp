@@ -1,4 +1,3 @@
-// Icons from the program's resources.
 #include "Icons.h"
 
 #include <QApplication>

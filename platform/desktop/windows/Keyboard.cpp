@@ -1,4 +1,3 @@
-// Keys: which are held, and what they are called on both sides.
 #include "Keyboard.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// What of a window has to be painted, and the device contexts that paint it.
 #include "Painting.h"
 
 #include <QGuiApplication>

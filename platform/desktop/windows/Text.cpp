@@ -1,4 +1,3 @@
-// Between the bytes of the code page and Qt's text.
 #include "Text.h"
 
 #include <windows.h>

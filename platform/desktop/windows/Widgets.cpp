@@ -1,4 +1,3 @@
-// The widgets behind the windows.
 #include "Widgets.h"
 
 #include <QGuiApplication>

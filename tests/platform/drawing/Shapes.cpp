@@ -1,4 +1,3 @@
-// Drawings whose every pixel is compared with Windows.
 #include "Shapes.h"
 
 #include <algorithm>

@@ -30,7 +30,10 @@ void EscapeAmpersands(char* text, std::size_t capacity) {
 void UnescapeAmpersands(char* text) {
     char* to = text;
     for (const char* from = text; *from != '\0'; ++from) {
-        if (*from == '&' && *++from == '\0') {
+        if (*from == '&') {
+            ++from;
+        }
+        if (*from == '\0') {
             break;
         }
         *to++ = *from;

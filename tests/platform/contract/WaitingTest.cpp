@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <array>
+#include <utility>
 
 #include "Run.h"
 #include "ThreadTools.h"

@@ -4,8 +4,6 @@
 
 #include <windows.h>
 
-#include <utility>
-
 #include "Scheduler.h"
 
 namespace {
@@ -17,7 +15,12 @@ PFLS_CALLBACK_FUNCTION slotCallback = nullptr;
 void sim::fiberlocals::ThreadEnds() {
     constexpr int kMostPasses = 4;
     for (int pass = 0; pass < kMostPasses && Self().localStorage != nullptr; ++pass) {
-        slotCallback(std::exchange(Self().localStorage, nullptr));
+        // The callback still finds its own value, as on Windows, and the slot is empty afterwards.
+        LPVOID value = Self().localStorage;
+        slotCallback(value);
+        if (Self().localStorage == value) {
+            Self().localStorage = nullptr;
+        }
     }
 }
 

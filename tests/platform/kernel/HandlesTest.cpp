@@ -8,9 +8,11 @@ HANDLE HandleOf(std::uintptr_t value) {
     return reinterpret_cast<HANDLE>(value);
 }
 
-DWORD WINAPI LeaveAnError(LPVOID found) {
-    *static_cast<DWORD*>(found) = GetLastError();
-    SetLastError(ERROR_WRITE_FAULT);
+DWORD WINAPI WaitAndSet(LPVOID parameter) {
+    const auto* events = static_cast<const HANDLE*>(parameter);
+    const HANDLE after = events[1];
+    WaitForSingleObject(events[0], INFINITE);
+    SetEvent(after);
     return 0;
 }
 
@@ -65,27 +67,15 @@ TEST(Handles, AStaleHandleNeverReachesTheNextObject) {
     }
 }
 
-TEST(Handles, EachThreadHasItsOwnLastError) {
-    SetLastError(ERROR_ALREADY_EXISTS);
-    DWORD found = ERROR_GEN_FAILURE;
-    HANDLE thread = CreateThread(nullptr, 0, LeaveAnError, &found, 0, nullptr);
-    ASSERT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-    CloseHandle(thread);
-    EXPECT_EQ(found, ERROR_SUCCESS);
-    EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
-}
-
-TEST(Memory, BlocksAreZeroedWhereAskedAndNeverNone) {
-    auto* block = static_cast<unsigned char*>(LocalAlloc(LPTR, 100));
-    ASSERT_NE(block, nullptr);
-    for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(block[i], 0);
-    }
-    EXPECT_EQ(LocalFree(block), nullptr);
-    HLOCAL empty = LocalAlloc(LMEM_FIXED, 0);
-    EXPECT_NE(empty, nullptr);
-    EXPECT_EQ(LocalFree(empty), nullptr);
-    EXPECT_EQ(LocalFree(nullptr), nullptr);
+TEST(Handles, AThreadGoesOnWithoutItsHandle) {
+    HANDLE events[] = {CreateEventA(nullptr, FALSE, FALSE, nullptr), CreateEventA(nullptr, FALSE, FALSE, nullptr)};
+    HANDLE thread = CreateThread(nullptr, 0, WaitAndSet, events, 0, nullptr);
+    ASSERT_TRUE(CloseHandle(thread));
+    EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_FAILED);
+    SetEvent(events[0]);
+    EXPECT_EQ(WaitForSingleObject(events[1], 10'000), WAIT_OBJECT_0);
+    CloseHandle(events[0]);
+    CloseHandle(events[1]);
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ LPCSTR Ordinal(WORD number) {
 }
 
 TEST(Modules, RegisteredLibraryGivesItsFunctionByOrdinal) {
-    EXPECT_EQ(LoadLibraryA("kernel-test.ocx"), nullptr);
+    EXPECT_EQ(LoadLibraryA("kernel-none.ocx"), nullptr);
     EXPECT_EQ(GetProcAddress(nullptr, Ordinal(14)), nullptr);
 
     kernel::RegisterLibrary("kernel-test.ocx", 14, Function);

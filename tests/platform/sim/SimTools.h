@@ -6,9 +6,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <utility>
 
 #include "Simulation.h"
+#include "ThreadTools.h"
 
 inline constexpr std::uint64_t kMs = 1000;
 inline constexpr std::uint64_t kSecond = 1'000'000;
@@ -18,48 +20,10 @@ inline void ExpectDone(Simulation& simulation, std::function<void()> main, std::
     EXPECT_TRUE(simulation.Run(std::move(main), limitUs)) << simulation.Report();
 }
 
-inline void ExpectOutcome(Simulation::Outcome outcome, std::function<void()> main, std::uint64_t limitUs = kHour) {
-    Simulation simulation({});
+// The report of a run that has to end so.
+inline std::string ExpectOutcome(Simulation::Outcome outcome, std::function<void()> main, std::uint64_t limitUs = kHour) {
+    Simulation simulation({.standstillPoints = 20'000});
     EXPECT_FALSE(simulation.Run(std::move(main), limitUs));
     EXPECT_EQ(simulation.Result(), outcome) << simulation.Report();
+    return simulation.Report();
 }
-
-struct Lock {
-    Lock() { InitializeCriticalSection(&section); }
-    ~Lock() {
-        if (!forgotten) {
-            DeleteCriticalSection(&section);
-        }
-    }
-    // A run that has failed leaves its locks held.
-    void Forget() { forgotten = true; }
-
-    CRITICAL_SECTION section;
-    bool forgotten = false;
-};
-
-// A thread of the program that is waited for at the end of its scope.
-class Thread {
-public:
-    explicit Thread(std::function<void()> newWork) : work(std::move(newWork)) {
-        handle = CreateThread(
-            nullptr, 0,
-            [](LPVOID self) -> DWORD {
-                static_cast<Thread*>(self)->work();
-                return 0;
-            },
-            this, 0, &id);
-    }
-    ~Thread() {
-        WaitForSingleObject(handle, INFINITE);
-        CloseHandle(handle);
-    }
-    Thread(const Thread&) = delete;
-    Thread& operator=(const Thread&) = delete;
-
-    HANDLE handle;
-    DWORD id = 0;
-
-private:
-    std::function<void()> work;
-};

@@ -1,11 +1,10 @@
-// Virtual time: sleeps, the beat of the system, lateness, ticks and callbacks.
+// Virtual time: the beat of the system, lateness, ticks and callbacks.
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <set>
 #include <vector>
 
-#include "Shared.h"
 #include "SimTools.h"
 #include "Simulation.h"
 
@@ -13,20 +12,7 @@ namespace {
 
 constexpr std::uint64_t kBeatUs = 15625;
 
-TEST(Time, WithoutAFinePeriodSleepsEndOnTheBeat) {
-    Simulation simulation({.jitterMs = 0});
-    ExpectDone(simulation, [&] {
-        for (const DWORD ms : {1U, 15U, 16U, 20U, 100U, 1U}) {
-            const std::uint64_t asked = simulation.Now() + ms * kMs;
-            Sleep(ms);
-            EXPECT_GE(simulation.Now(), asked);
-            EXPECT_LT(simulation.Now(), asked + kBeatUs);
-            EXPECT_EQ(simulation.Now() % kBeatUs, 0U);
-        }
-    });
-}
-
-TEST(Time, WhileAnybodyHoldsTheFinePeriodSleepsAreExact) {
+TEST(Time, SleepsEndOnTheBeatAndAreExactWhileAnybodyHoldsThePeriod) {
     Simulation simulation({.jitterMs = 0});
     ExpectDone(simulation, [&] {
         const auto slept = [&](DWORD ms) {
@@ -34,16 +20,16 @@ TEST(Time, WhileAnybodyHoldsTheFinePeriodSleepsAreExact) {
             Sleep(ms);
             return simulation.Now() - before;
         };
-        EXPECT_EQ(timeEndPeriod(1), TIMERR_NOCANDO);
-        EXPECT_EQ(timeBeginPeriod(2), TIMERR_NOCANDO);
-        EXPECT_EQ(timeBeginPeriod(1), TIMERR_NOERROR);
-        EXPECT_EQ(timeBeginPeriod(1), TIMERR_NOERROR);
+        EXPECT_EQ(slept(1), kBeatUs);
+        EXPECT_EQ(slept(16), kBeatUs * 2);
+        timeBeginPeriod(1);
+        timeBeginPeriod(1);
         EXPECT_EQ(slept(1), 1 * kMs);
+        timeEndPeriod(1);
         EXPECT_EQ(slept(20), 20 * kMs);
-        EXPECT_EQ(timeEndPeriod(1), TIMERR_NOERROR);
-        EXPECT_EQ(slept(3), 3 * kMs);
-        EXPECT_EQ(timeEndPeriod(1), TIMERR_NOERROR);
-        EXPECT_EQ(slept(1), kBeatUs * 2 - 24 * kMs);
+        EXPECT_EQ(simulation.PeriodsHeld(), 1);
+        timeEndPeriod(1);
+        EXPECT_EQ(slept(1), kBeatUs * 2 - 21 * kMs);
         EXPECT_EQ(simulation.PeriodsHeld(), 0);
     });
 }
@@ -66,15 +52,24 @@ TEST(Time, WakeUpsAreLateByUpToTheJitterAndNeverEarly) {
     EXPECT_EQ(late, expected);
 }
 
-TEST(Time, TicksCountMilliseconds) {
+TEST(Time, TicksCountAndATimeoutComesAtItsTimeAndASignalBeforeIt) {
     Simulation simulation({.jitterMs = 0});
     ExpectDone(simulation, [&] {
         timeBeginPeriod(1);
+        Event event(false);
         EXPECT_EQ(GetTickCount(), 0U);
-        Sleep(50);
-        EXPECT_EQ(GetTickCount(), 50U);
-        Sleep(0);
-        EXPECT_EQ(simulation.Now(), 50 * kMs);
+        EXPECT_EQ(WaitForSingleObject(event.handle, 25), WAIT_TIMEOUT);
+        EXPECT_EQ(simulation.Now(), 25 * kMs);
+        Thread setter([&] {
+            Sleep(10);
+            SetEvent(event.handle);
+        });
+        EXPECT_EQ(WaitForSingleObject(event.handle, 1000), WAIT_OBJECT_0);
+        EXPECT_EQ(simulation.Now(), 35 * kMs);
+        // The timer of the wait that has ended must not end this one.
+        EXPECT_EQ(WaitForSingleObject(event.handle, 5000), WAIT_TIMEOUT);
+        EXPECT_EQ(simulation.Now(), 5035 * kMs);
+        EXPECT_EQ(GetTickCount(), 5035U);
     });
 }
 
@@ -106,54 +101,6 @@ TEST(Time, CallbacksComeInOrderAndBeforeTheThreadsOfTheirMoment) {
     });
     const std::vector<std::pair<int, std::uint64_t>> expected = {{1, 10 * kMs}, {2, 10 * kMs}, {3, 10 * kMs}, {4, 20 * kMs}};
     EXPECT_EQ(events, expected);
-}
-
-TEST(Time, TheLimitEndsARun) {
-    Simulation simulation({});
-    EXPECT_FALSE(simulation.Run(
-        [] {
-            while (true) {
-                Sleep(100);
-            }
-        },
-        10 * kSecond));
-    EXPECT_EQ(simulation.Result(), Simulation::Outcome::kTimeLimit);
-    EXPECT_EQ(simulation.Now(), 10 * kSecond);
-    EXPECT_NE(simulation.Report().find("(main) sleeps until"), std::string::npos) << simulation.Report();
-}
-
-TEST(Time, AThreadThatNeverLetsTimePassIsFound) {
-    using Spin = void (*)(Shared<int>&);
-    const Spin spins[] = {
-        [](Shared<int>& flag) {
-            while (flag == 0) {}
-        },
-        [](Shared<int>&) {
-            while (true) {
-                Sleep(0);
-            }
-        },
-        [](Shared<int>&) {
-            while (GetTickCount() < 100) {}
-        },
-    };
-    for (const Spin spin : spins) {
-        for (const bool alone : {true, false}) {
-            Simulation simulation({.standstillPoints = 20'000});
-            Shared<int> flag = 0;
-            EXPECT_FALSE(simulation.Run(
-                [&] {
-                    const auto main = [&] { spin(flag); };
-                    if (alone) {
-                        main();
-                    }
-                    Thread other(main);
-                    main();
-                },
-                kHour));
-            EXPECT_EQ(simulation.Result(), Simulation::Outcome::kStandstill) << simulation.Report();
-        }
-    }
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
-// Critical sections: one at a time, deadlocks found, rules enforced.
+// How a run ends that does not end well, and what its report says.
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <functional>
+#include <string>
 
-#include "Shared.h"
 #include "SimTools.h"
 #include "Simulation.h"
 
@@ -13,40 +12,70 @@ namespace {
 
 using Outcome = Simulation::Outcome;
 
-TEST(Lock, OnlyOneThreadIsInside) {
-    for (std::uint64_t seed = 1; seed <= 50; ++seed) {
-        Simulation simulation({.seed = seed, .switchChance = 0.5});
-        Lock lock;
-        Shared<int> inside = 0;
-        int most = 0;
-        int entries = 0;
-        const auto work = [&] {
-            for (int i = 0; i < 20; ++i) {
-                EnterCriticalSection(&lock.section);
-                EnterCriticalSection(&lock.section);
-                most = std::max(most, inside.Add(1));
-                ++entries;
-                if (i % 7 == 0) {
-                    Sleep(1);
-                }
-                LeaveCriticalSection(&lock.section);
-                most = std::max<int>(most, inside);
-                inside.Add(-1);
-                LeaveCriticalSection(&lock.section);
-            }
-        };
-        ExpectDone(simulation, [&] {
-            Thread a(work);
-            Thread b(work);
-            Thread c(work);
-        });
-        EXPECT_EQ(most, 1) << "seed " << seed;
-        EXPECT_EQ(entries, 60) << "seed " << seed;
+void ExpectPart(const std::string& report, const char* part) {
+    EXPECT_NE(report.find(part), std::string::npos) << part << " in:\n" << report;
+}
+
+TEST(Outcome, TheReportSaysWhoWaitsForWhat) {
+    ExpectPart(ExpectOutcome(Outcome::kDeadlock,
+                             [] { WaitForSingleObject(CreateEventA(nullptr, FALSE, FALSE, nullptr), INFINITE); }),
+               "(main) waits for event");
+    ExpectPart(ExpectOutcome(Outcome::kLeftover,
+                             [] {
+                                 CloseHandle(CreateThread(
+                                     nullptr, 0,
+                                     [](LPVOID) -> DWORD {
+                                         Sleep(INFINITE);
+                                         return 0;
+                                     },
+                                     nullptr, 0, nullptr));
+                                 Sleep(100);
+                             }),
+               "sleeps for ever");
+    ExpectPart(ExpectOutcome(Outcome::kTimeLimit, [] { Sleep(20'000); }, 10 * kSecond), "(main) sleeps until");
+    bool wentOn = false;
+    const std::string report = ExpectOutcome(Outcome::kFailed, [&] {
+        Simulation::Current()->Trace("a mark");
+        Simulation::Current()->Fail("a title is lost");
+        wentOn = true;
+    });
+    EXPECT_FALSE(wentOn);
+    for (const char* part : {"a title is lost", "seed 1", "(main) runs", "a mark"}) {
+        ExpectPart(report, part);
     }
 }
 
-// Both threads get through in some orders; where they do not, the circle is found at once, though a third still polls.
-TEST(Lock, ACircleOfLocksIsFoundWhileOthersGoOn) {
+TEST(Outcome, AThreadThatNeverLetsTimePassIsFound) {
+    using Spin = void (*)(Shared<int>&);
+    const Spin spins[] = {
+        [](Shared<int>& flag) {
+            while (flag == 0) {}
+        },
+        [](Shared<int>&) {
+            while (true) {
+                Sleep(0);
+            }
+        },
+        [](Shared<int>&) {
+            while (GetTickCount() < 100) {}
+        },
+    };
+    for (const Spin spin : spins) {
+        for (const bool alone : {true, false}) {
+            Shared<int> flag = 0;
+            ExpectOutcome(Outcome::kStandstill, [&] {
+                if (alone) {
+                    spin(flag);
+                }
+                Thread other([&] { spin(flag); });
+                spin(flag);
+            });
+        }
+    }
+}
+
+// Both threads get through in some orders; where they do not, the circle is found at once, though a third still sleeps.
+TEST(Outcome, ACircleOfLocksIsFoundWhileOthersGoOn) {
     int found = 0;
     for (std::uint64_t seed = 1; seed <= 100; ++seed) {
         Simulation simulation({.seed = seed});
@@ -61,17 +90,9 @@ TEST(Lock, ACircleOfLocksIsFoundWhileOthersGoOn) {
         };
         const bool done = simulation.Run(
             [&] {
-                Shared<int> polls = 1;
-                Thread poller([&] {
-                    while (polls) {
-                        Sleep(1);
-                    }
-                });
-                {
-                    Thread a([&] { takeBoth(first, second); });
-                    Thread b([&] { takeBoth(second, first); });
-                }
-                polls = 0;
+                Thread sleeper([] { Sleep(2000); });
+                Thread a([&] { takeBoth(first, second); });
+                Thread b([&] { takeBoth(second, first); });
             },
             kHour);
         if (done) {
@@ -88,14 +109,10 @@ TEST(Lock, ACircleOfLocksIsFoundWhileOthersGoOn) {
 }
 
 // Whichever of the two comes to its wait last closes the circle.
-TEST(Lock, WaitingForAThreadThatWaitsForTheLockIsADeadlock) {
+TEST(Outcome, WaitingForAThreadThatWaitsForTheLockIsADeadlock) {
     for (const DWORD ownerMs : {0U, 100U}) {
         ExpectOutcome(Outcome::kDeadlock, [ownerMs] {
-            Thread poller([] {
-                while (true) {
-                    Sleep(1);
-                }
-            });
+            Thread sleeper([] { Sleep(2 * 3600 * 1000); });
             Lock lock;
             EnterCriticalSection(&lock.section);
             Thread other([&] {
@@ -108,14 +125,7 @@ TEST(Lock, WaitingForAThreadThatWaitsForTheLockIsADeadlock) {
     }
 }
 
-TEST(Lock, NobodyWhoCanEverGoOnIsADeadlock) {
-    Simulation simulation({});
-    EXPECT_FALSE(simulation.Run([] { WaitForSingleObject(CreateEventA(nullptr, FALSE, FALSE, nullptr), INFINITE); }, kHour));
-    EXPECT_EQ(simulation.Result(), Outcome::kDeadlock);
-    EXPECT_NE(simulation.Report().find("(main) waits for event"), std::string::npos) << simulation.Report();
-}
-
-TEST(Lock, MisuseEndsTheRun) {
+TEST(Outcome, MisuseEndsTheRun) {
     const std::function<void()> misuses[] = {
         [] {
             Lock lock;

@@ -1,0 +1,6 @@
+#include "Run.h"
+#include "ThreadTools.h"
+
+void RunProgram(const std::function<void()>& body) {
+    const Thread main(body);
+}

@@ -37,6 +37,7 @@ DeviceLink::Bounds DeviceLink::BoundsOf(GroupId group) const {
 
 // False if the ring is full.
 bool DeviceLink::AddToPlan(const LinkRequest& request) {
+    assert(queueLock.IsHeldByThisThread());
     if (planCount >= kRingSize) {
         return false;
     }

@@ -1,6 +1,8 @@
 // A restartable thread that calls one procedure again and again.
 #include "WorkerThread.h"
 
+#include <cassert>
+
 WorkerThread::~WorkerThread() {
     Stop();
 }
@@ -32,6 +34,7 @@ void WorkerThread::Stop() {
     if (thread == nullptr) {
         return;
     }
+    assert(threadId != GetCurrentThreadId());
     running = 0;
     while (MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
         MSG message;

@@ -1,6 +1,7 @@
 // The child dialog that fills the main window above the status bar.
 #include "EditorPane.h"
 
+#include <cassert>
 #include <new>
 
 #include "MessageService.h"
@@ -48,6 +49,7 @@ void EditorPane::SetMessageService(MessageService* service) {
 }
 
 int EditorPane::Create(HWND parent) {
+    assert(thePane == nullptr);
     thePane = this;
     auto* instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(parent, GWLP_HINSTANCE));
     hDlg = CreateDialogParamA(instance, MAKEINTRESOURCEA(IDD_PANE), parent, PaneDlgProc, 0);

@@ -1,6 +1,7 @@
 // The line above the lists that tells what is going on with the main unit.
 #include "MessageLine.h"
 
+#include <cassert>
 #include <cstdio>
 #include <string>
 
@@ -38,6 +39,7 @@ void MessageLine::Attach(HWND dialog, int controlId) {
 }
 
 void MessageLine::Set(int textId, GroupId group, TrackNo track) {
+    assert(group <= kGroups && track <= kTracks);
     lineTextId = textId;
     lineGroup = group;
     lineTrack = track;

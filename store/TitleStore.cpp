@@ -257,11 +257,13 @@ bool TitleStore::IsGroupKnown(GroupId group) const {
 
 // --- Entries -------------------------------------------------------------------------------------------------------------
 
+#ifndef NDEBUG
 bool TitleStore::TitleEntry::IsSound() const {
     const int state = flags & kStateBits;
     return state != kStateBits && (state == TS_NONE || (flags & TF_KNOWN) != 0) && (state != TS_NONE || text[0] == '\0') &&
            text[kTitleLength] == '\0' && (editCount > 0) == (state == TS_EDITED);
 }
+#endif
 
 int TitleStore::Receive(GroupId group, TrackNo track, const char* text) {
     if (!IsGroup(group) || track > kTracks) {

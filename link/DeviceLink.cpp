@@ -133,6 +133,7 @@ void DeviceLink::StopOperation() {
 }
 
 void DeviceLink::StopHoldingStartLock() {
+    assert(startLock.IsHeldByThisThread() && !queueLock.IsHeldByThisThread());
     {
         LockGuard lock(queueLock);
         operationActive = 0;
@@ -169,6 +170,7 @@ bool DeviceLink::MustWaitForStop() const {
 
 // Sleeps of a few milliseconds are kept only while somebody asks for them; an idle program should not.
 void DeviceLink::HoldTimerPeriod() {
+    assert(queueLock.IsHeldByThisThread());
     if (!fastTimer) {
         fastTimer = timeBeginPeriod(kTimerPeriodMs) == TIMERR_NOERROR;
     }
@@ -183,6 +185,7 @@ void DeviceLink::ReleaseIdleTimerPeriod() {
 }
 
 void DeviceLink::Post(UINT message, WPARAM wParam, LPARAM lParam) {
+    assert(!queueLock.IsHeldByThisThread());
     const HWND window = paneWindow;
     if (window != nullptr) {
         PostMessageA(window, message, wParam, lParam);
@@ -191,5 +194,6 @@ void DeviceLink::Post(UINT message, WPARAM wParam, LPARAM lParam) {
 
 void DeviceLink::EndPosting() {
     LockGuard lock(queueLock);
+    assert(posting > 0);
     --posting;
 }

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -167,7 +168,10 @@ private:
     void SendBuiltFrame(const char* frame, std::uint32_t number);
     static void EncodeRequest(const LinkRequest& request, char* out);
     static BYTE CodeForStep(BYTE step);
-    LinkRequest& NextEntry() { return ring[NextIndex(ringIndex)]; }
+    LinkRequest& NextEntry() {
+        assert(queueLock.IsHeldByThisThread());
+        return ring[NextIndex(ringIndex)];
+    }
 
     // --- Replies (DeviceLinkReplies.cpp)
     static void FrameArrived(void* link, std::string_view frame);

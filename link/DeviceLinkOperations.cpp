@@ -30,6 +30,7 @@ struct DeviceLink::StepRow {
 // The low 16 bits of the messages are fixed numbers and not always the operation's own: every reading operation checks the
 // status as OP_GET_ALL, both sending operations report as OP_SEND_GROUP.
 const DeviceLink::StepRow* DeviceLink::FindRow() const {
+    assert(queueLock.IsHeldByThisThread());
     using enum Condition;
     using enum Action;
     static constexpr StepRow kConnect[] = {
@@ -133,6 +134,7 @@ void DeviceLink::DriverTick() {
         Post(row->action == Action::kEnd ? LM_RESULT : LM_PROGRESS, row->message, 0);
     }
     LockGuard lock(queueLock);
+    assert(posting > 0);
     --posting;
     if (wait && number == queueNumber) {
         ArmQueue();

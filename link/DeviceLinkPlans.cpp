@@ -18,11 +18,11 @@ DeviceLink::Bounds DeviceLink::BoundsOf(GroupId group) const {
     const bool discs = operationRanges.discFrom != 0 || operationRanges.discTo != 0;
     const bool albums = operationRanges.albumFrom != 0 || operationRanges.albumTo != 0;
     if (discs && (group == 0 || !IsAlbum(group))) {
-        bounds.firstDisc = operationRanges.discFrom;
+        bounds.firstDisc = std::max(operationRanges.discFrom, 1);
         bounds.lastDisc = operationRanges.discTo;
     }
     if (albums && (group == 0 || IsAlbum(group))) {
-        bounds.firstAlbum = operationRanges.albumFrom;
+        bounds.firstAlbum = std::max(operationRanges.albumFrom, 1);
         bounds.lastAlbum = operationRanges.albumTo;
     }
     if (group != 0) {
@@ -37,6 +37,7 @@ DeviceLink::Bounds DeviceLink::BoundsOf(GroupId group) const {
 
 // False if the ring is full.
 bool DeviceLink::AddToPlan(const LinkRequest& request) {
+    assert(queueLock.IsHeldByThisThread());
     if (planCount >= kRingSize) {
         return false;
     }

@@ -1,6 +1,7 @@
 // The link's queue of requests and the sender that works it.
 //
 // All but SenderTick and SendBuiltFrame run under queueLock.
+#include <algorithm>
 #include <cstring>
 
 #include "DeviceLink.h"
@@ -14,6 +15,7 @@ constexpr std::int32_t kTimeOutTicks = 200;  // and has failed at this
 }  // namespace
 
 void DeviceLink::ResetQueue() {
+    assert(queueLock.IsHeldByThisThread());
     sending = false;
     txFrame[0] = '\0';
     ring.fill({});
@@ -27,6 +29,7 @@ void DeviceLink::ResetQueue() {
 }
 
 void DeviceLink::ArmQueue() {
+    assert(queueLock.IsHeldByThisThread() && stepBusy && !ring[ringIndex].IsFree());
     txFrame[0] = '\0';
     replyAccepted = false;
     dataOwed = false;
@@ -122,6 +125,7 @@ bool DeviceLink::MoveOn() {
         askedAgain = false;
         return true;
     }
+    assert(stepFailed || std::all_of(ring.begin(), ring.end(), [](const LinkRequest& entry) { return entry.IsFree(); }));
     QueueThrough(answered);
     return false;
 }
@@ -164,6 +168,7 @@ WPARAM DeviceLink::TimeOut() {
 }
 
 void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
+    assert(!queueLock.IsHeldByThisThread());
     Sleep(kPauseBeforeFrameMs);
     bool write = false;
     {
@@ -185,6 +190,7 @@ void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
 }
 
 void DeviceLink::EncodeRequest(const LinkRequest& request, char* out) {
+    assert(!request.IsFree());
     switch (request.kind) {
         case LinkRequest::kModelQuery: EncodeModelQuery(out); break;
         case LinkRequest::kStatusQuery: EncodeStatusQuery(static_cast<std::uint8_t>(request.arg1), out); break;

@@ -18,6 +18,7 @@ constexpr std::uint32_t kProbeRefused = 0x20002;
 }  // namespace
 
 void DeviceLink::React(Outbox& outbox) {
+    assert(queueLock.IsHeldByThisThread() && sending && handlingFrame);
     if (result.status != ST_OK && result.status != ST_LAST) {
         return;
     }

@@ -78,6 +78,7 @@ void DeviceLink::HandleFrame(std::string_view frame) {
         Post(LM_RESULT, result.operation | static_cast<WPARAM>(result.code) << 16 | static_cast<WPARAM>(result.status) << 24,
              static_cast<LPARAM>(result.data));
     }
+    assert(!queueLock.IsHeldByThisThread());
     if (outbox.pauseMs != 0) {
         Sleep(outbox.pauseMs);
     }
@@ -300,6 +301,7 @@ bool DeviceLink::SendTitleData(GroupId group, TrackNo track) {
         dataOwed = false;
         number = operationNumber;
     }
+    assert(!queueLock.IsHeldByThisThread());
     Sleep(kPauseBeforeDataMs);
     DWORD written = 0;
     const auto length = static_cast<DWORD>(std::strlen(frame));

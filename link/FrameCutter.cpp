@@ -1,5 +1,7 @@
 #include "FrameCutter.h"
 
+#include <cassert>
+
 namespace {
 
 constexpr std::string_view kSeparators("\r\n", 2);
@@ -51,6 +53,7 @@ void FrameCutter::FeedPiece(std::string_view piece) {
 }
 
 void FrameCutter::Append(char c) {
+    assert(length > 0 && length < kFrameSize);
     if (length < kFrameSize) {
         rxFrame[length++] = c;
     }
@@ -61,6 +64,7 @@ void FrameCutter::Append(char c) {
 }
 
 void FrameCutter::HandOver(std::size_t frameLength) {
+    assert(frameLength == 0 || rxFrame[frameLength - 1] == kEtx);
     proc(owner, std::string_view(rxFrame, frameLength));
     length = 0;
 }

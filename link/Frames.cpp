@@ -1,5 +1,6 @@
 #include "Frames.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "Fields.h"
@@ -47,6 +48,7 @@ void PutPayloadTail(char* out) {
 
 void EncodeTitleRequest(std::uint32_t subType, std::uint8_t groupKind, std::uint32_t number, std::uint32_t track,
                         char* out) {
+    assert(groupKind <= kKindAlbum && number >= 1 && number <= kDiscs && track <= kTracks);
     PutHex(subType, 2, out + 5);
     PutHex(groupKind * 2U, 1, out + 7);
     PutDec(number, 3, out + 8);
@@ -97,6 +99,7 @@ FrameKind ClassifyBlock(std::string_view frame) {
 }  // namespace
 
 std::uint16_t GroupCode(GroupId group) {
+    assert(group >= 1 && group <= kGroups);
     return static_cast<std::uint16_t>(IsAlbum(group) ? 0x2000 + AlbumNumber(group) : group);
 }
 

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cassert>
 #include <cstring>
 
 namespace {
@@ -18,6 +19,7 @@ SentTitles::~SentTitles() {
 }
 
 void SentTitles::Record(std::uint32_t operationNumber, GroupId group, TrackNo track, const char* text) {
+    assert(IsReady() && operationNumber != 0);
     const int index = IndexOf(group, track);
     if (index < 0) {
         return;
@@ -29,6 +31,7 @@ void SentTitles::Record(std::uint32_t operationNumber, GroupId group, TrackNo tr
 }
 
 const char* SentTitles::Find(std::uint32_t operationNumber, GroupId group, TrackNo track) const {
+    assert(IsReady() && operationNumber != 0);
     const int index = IndexOf(group, track);
     return index >= 0 && entries[index].operationNumber == operationNumber ? entries[index].text : nullptr;
 }

@@ -1,5 +1,7 @@
 #include "WorkerThread.h"
 
+#include <cassert>
+
 WorkerThread::~WorkerThread() {
     Stop();
 }
@@ -31,6 +33,7 @@ void WorkerThread::Stop() {
     if (thread == nullptr) {
         return;
     }
+    assert(threadId != GetCurrentThreadId());
     running = 0;
     while (MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
         MSG message;

@@ -1,6 +1,7 @@
 // What the group list and the track list have in common: the list's life, its rows and its selection.
 #include "CTitleList.h"
 
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 
@@ -116,6 +117,8 @@ void CTitleList::EndRefill(const Refill& refill) {
         const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
         for (int row = 0; row < count; ++row) {
             SetRowHeight(row);
+            assert(row == 0 || SendMessageA(hwnd, LB_GETITEMDATA, static_cast<WPARAM>(row - 1), 0) <
+                                   SendMessageA(hwnd, LB_GETITEMDATA, static_cast<WPARAM>(row), 0));
         }
         SendMessageA(hwnd, WM_SETREDRAW, TRUE, 0);
         OnRefilled();
@@ -140,6 +143,7 @@ void CTitleList::SetRowHeight(int rowIndex) {
 
 bool CTitleList::InsertRow(int rowIndex, const char* label, int number, const char* title, GroupId group,
                            TrackNo track) const {
+    assert(group >= 1 && group <= kGroups && track >= 0 && track <= kTracks && std::strchr(title, '\t') == nullptr);
     char escaped[kEscapedTitleSize];
     std::snprintf(escaped, sizeof escaped, "%s", title);
     EscapeAmpersands(escaped, sizeof escaped);

@@ -1,5 +1,6 @@
 // How a list's editor opens and closes.
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <new>
 
@@ -14,7 +15,10 @@ constexpr int kEditorId = 102;
 // Marks the time in which the editor is opened or closed. What that brings about may call either once more.
 class Busy {
 public:
-    explicit Busy(bool& flag) : flag(flag) { flag = true; }
+    explicit Busy(bool& flag) : flag(flag) {
+        assert(!flag);
+        flag = true;
+    }
     ~Busy() { flag = false; }
     Busy(const Busy&) = delete;
     Busy& operator=(const Busy&) = delete;
@@ -95,6 +99,7 @@ int CTitleList::EndEdit() {
         return 0;
     }
     {
+        assert(curSel >= 0 && editGroup >= 1 && editGroup <= kGroups && editTrack >= 0 && editTrack <= kTracks);
         const Busy busy(editBusy);
         if (commitEnabled) {
             enterCommitted = editor->IsEnterPressed();

@@ -1,4 +1,5 @@
 // What the mouse does on a list: clicks that open the editor, and the step arrows of the frame.
+#include <cassert>
 #include <cstdlib>
 
 #include "CTitleList.h"
@@ -112,6 +113,7 @@ void CTitleList::OnTimer(UINT_PTR timerId) {
 
 void CTitleList::StepSelection() {
     if (arrowTracking && arrowPressed) {
+        assert(arrowKind != kNoArrow && GetCapture() == hwnd);
         MoveSelection(arrowKind == kUp ? -1 : 1);
     }
 }

@@ -1,5 +1,7 @@
 #include "RefillRequests.h"
 
+#include <cassert>
+
 void RefillRequests::Request(GroupId group) {
     const LockGuard guard(lock);
     latest.Add(1);
@@ -25,6 +27,7 @@ bool RefillRequests::IsRequested() const {
 
 bool RefillRequests::End(const Refill& refill) {
     const LockGuard guard(lock);
+    assert(rebuilding != 0);
     rebuilding = 0;
     if (!IsLatest(refill)) {
         return false;
@@ -38,6 +41,7 @@ bool RefillRequests::Begin(Refill& refill) {
     if (!rebuildRequested) {
         return false;
     }
+    assert(rebuilding == 0);
     rebuilding = 1;
     refill = {latest, pendingGroup, ranges};
     return true;

@@ -1,6 +1,7 @@
 #include "Faults.h"
 
 #include <algorithm>
+#include <cassert>
 #include <charconv>
 
 #include "UnitFrames.h"
@@ -119,6 +120,7 @@ std::vector<Chunk> Faults::Apply(const std::vector<Reply>& replies) {
     for (const Reply& reply : replies) {
         Deliver(reply, chunks);
     }
+    assert(std::none_of(chunks.begin(), chunks.end(), [](const Chunk& chunk) { return chunk.bytes.empty(); }));
     std::stable_sort(chunks.begin(), chunks.end(), [](const Chunk& a, const Chunk& b) { return a.delayMs < b.delayMs; });
     return chunks;
 }

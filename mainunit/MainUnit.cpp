@@ -1,6 +1,7 @@
 #include "MainUnit.h"
 
 #include <array>
+#include <cassert>
 #include <map>
 #include <utility>
 
@@ -59,6 +60,7 @@ std::vector<Reply> MainUnit::Receive(std::string_view bytes) {
         if (!ReadRequest(piece, request, problem)) {
             ++malformed;
         } else if (const std::optional<std::string> answer = Answer(request, problem)) {
+            assert(settings.latencyMs >= 0);
             replies.push_back({*answer, settings.latencyMs});
         }
         if (log) {
@@ -69,6 +71,7 @@ std::vector<Reply> MainUnit::Receive(std::string_view bytes) {
 }
 
 std::optional<std::string> MainUnit::Answer(const UnitRequest& request, std::string& problem) {
+    assert(library::IsEntry(request.entry) && statusIndex <= settings.status.size());
     if (request.kind == UnitRequest::Kind::kTitleData) {
         if (!TakeTitle(request.text)) {
             ++malformed;
@@ -170,6 +173,7 @@ bool MainUnit::TakeTitle(const std::string& text) {
             byte = ' ';
         }
     }
+    assert(library.Exists(*entry) && title.size() == kTitleBytes);
     library.SetTitle(*entry, title);
     changed = true;
     return true;

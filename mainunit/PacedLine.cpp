@@ -1,6 +1,7 @@
 #include "PacedLine.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace mainunit {
@@ -41,6 +42,7 @@ PacedLine::Taken PacedLine::Take(std::int64_t nowNs) {
     Taken taken;
     while (!queue.empty()) {
         Waiting& front = queue.front();
+        assert(front.sent < front.bytes.size() && queuedBytes >= front.bytes.size() - front.sent);
         const std::int64_t endNs = std::max(outFreeNs, front.dueNs) + byteNs;
         if (endNs > nowNs) {
             break;
@@ -53,6 +55,7 @@ PacedLine::Taken PacedLine::Take(std::int64_t nowNs) {
             queue.pop_front();
         }
     }
+    assert(!queue.empty() || queuedBytes == 0);
     return taken;
 }
 

@@ -1,5 +1,7 @@
 #include "UnitFrames.h"
 
+#include <cassert>
+
 namespace mainunit {
 
 namespace {
@@ -16,6 +18,7 @@ std::string Digits(unsigned value, int width, unsigned base) {
 }
 
 std::optional<int> ReadDigits(std::string_view field, int base) {
+    assert(field.size() <= 4);
     int value = 0;
     for (const char byte : field) {
         const std::size_t digit = kDigits.substr(0, static_cast<std::size_t>(base)).find(byte);
@@ -54,6 +57,7 @@ std::uint8_t SumOf(std::string_view bytes) {
 }
 
 std::string BlockFrame(std::string_view payload) {
+    assert(payload.size() <= 0xFF);
     std::string body = "50" + Hex(static_cast<unsigned>(payload.size()), 2);
     body += payload;
     return kDc4 + body + Hex(SumOf(body), 2) + kEtx;
@@ -64,6 +68,7 @@ std::string ShortReply(std::uint8_t type, std::uint8_t value) {
 }
 
 std::string ModelReply(std::string_view model) {
+    assert(model.size() == 5);
     // The byte behind the id and the data are free; no client reads them.
     const std::string body = std::string(model) + "0" + "00";
     return kDc2 + body + Hex(SumOf(body), 2) + kEtx;

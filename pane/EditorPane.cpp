@@ -1,5 +1,6 @@
 #include "EditorPane.h"
 
+#include <cassert>
 #include <new>
 
 #include "MessageService.h"
@@ -47,6 +48,7 @@ void EditorPane::SetMessageService(MessageService* service) {
 }
 
 int EditorPane::Create(HWND parent) {
+    assert(thePane == nullptr);
     thePane = this;
     auto* instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(parent, GWLP_HINSTANCE));
     hDlg = CreateDialogParamA(instance, MAKEINTRESOURCEA(IDD_PANE), parent, PaneDlgProc, 0);

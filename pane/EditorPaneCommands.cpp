@@ -3,6 +3,7 @@
 
 #include <commdlg.h>
 
+#include <cassert>
 #include <cstring>
 
 #include "DisplayRangesDialog.h"
@@ -50,6 +51,7 @@ void EditorPane::OnToolCommand(WORD command) {
 void EditorPane::BeginTransfer() {
     EndInlineEdits();
     CutOffLink();
+    assert(watchArmed == 0 && !deviceLink->IsOperationActive());
     fetchedGroup = -1;
     currentGroup = GetSelectedGroup();
 }

@@ -1,5 +1,6 @@
 #include "MessageLine.h"
 
+#include <cassert>
 #include <cstdio>
 #include <string>
 
@@ -37,6 +38,7 @@ void MessageLine::Attach(HWND dialog, int controlId) {
 }
 
 void MessageLine::Set(int textId, GroupId group, TrackNo track) {
+    assert(group <= kGroups && track <= kTracks);
     lineTextId = textId;
     lineGroup = group;
     lineTrack = track;

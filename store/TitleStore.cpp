@@ -2,6 +2,7 @@
 #include "TitleStore.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -30,12 +31,14 @@ std::uint8_t WithState(std::uint8_t flags, std::uint8_t state) {
 // 33 bytes is cut there.
 void SetText(char (&target)[kTitleSize], const char* text) {
     const std::size_t length = strnlen(text, kTitleLength);
+    assert(std::all_of(text, text + length, [](char byte) { return byte >= ' ' && byte <= '~'; }));
     std::memcpy(target, text, length);
     std::memset(target + length, 0, kTitleSize - length);
 }
 
 // The text of an entry or a record always has its terminator.
 void CopyOut(const char (&source)[kTitleSize], char* target) {
+    assert(source[kTitleLength] == '\0');
     std::memcpy(target, source, std::strlen(source) + 1);
 }
 
@@ -184,6 +187,7 @@ int TitleStore::UndoEdit(GroupId* group, TrackNo* track, char* text) {
     const GroupId editedGroup = record.group + 1;
     const TrackNo editedTrack = record.track + 1;
     TitleEntry* entry = editedTrack == 0 ? FindReachable(editedGroup, 0) : FindEntry(editedGroup, editedTrack);
+    assert(entry != nullptr);
     if (entry == nullptr) {
         return 0;
     }
@@ -217,13 +221,16 @@ int TitleStore::CanUndo() const {
 
 // The entry, whether answered for or not. Null for numbers that name nothing and for a track without a table.
 TitleStore::TitleEntry* TitleStore::FindEntry(GroupId group, TrackNo track) {
+    assert(lock.IsHeldByThisThread());
     if (!IsGroup(group) || track > kTracks) {
         return nullptr;
     }
     TitleSlot& slot = slots[group - 1];
+    assert(slot.title.IsSound() && slot.trackCount <= (slot.tracks != nullptr ? kTracks : 0));
     if (track <= 0) {
         return &slot.title;
     }
+    assert(slot.tracks == nullptr || slot.tracks[static_cast<std::size_t>(track - 1)].IsSound());
     return slot.tracks != nullptr ? &slot.tracks[static_cast<std::size_t>(track - 1)] : nullptr;
 }
 
@@ -249,6 +256,14 @@ bool TitleStore::IsGroupKnown(GroupId group) const {
 }
 
 // --- Entries -------------------------------------------------------------------------------------------------------------
+
+#ifndef NDEBUG
+bool TitleStore::TitleEntry::IsSound() const {
+    const int state = flags & kStateBits;
+    return state != kStateBits && (state == TS_NONE || (flags & TF_KNOWN) != 0) && (state != TS_NONE || text[0] == '\0') &&
+           text[kTitleLength] == '\0' && (editCount > 0) == (state == TS_EDITED);
+}
+#endif
 
 int TitleStore::Receive(GroupId group, TrackNo track, const char* text) {
     if (!IsGroup(group) || track > kTracks) {
@@ -286,6 +301,7 @@ int TitleStore::Forget(TitleEntry& entry, GroupId group, TrackNo track) {
 
 // A full ring gives up its oldest record. The entry of that record stays as edited as it was.
 void TitleStore::AddUndoRecord(GroupId group, TrackNo track, const TitleEntry& entry) {
+    assert(undoHead >= 0 && undoHead < kUndoRecords);
     UndoRecord& record = undoRing[undoHead];
     record.group = group - 1;
     record.track = std::max(track, 0) - 1;

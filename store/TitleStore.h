@@ -101,6 +101,8 @@ private:
         char text[kTitleSize];
         std::uint8_t flags;      // TF_ bits
         std::uint8_t editCount;  // edits that have not been undone, at most 255; above 0 exactly while TF_EDITED is set
+
+        bool IsSound() const;  // for asserts
     };
     static_assert(sizeof(TitleEntry) == 35);
 

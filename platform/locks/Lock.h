@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 // Recursive. It is neither copied nor moved, since the system knows it by its address. It must be free when it goes.
 class CriticalSection {
 public:
@@ -14,20 +16,44 @@ public:
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
+#ifndef NDEBUG
+    bool IsHeldByThisThread() const { return owner == GetCurrentThreadId(); }
+#endif
+
 private:
     friend class LockGuard;
 
+    void Enter() {
+        EnterCriticalSection(&section);
+#ifndef NDEBUG
+        owner = GetCurrentThreadId();
+        ++depth;
+#endif
+    }
+    void Leave() {
+#ifndef NDEBUG
+        if (--depth == 0) {
+            owner = 0;
+        }
+#endif
+        LeaveCriticalSection(&section);
+    }
+
     CRITICAL_SECTION section;
+#ifndef NDEBUG
+    std::atomic<DWORD> owner = 0;  // 0 while it is free, which is no thread's id
+    int depth = 0;
+#endif
 };
 
 // Waits for the lock where it is declared and lets go at the end of the block.
 class [[nodiscard]] LockGuard {
 public:
-    explicit LockGuard(CriticalSection& lock) : section(lock.section) { EnterCriticalSection(&section); }
-    ~LockGuard() { LeaveCriticalSection(&section); }
+    explicit LockGuard(CriticalSection& lock) : lock(lock) { lock.Enter(); }
+    ~LockGuard() { lock.Leave(); }
     LockGuard(const LockGuard&) = delete;
     LockGuard& operator=(const LockGuard&) = delete;
 
 private:
-    CRITICAL_SECTION& section;
+    CriticalSection& lock;
 };

@@ -15,6 +15,3 @@ enum PaneRequest : WPARAM {
 
 // Posts a request from a control to its pane, which acts on it once the control is done with what it is doing.
 void PostPaneRequest(HWND control, PaneRequest code, LPARAM argument);
-
-// Posts a button's request if a mouse button was released inside the client area. Where it went down does not matter.
-void PostIfReleasedInside(HWND button, int x, int y, PaneRequest code);

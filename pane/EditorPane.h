@@ -10,9 +10,8 @@
 #include "DeviceLink.h"
 #include "Lock.h"
 #include "MessageLine.h"
+#include "PaneButtons.h"
 #include "Shared.h"
-#include "StopButton.h"
-#include "SyncButton.h"
 #include "TitleStore.h"
 #include "WorkerThread.h"
 

@@ -9,9 +9,8 @@
 
 #include "Harness.h"
 #include "MessageLog.h"
+#include "PaneButtons.h"
 #include "PaneRequests.h"
-#include "StopButton.h"
-#include "SyncButton.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "LinkWorld.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <sstream>
 
@@ -102,6 +103,10 @@ std::string WorldOptions::Text() const {
 }
 
 WorldOutcome RunWorld(const WorldOptions& options) {
+    // An assert that fails would leave no word of the seed.
+    static unsigned long long seed;
+    seed = options.seed;
+    std::signal(SIGABRT, [](int) { std::fprintf(stderr, "repeat with: build/checked/bin/sim_run --seed %llu\n", seed); });
     Simulation::Options simulationOptions;
     simulationOptions.seed = options.seed;
     simulationOptions.traceEvents = 20;

@@ -17,7 +17,7 @@ TEST_P(LinkWorlds, HoldWhatTheyPromise) {
     for (std::uint64_t seed = GetParam(); seed <= TESSELIA_SIM_SEEDS; seed += kShards) {
         const WorldOptions options = WorldOptions::Draw(seed, Canary::kNone);
         const WorldOutcome outcome = RunWorld(options);
-        ASSERT_TRUE(outcome.passed) << "repeat with: build/release/bin/sim_run --seed " << seed << "\n"
+        ASSERT_TRUE(outcome.passed) << "repeat with: build/checked/bin/sim_run --seed " << seed << "\n"
                                     << options.Text() << "\n"
                                     << outcome.report;
         late += options.repliesInTime ? 0 : 1;

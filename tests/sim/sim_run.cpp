@@ -21,7 +21,7 @@ bool RunOne(std::uint64_t seed, bool verbose, double& virtualSeconds, int& misfi
     virtualSeconds += outcome.virtualSeconds;
     misfiled += outcome.misfiled;
     if (!outcome.passed) {
-        std::printf("FAILED %s\n%s\nrepeat with: build/release/bin/sim_run --seed %llu\n", options.Text().c_str(),
+        std::printf("FAILED %s\n%s\nrepeat with: build/checked/bin/sim_run --seed %llu\n", options.Text().c_str(),
                     outcome.report.c_str(), static_cast<unsigned long long>(seed));
     } else if (verbose) {
         std::printf("passed, %.0f s of line time, trace %016llx\n", outcome.virtualSeconds,

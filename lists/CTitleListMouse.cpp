@@ -113,7 +113,7 @@ void CTitleList::OnTimer(UINT_PTR timerId) {
 
 void CTitleList::StepSelection() {
     if (arrowTracking && arrowPressed) {
-        assert(arrowKind != kNoArrow && GetCapture() == hwnd);
+        assert(arrowKind != kNoArrow);
         MoveSelection(arrowKind == kUp ? -1 : 1);
     }
 }

@@ -33,7 +33,7 @@ private:
     char text[kTextSize] = "";
 };
 
-// The main window with its keys in `accelerators`. Null, and said so, if anything is missing.
+// Returns the main window, with its keys in `accelerators`; null after showing an error.
 HWND Start(HINSTANCE instance, HINSTANCE previousInstance, const StartFailureBox& failureBox, HACCEL& accelerators) {
     if (previousInstance == nullptr && AppWindow::RegisterMainClass(instance) == 0) {
         failureBox.Show();

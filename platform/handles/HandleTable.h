@@ -39,7 +39,7 @@ public:
 
     void Remove(Handle handle) {
         if (Find(handle) != nullptr) {
-            // The end of an object may come back to the table.
+            // A destructor may call Remove.
             const std::unique_ptr<T> gone = std::move(places[PlaceOf(handle)].object);
             freePlaces.push_back(PlaceOf(handle));
         }

@@ -40,7 +40,7 @@ struct OPENFILENAMEA {
 };
 static_assert(sizeof(void*) != 8 || sizeof(OPENFILENAMEA) == 152);
 
-// Of what the user has chosen the path alone is told.
+// Both return the path alone.
 BOOL GetOpenFileNameA(OPENFILENAMEA* chooser);
 BOOL GetSaveFileNameA(OPENFILENAMEA* chooser);
 
@@ -67,5 +67,5 @@ struct CHOOSEFONTA {
 };
 static_assert(sizeof(void*) != 8 || sizeof(CHOOSEFONTA) == 104);
 
-// Tells the font alone, not its size in points.
+// Returns the font, not its size in points.
 BOOL ChooseFontA(CHOOSEFONTA* chooser);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-std::atomic<unsigned> gPage{0};  // 0 until it is looked up or chosen.
+std::atomic<unsigned> currentPage{0};  // 0 until it is looked up or chosen.
 
 // "ja", "ja_JP.UTF-8", "ja@..." and "japanese", but not another language that begins alike.
 bool IsJapanese(std::string_view locale) {
@@ -106,16 +106,16 @@ unsigned CodePageOfLocale() {
 }
 
 unsigned CodePage() {
-    unsigned page = gPage.load(std::memory_order_relaxed);
+    unsigned page = currentPage.load(std::memory_order_relaxed);
     if (page == 0) {
         page = CodePageOfLocale();
-        gPage.store(page, std::memory_order_relaxed);
+        currentPage.store(page, std::memory_order_relaxed);
     }
     return page;
 }
 
 void SetCodePage(unsigned page) {
-    gPage.store(page, std::memory_order_relaxed);
+    currentPage.store(page, std::memory_order_relaxed);
 }
 
 std::string ToUtf8(std::string_view bytes) {

@@ -12,19 +12,19 @@
 
 namespace {
 
-std::atomic<PHANDLER_ROUTINE> gHandler{nullptr};
+std::atomic<PHANDLER_ROUTINE> consoleHandler{nullptr};
 // A signal handler may do next to nothing, so it only writes the signal's number for the thread that may do everything.
-int gPipe[2] = {-1, -1};
+int eventPipe[2] = {-1, -1};
 
 void WriteDown(int signal) {
     const int error = errno;
     const auto number = static_cast<unsigned char>(signal);
-    [[maybe_unused]] const ssize_t put = write(gPipe[1], &number, 1);  // A full pipe has requests enough.
+    [[maybe_unused]] const ssize_t put = write(eventPipe[1], &number, 1);  // A full pipe has requests enough.
     errno = error;
 }
 
 void Deliver(int signalNumber) {
-    const PHANDLER_ROUTINE handler = gHandler.load();
+    const PHANDLER_ROUTINE handler = consoleHandler.load();
     if (handler(signalNumber == SIGINT ? CTRL_C_EVENT : CTRL_BREAK_EVENT)) {
         return;
     }
@@ -36,7 +36,7 @@ void Deliver(int signalNumber) {
 void* DeliverAll(void*) {
     for (;;) {
         unsigned char number;
-        const ssize_t got = read(gPipe[0], &number, 1);
+        const ssize_t got = read(eventPipe[0], &number, 1);
         if (got == 1) {
             Deliver(number);
         } else if (got == 0 || errno != EINTR) {
@@ -46,11 +46,11 @@ void* DeliverAll(void*) {
 }
 
 bool StartDelivery() {
-    if (pipe2(gPipe, O_CLOEXEC) != 0) {
+    if (pipe2(eventPipe, O_CLOEXEC) != 0) {
         return false;
     }
     // Only the end that the signal handler uses must not block.
-    fcntl(gPipe[1], F_SETFL, O_NONBLOCK);
+    fcntl(eventPipe[1], F_SETFL, O_NONBLOCK);
     pthread_t thread;
     if (pthread_create(&thread, nullptr, DeliverAll, nullptr) != 0) {
         return false;
@@ -69,7 +69,7 @@ BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add) {
     if (!handler || !add) {
         return kernel::Unsupported("removing a console handler");
     }
-    gHandler = handler;
+    consoleHandler = handler;
     static const bool started = StartDelivery();
     return started ? TRUE : kernel::Fail(ERROR_NOT_ENOUGH_MEMORY);
 }

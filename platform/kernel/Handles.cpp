@@ -23,38 +23,38 @@ struct Slot {
 };
 
 // The table is never destroyed: threads may still use it while the process ends.
-std::array<Slot, kSlots> gSlots;
+std::array<Slot, kSlots> slots;
 
 // The queue of free slots: what was freed first is used first.
-std::mutex gFreeLock;
-std::uint32_t gFirstFree = 0;
-std::uint32_t gLastFree = 0;
-std::uint32_t gFreeCount = 0;
-std::uint32_t gUsedSlots = 0;
+std::mutex freeLock;
+std::uint32_t firstFree = 0;
+std::uint32_t lastFree = 0;
+std::uint32_t freeCount = 0;
+std::uint32_t usedSlots = 0;
 
 // The index of a slot to use, or kSlots.
 std::uint32_t TakeSlot() {
-    const std::lock_guard guard(gFreeLock);
-    if (gUsedSlots < kSlots && gFreeCount < kFreeReserve) {
-        return gUsedSlots++;
+    const std::lock_guard guard(freeLock);
+    if (usedSlots < kSlots && freeCount < kFreeReserve) {
+        return usedSlots++;
     }
-    if (gFreeCount == 0) {
+    if (freeCount == 0) {
         return kSlots;
     }
-    const std::uint32_t index = gFirstFree;
-    gFirstFree = gSlots[index].nextFree;
-    --gFreeCount;
+    const std::uint32_t index = firstFree;
+    firstFree = slots[index].nextFree;
+    --freeCount;
     return index;
 }
 
 void GiveSlotBack(std::uint32_t index) {
-    const std::lock_guard guard(gFreeLock);
-    if (gFreeCount++ == 0) {
-        gFirstFree = index;
+    const std::lock_guard guard(freeLock);
+    if (freeCount++ == 0) {
+        firstFree = index;
     } else {
-        gSlots[gLastFree].nextFree = index;
+        slots[lastFree].nextFree = index;
     }
-    gLastFree = index;
+    lastFree = index;
 }
 
 HANDLE MakeHandle(std::uint32_t index, std::uint32_t generation) {
@@ -70,7 +70,7 @@ Slot* SlotOf(HANDLE handle, std::uint32_t& index, std::uint32_t& generation) {
     }
     index = static_cast<std::uint32_t>(value >> 2) % kSlots;
     generation = static_cast<std::uint32_t>(value >> 2) >> kIndexBits;
-    return &gSlots[index];
+    return &slots[index];
 }
 
 }  // namespace
@@ -81,7 +81,7 @@ HANDLE AddHandle(Ref<KernelObject> object) {
         Fail(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
-    Slot& slot = gSlots[index];
+    Slot& slot = slots[index];
     const std::lock_guard guard(slot.lock);
     slot.generation = slot.generation + 1 < kGenerations ? slot.generation + 1 : 1;
     slot.object = object.Detach();

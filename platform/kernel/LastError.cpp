@@ -6,16 +6,16 @@
 
 namespace {
 
-thread_local DWORD tLastError = ERROR_SUCCESS;
+thread_local DWORD lastError = ERROR_SUCCESS;
 
 }  // namespace
 
 DWORD GetLastError() {
-    return tLastError;
+    return lastError;
 }
 
 void SetLastError(DWORD error) {
-    tLastError = error;
+    lastError = error;
 }
 
 namespace kernel {

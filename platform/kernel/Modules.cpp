@@ -9,28 +9,28 @@ namespace kernel {
 namespace {
 
 // The two modules there are; their addresses are their handles.
-char gProgram;
+char program;
 struct {
     LPCSTR name = "";
     WORD ordinal = 0;
     FARPROC function = nullptr;
-} gLibrary;
+} library;
 
 }  // namespace
 
 void RegisterLibrary(LPCSTR name, WORD ordinal, FARPROC function) {
-    gLibrary = {name, ordinal, function};
+    library = {name, ordinal, function};
 }
 
 }  // namespace kernel
 
 HMODULE GetModuleHandleA(LPCSTR name) {
-    return name ? LoadLibraryA(name) : reinterpret_cast<HMODULE>(&kernel::gProgram);
+    return name ? LoadLibraryA(name) : reinterpret_cast<HMODULE>(&kernel::program);
 }
 
 HMODULE LoadLibraryA(LPCSTR name) {
-    const bool known = kernel::gLibrary.function && name && strcasecmp(kernel::gLibrary.name, name) == 0;
-    return known ? reinterpret_cast<HMODULE>(&kernel::gLibrary) : nullptr;
+    const bool known = kernel::library.function && name && strcasecmp(kernel::library.name, name) == 0;
+    return known ? reinterpret_cast<HMODULE>(&kernel::library) : nullptr;
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
@@ -40,5 +40,5 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
         Unsupported("GetProcAddress by name");
         return nullptr;
     }
-    return module == reinterpret_cast<HMODULE>(&gLibrary) && ordinal == gLibrary.ordinal ? gLibrary.function : nullptr;
+    return module == reinterpret_cast<HMODULE>(&library) && ordinal == library.ordinal ? library.function : nullptr;
 }

@@ -18,7 +18,7 @@ extern const std::byte tesseliaResourcesEnd[] __attribute__((weak, visibility("h
 namespace kernel {
 namespace {
 
-std::atomic<WORD> gLanguage{0};  // 0 until it is looked up or chosen.
+std::atomic<WORD> currentLanguage{0};  // 0 until it is looked up or chosen.
 
 // Never destroyed: threads may load strings while the process ends.
 const std::vector<Resource>& ProgramResources() {
@@ -69,16 +69,16 @@ std::string BytesOf(char32_t character) {
 }  // namespace
 
 WORD ResourceLanguage() {
-    WORD language = gLanguage.load(std::memory_order_relaxed);
+    WORD language = currentLanguage.load(std::memory_order_relaxed);
     if (language == 0) {
         language = CodePageOfLocale() == kJapanesePage ? kJapanese : kEnglish;
-        gLanguage.store(language, std::memory_order_relaxed);
+        currentLanguage.store(language, std::memory_order_relaxed);
     }
     return language;
 }
 
 void SetResourceLanguage(WORD language) {
-    gLanguage.store(language, std::memory_order_relaxed);
+    currentLanguage.store(language, std::memory_order_relaxed);
 }
 
 Bytes ResourceBytes(LPCSTR name, LPCSTR type) {

@@ -27,10 +27,8 @@ std::string RuntimeFolder() {
     if (const char* chosen = std::getenv("TESSELIA_RUNTIME_DIR")) {
         return MakePrivateFolder(chosen);
     }
-    const std::string user = std::to_string(geteuid());
-    const std::string folder =
-        IsPrivateFolder("/run/user/" + user) ? MakePrivateFolder("/run/user/" + user + "/tesselia") : "";
-    return !folder.empty() ? folder : MakePrivateFolder("/tmp/tesselia-" + user);
+    // Not below /run/user, which comes and goes with the user's logins.
+    return MakePrivateFolder("/tmp/tesselia-" + std::to_string(geteuid()));
 }
 
 }  // namespace kernel

@@ -12,26 +12,26 @@ namespace kernel {
 namespace {
 
 // Numbers of our own, since a new thread's number must be known to its maker at once. Multiples of four, as on Windows.
-std::atomic<DWORD> gLastThreadId{0};
-thread_local DWORD tThreadId = 0;
+std::atomic<DWORD> lastThreadId{0};
+thread_local DWORD threadId = 0;
 
 DWORD NewThreadId() {
-    return gLastThreadId.fetch_add(4, std::memory_order_relaxed) + 4;
+    return lastThreadId.fetch_add(4, std::memory_order_relaxed) + 4;
 }
 
 // After so many rounds what the callback puts into the slot is given up.
 constexpr int kFlsRounds = 4;
 
-std::atomic<PFLS_CALLBACK_FUNCTION> gFlsCallback{nullptr};
-thread_local LPVOID tFlsValue = nullptr;
+std::atomic<PFLS_CALLBACK_FUNCTION> flsCallback{nullptr};
+thread_local LPVOID flsValue = nullptr;
 
 void RunFlsCallback() {
-    for (int round = 0; round < kFlsRounds && tFlsValue; ++round) {
+    for (int round = 0; round < kFlsRounds && flsValue; ++round) {
         // The callback still finds its own value, as on Windows, and the slot is empty afterwards.
-        LPVOID value = tFlsValue;
-        gFlsCallback.load()(value);
-        if (tFlsValue == value) {
-            tFlsValue = nullptr;
+        LPVOID value = flsValue;
+        flsCallback.load()(value);
+        if (flsValue == value) {
+            flsValue = nullptr;
         }
     }
 }
@@ -43,7 +43,7 @@ public:
 
     DWORD Id() const { return id; }
     void Run() {
-        tThreadId = id;
+        threadId = id;
         start(parameter);
         RunFlsCallback();
         Signal();
@@ -109,24 +109,24 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T, LPTHREAD_START_ROUTI
 }
 
 DWORD GetCurrentThreadId() {
-    if (kernel::tThreadId == 0) {
-        kernel::tThreadId = kernel::NewThreadId();
+    if (kernel::threadId == 0) {
+        kernel::threadId = kernel::NewThreadId();
     }
-    return kernel::tThreadId;
+    return kernel::threadId;
 }
 
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback) {
-    if (kernel::gFlsCallback.exchange(callback)) {
+    if (kernel::flsCallback.exchange(callback)) {
         kernel::Unsupported("a second slot of thread-local storage");
     }
     return 0;
 }
 
 LPVOID FlsGetValue(DWORD) {
-    return kernel::tFlsValue;
+    return kernel::flsValue;
 }
 
 BOOL FlsSetValue(DWORD, LPVOID value) {
-    kernel::tFlsValue = value;
+    kernel::flsValue = value;
     return TRUE;
 }

@@ -17,16 +17,16 @@ namespace {
 constexpr std::int64_t kBeatNs = 15'625'000;
 constexpr std::int64_t kNsPerSecond = 1'000'000'000;
 
-std::atomic<int> gPreciseHolders{0};
+std::atomic<int> preciseHolders{0};
 
 // The kernel may deliver a wake-up 50 microseconds late to join it with others, which is 5 % of the shortest sleep. Threads
 // that sleep on the beat lose nothing by it: their wake-ups fall together anyway.
 void AskForPreciseTimer() {
-    thread_local bool tAsked = false;
-    if (!tAsked) {
+    thread_local bool asked = false;
+    if (!asked) {
         prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
     }
-    tAsked = true;
+    asked = true;
 }
 
 void SleepUntil(std::int64_t ns) {
@@ -53,7 +53,7 @@ void Sleep(DWORD milliseconds) {
     std::int64_t until = MonotonicNs() + milliseconds * kNsPerMs;
     if (milliseconds == INFINITE) {
         until = INT64_MAX;
-    } else if (gPreciseHolders.load(std::memory_order_relaxed) > 0) {
+    } else if (preciseHolders.load(std::memory_order_relaxed) > 0) {
         AskForPreciseTimer();
     } else {
         // The clock's own zero is the origin of the beat: every thread has it without agreeing on one.
@@ -70,7 +70,7 @@ MMRESULT timeBeginPeriod(UINT periodMs) {
     if (periodMs != 1) {
         return TIMERR_NOCANDO;
     }
-    kernel::gPreciseHolders.fetch_add(1);
+    kernel::preciseHolders.fetch_add(1);
     return TIMERR_NOERROR;
 }
 
@@ -78,9 +78,9 @@ MMRESULT timeEndPeriod(UINT periodMs) {
     if (periodMs != 1) {
         return TIMERR_NOCANDO;
     }
-    int holders = kernel::gPreciseHolders.load();
+    int holders = kernel::preciseHolders.load();
     while (holders > 0) {
-        if (kernel::gPreciseHolders.compare_exchange_weak(holders, holders - 1)) {
+        if (kernel::preciseHolders.compare_exchange_weak(holders, holders - 1)) {
             return TIMERR_NOERROR;
         }
     }

@@ -40,9 +40,9 @@ QByteArray EncodeValue(const RegistryValue& value) {
 
 std::optional<RegistryValue> DecodeValue(const QByteArray& text) {
     bool isNumber = false;
-    const std::int32_t number = text.toInt(&isNumber);
-    if (isNumber) {
-        return RegistryValue{REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number)};
+    const qlonglong number = text.toLongLong(&isNumber);
+    if (isNumber && number >= INT32_MIN && number <= UINT32_MAX) {
+        return RegistryValue{REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof(DWORD))};
     }
     if (text.size() < 2 || !text.startsWith('"') || text.indexOf('"', 1) != text.size() - 1) {
         return std::nullopt;

@@ -1,8 +1,8 @@
 // The registry in a text file: sections are keys, lines are values.
 //
 //   [HKEY_LOCAL_MACHINE\SOFTWARE\ORVANE\HDD/CD%20recorder]
-//   SizeX=600                      REG_DWORD, a signed decimal number
-//   FaceName="MS UI Gothic\x00"    REG_SZ, bytes; a REG_DWORD of another size is read back as one
+//   SizeX=600                      REG_DWORD, a decimal number, written with its sign
+//   FaceName="MS UI Gothic\x00"    REG_SZ, bytes; a REG_DWORD that has not four bytes becomes a REG_SZ
 //   @="text"                       the value without a name
 //
 // A section without lines is a key without values. QSettings would turn what looks like a serialised object into one.
@@ -33,7 +33,7 @@ public:
     bool AddKey(const QString& path);
     // Null where there is none.
     const RegistryValue* FindValue(const QString& path, const QString& name) const;
-    // Of an existing key.
+    // The key must exist.
     void SetValue(const QString& path, const QString& name, RegistryValue value) {
         keys[path].insert_or_assign(name, std::move(value));
     }

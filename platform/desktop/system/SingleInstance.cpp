@@ -57,6 +57,9 @@ HWND windowToForward = nullptr;
 
 void CALLBACK BringForward(HWND, UINT, UINT_PTR timer, DWORD) {
     KillTimer(nullptr, timer);
+    if (!IsWindow(windowToForward)) {
+        return;
+    }
     BringWindowToTop(windowToForward);
     ShowWindow(windowToForward, SW_SHOWNORMAL);
     HWND popup = EnabledPopupOf(windowToForward);

@@ -3,7 +3,7 @@
 
 #include "win/types.h"
 
-// Errors that GetLastError tells after a failed call for a handle, a file, a port or a mutex. Calls for windows, messages,
+// What GetLastError returns after a failed call for a handle, a file, a port or a mutex. Calls for windows, messages,
 // menus and resources need not set one.
 inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
@@ -23,7 +23,7 @@ inline constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 DWORD GetLastError();
 void SetLastError(DWORD error);
 
-// Closes any handle that the functions below give. A thread goes on when its handle is closed.
+// Closes any handle that the functions below return. A thread goes on when its handle is closed.
 BOOL CloseHandle(HANDLE handle);
 
 // --- Threads -------------------------------------------------------------------------------------------------------------
@@ -35,7 +35,7 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stackSize, LPTHREAD_S
                     DWORD flags, LPDWORD threadId);
 DWORD GetCurrentThreadId();
 
-// The one slot of thread-local storage, which the queues of messages take. Its callback runs with the slot's value, if that
+// The one slot of thread-local storage, which the message queues use. Its callback runs with the slot's value, if that
 // is not null, when a thread ends that CreateThread has started; up to four times, as long as it fills the slot again.
 using PFLS_CALLBACK_FUNCTION = void(WINAPI*)(LPVOID);
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback);

@@ -17,9 +17,10 @@ inline constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
 inline constexpr DWORD REG_SZ = 1;
 inline constexpr DWORD REG_DWORD = 4;
 
-// Each returns ERROR_SUCCESS or an error. Values are REG_SZ and REG_DWORD. A buffer that is too small gives ERROR_MORE_DATA
+// Each returns ERROR_SUCCESS or an error. Values are REG_SZ and REG_DWORD. With a buffer that is too small, ERROR_MORE_DATA
 // and the size that is needed. New keys and values reach the file when a key is closed; a failure to write it is not
-// reported. The path of a key has at most 255 characters. For one thread alone.
+// reported. A file that cannot be read, or has more than 64 KiB, is never replaced. The path of a key has at most 255
+// characters. For one thread alone.
 LSTATUS RegCreateKeyExA(HKEY key, LPCSTR name, DWORD reserved, LPSTR keyClass, DWORD options, REGSAM access,
                         LPSECURITY_ATTRIBUTES security, HKEY* opened, LPDWORD disposition);
 LSTATUS RegOpenKeyExA(HKEY key, LPCSTR name, DWORD options, REGSAM access, HKEY* opened);

@@ -41,7 +41,7 @@ private:
 
     CRITICAL_SECTION section;
 #ifndef NDEBUG
-    std::atomic<DWORD> owner = 0;  // 0 while it is free, which is no thread's id
+    std::atomic<DWORD> owner = 0;  // 0 while the lock is free; no thread has that id
     int depth = 0;
 #endif
 };

@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-// Gives the handle of a window that has heard nothing yet, or 0.
+// Returns the handle of a new window that has received no message yet, or 0.
 HWND MakeWindow(const CREATESTRUCTA& create);
 
 // Sends the last message, WM_NCDESTROY. The handle is stale afterwards.

@@ -32,7 +32,7 @@ constexpr char kFind = 'F';
 constexpr char kForward = 'B';
 constexpr int kLongestQuestion = 1024;
 
-// Empty, which is no valid path, where no folder can be trusted.
+// Returns an empty path if no folder can be trusted.
 std::string PathOf(const char* name) {
     const std::string folder = kernel::RuntimeFolder();
     return folder.empty() ? std::string() : folder + name;
@@ -139,7 +139,7 @@ HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES, BOOL, LPCSTR) {
     // The lock belongs to the open file, so that it goes with the process, however that ends.
     const int file = open(desktop::PathOf("/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     const bool isFirst = flock(file, LOCK_EX | LOCK_NB) == 0;
-    // Where no lock works there is no way to tell, and a program that runs twice is better than none.
+    // If locking fails, another copy cannot be detected. The program starts all the same.
     const bool existed = !isFirst && errno == EWOULDBLOCK;
     HANDLE handle = kernel::AddHandle(kernel::Ref<kernel::KernelObject>(new desktop::Lock(file)));
     if (isFirst) {

@@ -43,7 +43,7 @@ LRESULT DefDlgProcA(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 HWND GetDlgItem(HWND dialog, int id);
 int GetDlgCtrlID(HWND window);
 BOOL SetDlgItemTextA(HWND dialog, int id, LPCSTR text);
-// Both without a sign. GetDlgItemInt returns 0 for what is no number.
+// Both unsigned. GetDlgItemInt returns 0 for any text but a number.
 UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL isSigned);
 BOOL SetDlgItemInt(HWND dialog, int id, UINT value, BOOL isSigned);
 // The next or previous visible and enabled child with WS_TABSTOP in the order of the children, going on at the other end;

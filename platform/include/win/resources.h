@@ -34,9 +34,9 @@ HMODULE LoadLibraryA(LPCSTR name);  // Of the libraries that the layer itself st
 // By ordinal alone.
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 
-// The user's one mutex, whatever the name. It exists until its first handle is closed; while it does, each other call, in
-// this process or another, sets ERROR_ALREADY_EXISTS. FindWindowExA of other copies finds the windows of the one that holds it.
-// For the thread that owns the windows.
+// Each user has one mutex, whatever the name. It exists until its first handle is closed. Until then each other call, in
+// this process or another, sets ERROR_ALREADY_EXISTS. FindWindowExA of other copies finds the windows of the copy that holds
+// it. For the thread that owns the windows.
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name);
 
 // The entry of a program with windows.

@@ -72,10 +72,6 @@ bool PortObject::Write(std::string_view bytes) {
     }
     // The observer may have pulled the plug.
     if (!accepted || line == nullptr) {
-        if (line != nullptr) {
-            line->Closed(*this);
-            Die();
-        }
         SetLastError(ERROR_WRITE_FAULT);
         return false;
     }

@@ -40,7 +40,7 @@ public:
 
     // Another program has the port: opening it fails. An open port is not touched.
     void SetBusy(bool newBusy) { busy = newBusy; }
-    // Every write fails, and the line hears nothing of it.
+    // Every write fails while that is on, as it may on Windows, and the line hears nothing of it.
     void RejectWrites(bool newReject) { rejectWrites = newReject; }
     // Called for each WriteFile that reaches a live port, by the writing thread and before the peer hears of it; must not
     // wait.

@@ -154,7 +154,8 @@ std::string MainUnit::AnswerRead(const UnitRequest& request) const {
 std::string MainUnit::AnswerWrite(const UnitRequest& request) {
     // The tracks of an album belong to discs and are named there.
     const bool albumTrack = request.entry.kind == GroupKind::kAlbum && request.entry.track > 0;
-    if (albumTrack || !library.Exists(request.entry) || (settings.writeNeedsReady && told != kReady)) {
+    if (settings.refuseWrites || albumTrack || !library.Exists(request.entry) ||
+        (settings.writeNeedsReady && told != kReady)) {
         return BlockReply(SubType::kTitleWrite, kNoSuchEntry);
     }
     awaited = request.entry;

@@ -27,6 +27,7 @@ struct UnitSettings {
     std::uint8_t menu = kNotInMenu;  // the answer to the StatusQuery 0x60
     bool probeAccepted = false;      // the MapQuery that asks for no group at all
     bool refuseMaps = false;         // every other MapQuery is refused
+    bool refuseWrites = false;       // every TitleWrite is refused
     bool writeNeedsReady = false;    // TitleWrite is refused unless the last StatusReply said ready
     int latencyMs = 0;               // from the end of a request to the start of its reply, not negative
 };

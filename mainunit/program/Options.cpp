@@ -78,6 +78,7 @@ constexpr Flag kFlags[] = {
     {"--sample", [](Options& options) { options.sample = true; }},
     {"--menu", [](Options& options) { options.unit.menu = 0; }},
     {"--refuse-maps", [](Options& options) { options.unit.refuseMaps = true; }},
+    {"--refuse-writes", [](Options& options) { options.unit.refuseWrites = true; }},
     {"--write-needs-ready", [](Options& options) { options.unit.writeNeedsReady = true; }},
     {"--quiet", [](Options& options) { options.quiet = true; }},
     {"--help", [](Options& options) { options.help = true; }},
@@ -193,6 +194,7 @@ The unit:
   --menu              be in MENU mode
   --probe accept      accept the probe for track maps (default: refuse)
   --refuse-maps       refuse to tell which discs, albums and tracks exist
+  --refuse-writes     refuse every new title
   --write-needs-ready refuse titles unless the state was asked and was ready
   --latency MS        time from a request to its reply (default: 0)
 

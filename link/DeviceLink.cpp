@@ -9,7 +9,6 @@ namespace {
 
 constexpr DWORD kWorkerPeriodMs = 20;
 constexpr int kStopPasses = 1000;  // of 1 ms each
-constexpr UINT kTimerPeriodMs = 1;
 
 }  // namespace
 
@@ -48,7 +47,7 @@ bool DeviceLink::Connect(LPCSTR portName) {
         return false;
     }
     LockGuard lock(queueLock);
-    BeginOperation(OP_CONNECT, 0, 0);
+    BeginOperation(OP_CONNECT, 0);
     return true;
 }
 
@@ -61,11 +60,9 @@ void DeviceLink::Disconnect() {
     cutter.Reset();
     LockGuard lock(queueLock);
     operationActive = 0;
-    ++operationNumber;
     handlingFrame = false;
     sendPending = false;
     posting = 0;
-    ForgetOwedReplies();
     ResetQueue();
     ReleaseIdleTimerPeriod();
 }
@@ -90,41 +87,34 @@ bool DeviceLink::GetGroupTracks(GroupId group) {
     return StartOperation(OP_GET_TRACKS, group);
 }
 bool DeviceLink::SendAllTitles() {
-    return sent.IsReady() && StartOperation(OP_SEND_ALL, 0);
+    return StartOperation(OP_SEND_ALL, 0);
 }
 bool DeviceLink::SendGroup(GroupId group) {
-    return sent.IsReady() && StartOperation(OP_SEND_GROUP, group);
+    return StartOperation(OP_SEND_GROUP, group);
 }
 
-bool DeviceLink::StartOperation(std::uint32_t newOperation, GroupId group) {
+bool DeviceLink::StartOperation(WORD newOperation, GroupId group) {
     LockGuard start(startLock);
-    const auto number = static_cast<std::uint32_t>(group);
-    if (!HasWorkers() || !AcceptsGroup(number, 0)) {
+    if (senderWorker == nullptr || driverWorker == nullptr || !AcceptsGroup(static_cast<std::uint32_t>(group))) {
         return false;
     }
     StopHoldingStartLock();
     LockGuard lock(queueLock);
-    BeginOperation(newOperation, number, 0);
+    BeginOperation(newOperation, group);
     return true;
 }
 
-bool DeviceLink::AcceptsGroup(std::uint32_t group, std::uint32_t track) {
-    const auto within = [](std::uint32_t number, TrackNo from, TrackNo to) {
-        return (from != 0 || to != 0) && static_cast<std::int64_t>(number) >= from &&
-               static_cast<std::int64_t>(number) <= to;
-    };
+// Whether a group, 0 for all, lies in its range.
+bool DeviceLink::AcceptsGroup(std::uint32_t group) {
+    if (group == 0 || group > kGroups) {
+        return group == 0;
+    }
     LockGuard lock(queueLock);
-    if (group > kGroups) {
-        return false;
-    }
     const auto id = static_cast<GroupId>(group);
-    if (id != 0 && IsAlbum(id) && !within(static_cast<std::uint32_t>(AlbumNumber(id)), ranges.albumFrom, ranges.albumTo)) {
-        return false;
-    }
-    if (id != 0 && !IsAlbum(id) && !within(group, ranges.discFrom, ranges.discTo)) {
-        return false;
-    }
-    return track == 0 || (track <= kTracks && within(track, ranges.trackFrom, ranges.trackTo));
+    const GroupId number = IsAlbum(id) ? AlbumNumber(id) : id;
+    const GroupId from = IsAlbum(id) ? ranges.albumFrom : ranges.discFrom;
+    const GroupId to = IsAlbum(id) ? ranges.albumTo : ranges.discTo;
+    return number >= from && number <= to;
 }
 
 void DeviceLink::StopOperation() {
@@ -138,9 +128,8 @@ void DeviceLink::StopHoldingStartLock() {
         LockGuard lock(queueLock);
         operationActive = 0;
         sending = false;
-        ++operationNumber;
-        ++stopping;
-        HoldTimerPeriod();
+        stopping = true;
+        timerPeriod.Hold();
     }
     for (int pass = 0; pass < kStopPasses; ++pass) {
         {
@@ -152,35 +141,24 @@ void DeviceLink::StopHoldingStartLock() {
         Sleep(1);
     }
     LockGuard lock(queueLock);
-    NoteOwedReply();
     ResetQueue();
-    --stopping;
+    stopping = false;
     ReleaseIdleTimerPeriod();
 }
 
 // The reply in flight is waited for, so that it is not taken for the answer to the next request; so is whoever stands
-// between deciding and doing.
+// between deciding and doing. A reply that takes longer is foreign to what comes next: each operation begins with a status
+// check, and the unit answers in the order in which it was asked.
 bool DeviceLink::MustWaitForStop() const {
-    if (posting > 0) {
-        return true;
-    }
-    const bool replyAwaited = txFrame[0] != '\0' && !replyAccepted;
-    return tick >= 0 && (replyAwaited || handlingFrame || sendPending);
-}
-
-// Sleeps of a few milliseconds are kept only while somebody asks for them; an idle program should not.
-void DeviceLink::HoldTimerPeriod() {
-    assert(queueLock.IsHeldByThisThread());
-    if (!fastTimer) {
-        fastTimer = timeBeginPeriod(kTimerPeriodMs) == TIMERR_NOERROR;
-    }
+    const bool replyAwaited = requestSent && !replyAccepted;
+    return posting > 0 || (tick >= 0 && (replyAwaited || handlingFrame || sendPending));
 }
 
 void DeviceLink::ReleaseIdleTimerPeriod() {
+    assert(queueLock.IsHeldByThisThread());
     const bool driverDue = operationActive && !stepBusy;
-    if (fastTimer && !sending && !driverDue && stopping == 0) {
-        timeEndPeriod(kTimerPeriodMs);
-        fastTimer = false;
+    if (!sending && !driverDue && !stopping) {
+        timerPeriod.Release();
     }
 }
 
@@ -190,10 +168,4 @@ void DeviceLink::Post(UINT message, WPARAM wParam, LPARAM lParam) {
     if (window != nullptr) {
         PostMessageA(window, message, wParam, lParam);
     }
-}
-
-void DeviceLink::EndPosting() {
-    LockGuard lock(queueLock);
-    assert(posting > 0);
-    --posting;
 }

@@ -1,10 +1,11 @@
-// The link's queue of requests and the sender that works it.
-//
-// All but SenderTick and SendBuiltFrame run under queueLock.
-#include <algorithm>
+// The link's two workers: the sender, which works the queue of requests, and the driver, which takes an operation from step
+// to step and fills the queue.
 #include <cstring>
 
 #include "DeviceLink.h"
+#include "Frames.h"
+#include "TitlePlanner.h"
+#include "TitleStore.h"
 
 namespace {
 
@@ -12,80 +13,69 @@ constexpr DWORD kPauseBeforeFrameMs = 120;
 constexpr std::int32_t kRepeatTicks = 100;   // a request goes out at each multiple of this
 constexpr std::int32_t kTimeOutTicks = 200;  // and has failed at this
 
+// The reply code that a step waits for.
+BYTE CodeForStep(LinkStep step) {
+    switch (step) {
+        case LinkStep::kFindingModel: return RC_MODEL;
+        case LinkStep::kCheckingStatus: return RC_STATUS;
+        case LinkStep::kMappingDiscs:
+        case LinkStep::kProbing: return RC_MAP;
+        case LinkStep::kReadingDiscs:
+        case LinkStep::kReadingAlbums:
+        case LinkStep::kReadingGroup: return RC_TITLE_READ;
+        case LinkStep::kWriting: return RC_TITLE_WRITE;
+        default: return 0;  // for the map of the Albums, too
+    }
+}
+
+void EncodeRequest(const LinkRequest& request, char* out) {
+    const auto first = static_cast<std::uint8_t>(request.arg1);
+    switch (request.kind) {
+        case LinkRequest::kModelQuery: EncodeModelQuery(out); break;
+        case LinkRequest::kStatusQuery: EncodeStatusQuery(first, out); break;
+        case LinkRequest::kUnitCommand: EncodeUnitCommand(first, out); break;
+        case LinkRequest::kMapQuery: EncodeMapQuery(first, static_cast<std::uint16_t>(request.arg2), out); break;
+        case LinkRequest::kTitleRead: EncodeTitleRead(first, request.arg2, request.arg3, out); break;
+        case LinkRequest::kTitleWrite: EncodeTitleWrite(first, request.arg2, request.arg3, out); break;
+        default: assert(false); break;
+    }
+}
+
 }  // namespace
 
 void DeviceLink::ResetQueue() {
-    assert(queueLock.IsHeldByThisThread());
+    ring.Clear();
+    ArmQueue();
     sending = false;
-    txFrame[0] = '\0';
-    ring.fill({});
-    ringIndex = 0;
-    planCount = 0;
-    replyAccepted = false;
-    dataOwed = false;
-    usedUp = false;
-    tick = -1;
-    ++queueNumber;
 }
 
+// The current request goes out at the sender's next tick.
 void DeviceLink::ArmQueue() {
-    assert(queueLock.IsHeldByThisThread() && stepBusy && !ring[ringIndex].IsFree());
-    txFrame[0] = '\0';
+    assert(queueLock.IsHeldByThisThread());
+    requestSent = false;
     replyAccepted = false;
-    dataOwed = false;
-    usedUp = false;
     tick = -1;
     sending = true;
     ++queueNumber;
 }
 
-// Before the request leaves the line: if it has no reply of its own, that may still come.
-void DeviceLink::NoteOwedReply() {
-    const bool open = !replyAccepted || usedUp;
-    readOwed = readOwed || (open && IsTitleRead(SentFrame()));
-    writeOwed = writeOwed || (open && IsTitleWrite(SentFrame()));
-}
-
-void DeviceLink::ForgetOwedReplies() {
-    readOwed = false;
-    writeOwed = false;
-}
-
-void DeviceLink::AdvanceQueue() {
-    NoteOwedReply();
-    txFrame[0] = '\0';
-    // The reply belonged to the frame that is gone: if this tick cannot send the next one, the next tick must not skip it.
-    replyAccepted = false;
-    dataOwed = false;
-    usedUp = false;
-    ring[ringIndex] = {};
-    ringIndex = NextIndex(ringIndex);
-}
-
-void DeviceLink::BeginOperation(std::uint32_t newOperation, std::uint32_t group, std::uint32_t arg) {
+void DeviceLink::BeginOperation(WORD newOperation, GroupId group) {
     operation = newOperation;
     operationGroup = group;
-    operationArg = arg;
-    step = 0;
+    step = LinkStep::kNone;
     stepBusy = false;
-    planCut = false;
-    BeginStep();
-    statusRepeats = 0;
-    operationRanges = ranges;
-    ++operationNumber;
-    HoldTimerPeriod();
+    writeRefused = false;
+    statusCheck.Begin();
+    if (IsSend() && titleStore != nullptr) {
+        titleStore->ClearSent();
+    }
+    timerPeriod.Hold();
     operationActive = 1;
 }
 
-void DeviceLink::BeginStep() {
-    stepFailed = false;
-    askedAgain = false;
-    gotOn = false;
-    roundsInVain = 0;
-}
+// --- Sender
 
 void DeviceLink::SenderTick() {
-    char frame[kFrameSize] = {};
     std::uint32_t number = 0;
     WPARAM timedOut = 0;
     {
@@ -93,9 +83,17 @@ void DeviceLink::SenderTick() {
         if (!sending || handlingFrame) {
             return;
         }
+        assert(!stopping);
         ++tick;
-        if (replyAccepted && !MoveOn()) {
-            return;
+        if (replyAccepted) {
+            tick = 0;
+            requestSent = false;
+            replyAccepted = false;
+            ring.Advance();
+            if (ring.Current().IsFree()) {
+                ResetQueue();
+                return;
+            }
         }
         if (tick % kRepeatTicks != 0) {
             return;
@@ -103,85 +101,42 @@ void DeviceLink::SenderTick() {
         if (tick >= kTimeOutTicks) {
             timedOut = TimeOut();
         } else {
-            EncodeRequest(ring[ringIndex], frame);
             sendPending = true;
             number = queueNumber;
         }
     }
-    if (timedOut != 0) {
-        Post(LM_RESULT, timedOut, 0);
-        EndPosting();
-    } else {
-        SendBuiltFrame(frame, number);
-    }
-}
-
-// Goes on to the next entry; false if the queue is through.
-bool DeviceLink::MoveOn() {
-    const LinkRequest answered = ring[ringIndex];
-    tick = 0;
-    AdvanceQueue();
-    if (!ring[ringIndex].IsFree()) {
-        askedAgain = false;
-        return true;
-    }
-    assert(stepFailed || std::all_of(ring.begin(), ring.end(), [](const LinkRequest& entry) { return entry.IsFree(); }));
-    QueueThrough(answered);
-    return false;
-}
-
-// The last entry got its reply. If that was a stray reply of another kind, the step still waits: titles that it left out are
-// planned again or stay as they were, but a question that a step depends on is put once more, and then times out.
-void DeviceLink::QueueThrough(const LinkRequest& answered) {
-    ResetQueue();
-    if (!stepBusy || !operationActive) {
+    if (timedOut == 0) {
+        SendCurrent(number);
         return;
     }
-    if (step == 5 || step == 7 || step == 9 || step == 10) {
-        stepBusy = false;
-        return;
-    }
-    if (stepFailed) {
-        return;
-    }
-    ring[ringIndex] = answered;
-    ArmQueue();
-    if (askedAgain) {
-        FailAtNextTick();
-    }
-    askedAgain = true;
-}
-
-void DeviceLink::FailAtNextTick() {
-    tick = kTimeOutTicks - 1;
+    Post(LM_RESULT, timedOut, 0);
+    LockGuard lock(queueLock);
+    --posting;
 }
 
 // Ends the operation; gives the message to post. A later driver tick finds operation 0 and closes it.
 WPARAM DeviceLink::TimeOut() {
-    const WPARAM message = operation | static_cast<WPARAM>(CodeForStep(step)) << 16 | static_cast<WPARAM>(ST_TIMEOUT) << 24;
-    BeginOperation(0, 0, 0);
+    const WPARAM message = PackResult(operation, CodeForStep(step), ST_TIMEOUT);
+    BeginOperation(0, 0);
     ResetQueue();
-    // A unit that was silent for so long owes nothing any more.
-    ForgetOwedReplies();
     ++posting;
     return message;
 }
 
-void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
+void DeviceLink::SendCurrent(std::uint32_t number) {
     assert(!queueLock.IsHeldByThisThread());
     Sleep(kPauseBeforeFrameMs);
-    bool write = false;
+    char frame[kFrameSize] = {};
     {
         LockGuard lock(queueLock);
         // A queue that was filled anew meanwhile sends nothing of the old one, and a request that has got its reply is not
         // repeated.
-        write = sending && !handlingFrame && !replyAccepted && number == queueNumber;
-        if (write) {
-            std::memcpy(txFrame, frame, kFrameSize);
-            dataOwed = ring[ringIndex].kind == LinkRequest::kTitleWrite;
+        if (sending && !handlingFrame && !replyAccepted && number == queueNumber) {
+            EncodeRequest(ring.Current(), frame);
+            requestSent = true;
         }
     }
-    if (write) {
+    if (frame[0] != '\0') {
         DWORD written = 0;
         Write(frame, static_cast<DWORD>(std::strlen(frame)), written);
     }
@@ -189,35 +144,78 @@ void DeviceLink::SendBuiltFrame(const char* frame, std::uint32_t number) {
     sendPending = false;
 }
 
-void DeviceLink::EncodeRequest(const LinkRequest& request, char* out) {
-    assert(!request.IsFree());
-    switch (request.kind) {
-        case LinkRequest::kModelQuery: EncodeModelQuery(out); break;
-        case LinkRequest::kStatusQuery: EncodeStatusQuery(static_cast<std::uint8_t>(request.arg1), out); break;
-        case LinkRequest::kUnitCommand: EncodeUnitCommand(static_cast<std::uint8_t>(request.arg1), out); break;
-        case LinkRequest::kMapQuery:
-            EncodeMapQuery(static_cast<std::uint8_t>(request.arg1), static_cast<std::uint16_t>(request.arg2), out);
-            break;
-        case LinkRequest::kTitleRead:
-            EncodeTitleRead(static_cast<std::uint8_t>(request.arg1), request.arg2, request.arg3, out);
-            break;
-        case LinkRequest::kTitleWrite:
-            EncodeTitleWrite(static_cast<std::uint8_t>(request.arg1), request.arg2, request.arg3, out);
-            break;
-        default: break;
+// --- Driver
+
+// The queue is filled before the message is posted and armed after it, so that the pane hears of a step before its first
+// frame goes out.
+void DeviceLink::DriverTick() {
+    const StepRow* row = nullptr;
+    std::uint32_t number = 0;
+    {
+        LockGuard lock(queueLock);
+        ReleaseIdleTimerPeriod();
+        if (!operationActive || stepBusy || handlingFrame) {
+            return;
+        }
+        ResetQueue();
+        // What did not fit into the ring, or was edited or undone since it went out, is written in another round.
+        if (step == LinkStep::kWriting && FillStep(Action::kWriteTitles)) {
+            stepBusy = true;
+            ArmQueue();
+            return;
+        }
+        row = FindStepRow(operation, step, ranges, !nextRing.Current().IsFree());
+        if (row == nullptr) {
+            operationActive = 0;
+            return;
+        }
+        step = row->newStep;
+        stepBusy = FillStep(row->action);
+        if (row->action == Action::kEnd) {
+            operationActive = 0;
+        }
+        number = queueNumber;
+        ++posting;
+    }
+    if (row->message != 0) {
+        Post(row->action == Action::kEnd ? LM_RESULT : LM_PROGRESS, row->message, 0);
+    }
+    LockGuard lock(queueLock);
+    --posting;
+    // A stop that began meanwhile is not to be undone.
+    if (stepBusy && operationActive && number == queueNumber) {
+        ArmQueue();
+        if (row->action == Action::kAskModel) {
+            // A port without a main unit is to cost two seconds, not four: the query goes out at once and is not repeated.
+            tick = kRepeatTicks - 1;
+        }
     }
 }
 
-BYTE DeviceLink::CodeForStep(BYTE step) {
-    switch (step) {
-        case 1: return RC_MODEL;
-        case 2: return RC_STATUS;
-        case 4:
-        case 8: return RC_MAP;
-        case 5:
-        case 7:
-        case 9: return RC_TITLE_READ;
-        case 10: return RC_TITLE_WRITE;
-        default: return 0;
+// True if there is something to wait for.
+bool DeviceLink::FillStep(Action action) {
+    assert(queueLock.IsHeldByThisThread());
+    switch (action) {
+        case Action::kNothing:
+        case Action::kEnd: break;
+        case Action::kAskModel: ring.Add({LinkRequest::kModelQuery, 0, 0, 0}); break;
+        case Action::kAskStatus: ring.Add({LinkRequest::kStatusQuery, kStatusMenu, 0, 0}); break;
+        case Action::kMapDiscs: ring.Add({LinkRequest::kMapQuery, kMapDiscs, 0, 0}); break;
+        case Action::kMapAlbums: ring.Add({LinkRequest::kMapQuery, kMapAlbums, 0, 0}); break;
+        case Action::kProbe: ring.Add({LinkRequest::kMapQuery, kMapTracks, kProbeCode, 0}); break;
+        case Action::kReadMapped: ring = nextRing; break;
+        case Action::kReadGroupTitle:
+        case Action::kReadGroupTracks:
+            if (titleStore != nullptr) {
+                const TrackNo track = action == Action::kReadGroupTracks ? -1 : 0;
+                TitlePlanner(*titleStore, ranges).PlanReads(operationGroup, track, ring);
+            }
+            break;
+        case Action::kWriteTitles:
+            if (titleStore != nullptr) {
+                TitlePlanner(*titleStore, ranges).PlanWrites(operationGroup, ring);
+            }
+            break;
     }
+    return !ring.Current().IsFree();
 }

@@ -1,26 +1,39 @@
-// What the link does with a frame: reading it against the frame last sent. Everything here runs on the reader thread.
+// What the link does with a frame: reading it as the reply to the current request, and how the queue and the step react.
+// Everything here runs on the reader thread.
 #include <cstring>
 
 #include "DeviceLink.h"
-#include "Fields.h"
-#include "LinkOutbox.h"
+#include "Frames.h"
+#include "TitlePlanner.h"
 #include "TitleStore.h"
 
 namespace {
 
 constexpr DWORD kPauseBeforeDataMs = 120;
 
-// How often in a row the unit may answer with a waiting value before the operation gives up.
-constexpr std::int32_t kTrayLimit = 10;
-constexpr std::int32_t kNoDataLimit = 50;
-constexpr std::int32_t kBusyLimit = 100;
+// The data of a reply to the probe.
+constexpr std::uint32_t kProbeAccepted = 0x10002;
+constexpr std::uint32_t kProbeRefused = 0x20002;
 
-constexpr std::uint32_t kMapGroupItems = 1000;
-constexpr std::uint32_t kMapTrackItems = 104;
+LinkRequest::Kind RequestOf(FrameKind reply) {
+    switch (reply) {
+        case FrameKind::kModel: return LinkRequest::kModelQuery;
+        case FrameKind::kStatus: return LinkRequest::kStatusQuery;
+        case FrameKind::kCommand: return LinkRequest::kUnitCommand;
+        case FrameKind::kMap: return LinkRequest::kMapQuery;
+        case FrameKind::kTitleRead: return LinkRequest::kTitleRead;
+        case FrameKind::kTitleWrite: return LinkRequest::kTitleWrite;
+        default: return LinkRequest::kFree;
+    }
+}
 
-// The statuses that leave the operation open and idle until it is stopped.
-bool IsWaitedOut(std::uint8_t status) {
-    return status == ST_BUSY || status == ST_NO_DATA || status == ST_TRAY_OPEN;
+GroupId GroupOf(const LinkRequest& title) {
+    const auto number = static_cast<GroupId>(title.arg2);
+    return title.arg1 == kKindAlbum ? AlbumGroup(number) : number;
+}
+
+std::uint32_t DataOf(const LinkRequest& title) {
+    return PackTitle(GroupOf(title), static_cast<TrackNo>(title.arg3));
 }
 
 }  // namespace
@@ -38,47 +51,31 @@ void DeviceLink::HandleFrame(std::string_view frame) {
     if (kind == FrameKind::kIgnored) {
         return;
     }
+    result = {};
+    Outbox outbox;
+    bool titleDue = false;
     std::uint32_t number = 0;
     {
         LockGuard lock(queueLock);
         handlingFrame = true;
         number = queueNumber;
-    }
-    result = {};
-    const bool accepted = ReadFrame(kind, frame);
-
-    Outbox outbox;
-    bool tellFailure = false;
-    {
-        LockGuard lock(queueLock);
-        // A queue that was filled anew meanwhile waits for replies of its own, and nothing answers a request that is not out
-        // yet. Only a void frame asks for no question.
-        const bool current = number == queueNumber;
-        const bool asked = txFrame[0] != '\0';
-        if (accepted && current && asked) {
-            // Short replies are taken for an answer to whatever was asked; the title that was asked for may still come.
-            const bool own = kind == FrameKind::kTitleRead || kind == FrameKind::kTitleWrite;
-            usedUp = !own && (usedUp || !replyAccepted);
-            replyAccepted = true;
+        const bool accepted = ReadFrame(kind, frame);
+        titleDue = accepted && kind == FrameKind::kTitleWrite;
+        if (!titleDue) {
+            React(accepted, outbox);
         }
-        if (sending && current && (asked || kind == FrameKind::kVoid)) {
-            React(outbox);
-            tellFailure = result.posted != 0 && result.status != ST_OK && result.status != ST_LAST;
-            if (tellFailure && IsWaitedOut(result.status)) {
-                // A copy of the reply may have asked once more already.
-                NextEntry() = {};
-                stepFailed = true;
-            }
+    }
+    if (titleDue) {
+        const bool written = SendTitleData();
+        LockGuard lock(queueLock);
+        // A queue that was filled anew meanwhile waits for replies of its own.
+        if (number == queueNumber) {
+            React(written, outbox);
         }
     }
     if (outbox.message != 0) {
         Post(outbox.message, outbox.wParam, outbox.lParam);
     }
-    if (tellFailure) {
-        Post(LM_RESULT, result.operation | static_cast<WPARAM>(result.code) << 16 | static_cast<WPARAM>(result.status) << 24,
-             static_cast<LPARAM>(result.data));
-    }
-    assert(!queueLock.IsHeldByThisThread());
     if (outbox.pauseMs != 0) {
         Sleep(outbox.pauseMs);
     }
@@ -86,28 +83,42 @@ void DeviceLink::HandleFrame(std::string_view frame) {
     handlingFrame = false;
 }
 
+// --- Reading
+
 // True if the frame is accepted as the reply to the current request.
 bool DeviceLink::ReadFrame(FrameKind kind, std::string_view frame) {
     if (kind == FrameKind::kVoid) {
         return false;
     }
-    if (kind == FrameKind::kTitleWrite) {
-        return ReadWriteReply(frame);
+    result.operation = operation;
+    const bool answers = requestSent && RequestOf(kind) == ring.Current().kind;
+    if (kind == FrameKind::kTitleWrite && IsRefusal(frame) && IsWriting()) {
+        TakeRefusal(answers);
+        return false;
     }
-    LockGuard lock(queueLock);
-    result.operation = static_cast<std::uint16_t>(operation);
+    if (!answers || replyAccepted) {
+        result.status = ST_FOREIGN;
+        return false;
+    }
+    const LinkRequest& request = ring.Current();
+    result.posted = 1;
     switch (kind) {
         case FrameKind::kModel: return ReadModelReply(frame);
-        case FrameKind::kStatus: return ReadStatusReply(frame);
-        case FrameKind::kCommand: return ReadCommandReply();
-        case FrameKind::kMap: return ReadMapReply(frame);
-        case FrameKind::kTitleRead: return ReadTitleReply(frame);
-        default: return false;
+        case FrameKind::kStatus:
+            result.code = RC_STATUS;
+            result.data = request.arg1 << 16 | HexAt(frame, kStatusValueOffset, 2);
+            return true;
+        case FrameKind::kCommand:
+            result.code = RC_COMMAND;
+            result.data = request.arg1;
+            return true;
+        case FrameKind::kMap: return ReadMapReply(request, frame);
+        case FrameKind::kTitleRead: return ReadTitleReply(request, frame);
+        default: return ReadWriteReply(request, frame);
     }
 }
 
 bool DeviceLink::ReadModelReply(std::string_view frame) {
-    result.posted = 1;
     result.code = RC_MODEL;
     if (!ModelSumMatches(frame)) {
         result.status = ST_BAD_CHECKSUM;
@@ -120,217 +131,169 @@ bool DeviceLink::ReadModelReply(std::string_view frame) {
     return true;
 }
 
-bool DeviceLink::ReadStatusReply(std::string_view frame) {
-    result.posted = 1;
-    result.code = RC_STATUS;
-    const std::uint32_t value = HexAt(frame, 5, 2);
-    result.data = HexAt(SentFrame(), 4, 2) << 16 | value;
-    // A copy that comes while nothing is asked is no answer.
-    if (!SentFrame().empty()) {
-        CountStatusRepeats(value);
-    }
-    return true;
-}
-
-void DeviceLink::CountStatusRepeats(std::uint32_t value) {
-    if (value == 0x02) {
-        return;
-    }
-    if (value != 0x00 && value != 0x46 && value != 0xFE && value != 0xFF) {
-        statusRepeats = 0;
-        return;
-    }
-    ++statusRepeats;
-    // Without anybody to be told, the unit is asked on.
-    if (paneWindow == nullptr) {
-        return;
-    }
-    if (value == 0x00 && statusRepeats > kTrayLimit) {
-        result.status = ST_TRAY_OPEN;
-    } else if (value == 0x46 && statusRepeats > kNoDataLimit) {
-        result.status = ST_NO_DATA;
-    } else if (value >= 0xFE && statusRepeats > kBusyLimit) {
-        result.status = ST_BUSY;
-    }
-}
-
-bool DeviceLink::ReadCommandReply() {
-    result.posted = 1;
-    result.code = RC_COMMAND;
-    result.data = HexAt(SentFrame(), 4, 2);
-    return true;
-}
-
-bool DeviceLink::ReadMapReply(std::string_view frame) {
+bool DeviceLink::ReadMapReply(const LinkRequest& query, std::string_view frame) {
+    result.posted = 0;
     result.code = RC_MAP;
-    const std::uint32_t mapKind = HexAt(SentFrame(), 7, 2);
-    std::uint32_t groupCode = kProbeCode;
-    if (mapKind != kMapTracks || HexAt(SentFrame(), 9, 4) != kProbeCode) {
-        groupCode = HexAt(SentFrame(), 9, 1) << 12 | DecAt(SentFrame(), 10, 3);
-    }
-    const LinkRequest& current = ring[ringIndex];
-    if (!IsMapQuery(SentFrame()) || current.kind != LinkRequest::kMapQuery || (current.arg1 & 0xFF) != mapKind ||
-        (current.arg2 & 0xFFFF) != groupCode) {
-        return Foreign();
-    }
-    if (mapKind == kMapTracks && groupCode == kProbeCode) {
-        result.data = IsRefusal(frame) ? 0x20002 : 0x10002;
+    if (query.arg1 == kMapTracks && query.arg2 == kProbeCode) {
+        result.data = IsRefusal(frame) ? kProbeRefused : kProbeAccepted;
         return true;
     }
+    // The unit answers in the order in which it was asked: no write can be refused any more.
+    if (IsWriting() && !writeRefused && titleStore != nullptr) {
+        TitlePlanner(*titleStore, ranges).ForgetSentTitles(operationGroup);
+    }
     if (IsRefusal(frame)) {
-        nextRing.fill({});
+        nextRing.Clear();
         return false;
     }
-    result.data = mapKind;
+    result.data = query.arg1;
     if (HexAt(frame, kBlockLengthOffset, 2) != kMapReplyLength) {
         result.status = ST_BAD_REPLY;
         return false;
     }
-    nextRing.fill({});
+    nextRing.Clear();
     if (titleStore != nullptr) {
-        if (mapKind == kMapTracks) {
-            PlanMapTracks(groupCode, frame);
-        } else {
-            PlanMapGroups(mapKind, frame);
-        }
+        TitlePlanner(*titleStore, ranges).PlanMapped(query, frame, nextRing);
     }
-    result.posted = 1;
     return true;
 }
 
-// Plans a read for each group that the unit has, that lies in the range and that the store does not know.
-void DeviceLink::PlanMapGroups(std::uint32_t mapKind, std::string_view frame) {
-    const bool albums = mapKind == kMapAlbums;
-    const TrackNo from = albums ? operationRanges.albumFrom : operationRanges.discFrom;
-    const TrackNo to = albums ? operationRanges.albumTo : operationRanges.discTo;
-    std::size_t count = 0;
-    for (std::uint32_t item = 1; item <= kMapGroupItems; ++item) {
-        const auto number = static_cast<GroupId>(item);
-        const GroupId group = albums ? AlbumGroup(number) : number;
-        if (number >= from && number <= to && MapBit(frame, item) && !titleStore->IsKnown(group, 0)) {
-            nextRing[count++] = {LinkRequest::kTitleRead, mapKind, item, 0};
-        }
-    }
-}
-
-void DeviceLink::PlanMapTracks(std::uint32_t groupCode, std::string_view frame) {
-    const bool album = (groupCode & 0xE000) != 0;
-    const std::uint32_t number = groupCode & 0xFFF;
-    const GroupId group = album ? AlbumGroup(static_cast<GroupId>(number)) : static_cast<GroupId>(number);
-    std::size_t count = 0;
-    for (std::uint32_t item = 1; item <= kMapTrackItems; ++item) {
-        const auto track = static_cast<TrackNo>(item);
-        if (track >= operationRanges.trackFrom && track <= operationRanges.trackTo && MapBit(frame, item) &&
-            !titleStore->IsKnown(group, track)) {
-            nextRing[count++] = {LinkRequest::kTitleRead, album ? kKindAlbum : kKindDisc, number, item};
-        }
-    }
-}
-
-bool DeviceLink::ReadTitleReply(std::string_view frame) {
-    result.posted = 1;
+bool DeviceLink::ReadTitleReply(const LinkRequest& read, std::string_view frame) {
     result.code = RC_TITLE_READ;
-    GroupId group = 0;
-    TrackNo track = 0;
-    // The title of a read that was given up, or that another reply has used up, must not be filed under the number of the
-    // next one. If it never comes, the next one's title is dropped in its place and comes with the repeat.
-    const bool owed = readOwed;
-    readOwed = false;
-    if (owed || !IsTitleRead(SentFrame()) || !AddressedTitle(group, track)) {
-        return Foreign();
+    result.data = DataOf(read);
+    result.status = ring.Next().IsFree() ? ST_LAST : ST_OK;
+    // A read in front of writes is not stored: the store holds what is to be written.
+    if (titleStore == nullptr || step == LinkStep::kWriting) {
+        return true;
     }
     char text[kTitleSize];
     const bool hasTitle = HexAt(frame, kBlockLengthOffset, 2) == kTitleReplyLength && !IsRefusal(frame);
     if (hasTitle) {
         DecodeTitle(frame, text);
     }
-    // At step 10 the read only stands in front of a write, and the store holds what is to be written.
-    if (titleStore != nullptr && step != 10) {
-        titleStore->StoreFetched(group, track, hasTitle ? text : nullptr);
-        gotOn = true;
-    }
-    if (NextEntry().IsFree()) {
-        result.status = ST_LAST;
-    }
+    const auto track = static_cast<TrackNo>(read.arg3);
+    assert(!titleStore->IsEdited(GroupOf(read), track));
+    titleStore->StoreReceived(GroupOf(read), track, hasTitle ? text : nullptr);
     return true;
 }
 
-bool DeviceLink::ReadWriteReply(std::string_view frame) {
-    GroupId group = 0;
-    TrackNo track = 0;
-    {
-        LockGuard lock(queueLock);
-        result.operation = static_cast<std::uint16_t>(operation);
-        result.posted = 1;
-        result.code = RC_TITLE_WRITE;
-        // As with a read: the acceptance of another write must not let this one's text go out, which the unit might refuse,
-        // or file under the other number.
-        const bool owed = writeOwed;
-        writeOwed = false;
-        if (owed || !IsTitleWrite(SentFrame()) || !AddressedTitle(group, track)) {
-            return Foreign();
-        }
-        if (HexAt(frame, kBlockLengthOffset, 2) != kWriteReplyLength || IsRefusal(frame)) {
-            result.status = ST_BAD_REPLY;
-            return false;
-        }
-        // One TitleData for each TitleWrite: an answer to the TitleData itself, or a doubled reply, must not bring another.
-        if (!dataOwed) {
-            return Foreign();
-        }
-    }
-    if (!SendTitleData(group, track)) {
-        result.status = ST_NO_TITLE;
+bool DeviceLink::ReadWriteReply(const LinkRequest& write, std::string_view frame) {
+    result.code = RC_TITLE_WRITE;
+    result.data = DataOf(write);
+    if (HexAt(frame, kBlockLengthOffset, 2) != kWriteReplyLength || IsRefusal(frame)) {
+        result.status = ST_BAD_REPLY;
         return false;
     }
-    LockGuard lock(queueLock);
-    result.status = NextEntry().IsFree() ? ST_LAST : ST_OK;
+    result.status = ring.Next().IsFree() ? ST_LAST : ST_OK;
     return true;
 }
 
-// Sends the title's present text and notes it as sent. False if the store has none.
-bool DeviceLink::SendTitleData(GroupId group, TrackNo track) {
-    char frame[kFrameSize] = {};
+// True from the first write of a send until the titles written are forgotten.
+bool DeviceLink::IsWriting() const {
+    return IsSend() && (step == LinkStep::kWriting || step == LinkStep::kMappingDiscs);
+}
+
+// A unit that answers a TitleData, too, seems to accept the next write with that, and its refusal comes behind. It is not
+// known which of the latest writes it is for, so all titles of this send stay edited. The write on the line is repeated.
+void DeviceLink::TakeRefusal(bool onLine) {
+    result.posted = 1;
+    result.code = RC_TITLE_WRITE;
+    result.status = ST_BAD_REPLY;
+    writeRefused = true;
+    if (onLine) {
+        result.data = DataOf(ring.Current());
+        replyAccepted = false;
+        stepBusy = true;
+    }
+}
+
+// Sends the present text of the title whose write was accepted. False if the store has none.
+bool DeviceLink::SendTitleData() {
+    const auto title = static_cast<LPARAM>(result.data);
     char text[kTitleSize] = {};
-    std::uint32_t number = 0;
     {
         LockGuard lock(queueLock);
-        if (titleStore == nullptr || !EncodeTitleData(*titleStore, group, track, frame, text)) {
+        if (titleStore == nullptr || !titleStore->GetTitle(GroupOf(title), TrackOf(title), text)) {
+            result.status = ST_NO_TITLE;
             return false;
         }
-        dataOwed = false;
-        number = operationNumber;
     }
+    char frame[kFrameSize] = {};
+    EncodeTitleData(text, frame);
     assert(!queueLock.IsHeldByThisThread());
     Sleep(kPauseBeforeDataMs);
     DWORD written = 0;
     const auto length = static_cast<DWORD>(std::strlen(frame));
     const bool done = Write(frame, length, written) && written == length;
     LockGuard lock(queueLock);
-    if (done && number == operationNumber) {
-        sent.Record(number, group, track, text);
-        gotOn = true;
+    if (done && titleStore != nullptr) {
+        titleStore->NoteSent(GroupOf(title), TrackOf(title), text);
     }
     return true;
 }
 
-// The title that the frame last sent asks for. False if its group kind is none.
-bool DeviceLink::AddressedTitle(GroupId& group, TrackNo& track) {
-    const std::uint32_t kind = HexAt(SentFrame(), 7, 1) / 2;
-    if (kind != kKindDisc && kind != kKindAlbum) {
-        return false;
+// --- Reactions. Under queueLock.
+
+void DeviceLink::React(bool accepted, Outbox& outbox) {
+    replyAccepted = replyAccepted || accepted;
+    if (sending && (result.status == ST_OK || result.status == ST_LAST)) {
+        switch (result.code) {
+            case RC_MODEL:
+                outbox = {LM_RESULT, PackResult(OP_CONNECT, RC_MODEL), static_cast<LPARAM>(result.data), 0};
+                stepBusy = false;
+                break;
+            case RC_STATUS: ReactToStatus(outbox); break;
+            case RC_COMMAND: ring.Next() = kAskReady; break;
+            case RC_MAP: ReactToMap(); break;
+            case RC_TITLE_READ:
+            case RC_TITLE_WRITE: ReactToTitle(outbox); break;
+            default: operationActive = 0; break;  // a void frame
+        }
     }
-    const auto number = static_cast<GroupId>(DecAt(SentFrame(), 8, 3));
-    group = kind == kKindAlbum ? AlbumGroup(number) : number;
-    track = static_cast<TrackNo>(DecAt(SentFrame(), 11, 2));
-    result.data = static_cast<std::uint32_t>(group) << 16 | static_cast<std::uint32_t>(track);
-    return true;
+    // While the driver fills the queue, only a refusal has anything to tell.
+    const bool failed = result.status != ST_OK && result.status != ST_LAST;
+    if (failed && result.posted != 0 && (sending || operationActive)) {
+        outbox = {LM_RESULT, PackResult(result.operation, result.code, result.status), static_cast<LPARAM>(result.data), 0};
+    }
 }
 
-// The reply does not fit the frame last sent: the pane is not told, and the request stays current.
-bool DeviceLink::Foreign() {
-    result.posted = 0;
-    result.status = ST_FOREIGN;
-    result.data = 0;
-    return false;
+void DeviceLink::ReactToStatus(Outbox& outbox) {
+    // Without anybody to be told, the unit is asked on.
+    const StatusVerdict verdict = statusCheck.Judge(result.data >> 16, result.data & 0xFFFF, paneWindow != nullptr);
+    result.status = verdict.status;
+    if (verdict.ready) {
+        stepBusy = false;
+    } else if (verdict.status == ST_NOT_STOPPED || verdict.status == ST_MENU_MODE) {
+        operationActive = 0;
+    }
+    ring.Next() = verdict.next;
+    outbox.pauseMs = verdict.pauseMs;
+}
+
+void DeviceLink::ReactToMap() {
+    if (step != LinkStep::kProbing) {
+        stepBusy = false;
+    } else if (result.data == kProbeAccepted) {
+        nextRing.Clear();
+        stepBusy = false;
+    } else if (result.data == kProbeRefused) {
+        ring.Next() = {LinkRequest::kMapQuery, kMapTracks, GroupCode(operationGroup), 0};
+    } else if (result.data == kMapTracks) {
+        if (nextRing.Current().IsFree()) {
+            step = LinkStep::kReadingGroup;
+        }
+        stepBusy = false;
+    }
+}
+
+// One title of a queue laid out in advance: the last one ends the step, each other is told.
+void DeviceLink::ReactToTitle(Outbox& outbox) {
+    if (result.code == RC_TITLE_READ && step == LinkStep::kWriting) {
+        return;
+    }
+    if (result.status == ST_LAST) {
+        stepBusy = false;
+    } else {
+        outbox = {LM_PROGRESS, PackProgress(result.operation, step), static_cast<LPARAM>(result.data), 0};
+    }
 }

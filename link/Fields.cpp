@@ -59,15 +59,6 @@ bool GetHex(std::string_view text, int width, std::uint32_t& value) {
     return true;
 }
 
-void GetDec(std::string_view text, int width, std::uint32_t& value) {
-    value = 0;
-    for (const char c : text.substr(0, width > 0 ? static_cast<std::size_t>(width) : 0)) {
-        if (c >= '0' && c <= '9') {
-            value = value * 10 + static_cast<std::uint32_t>(c - '0');
-        }
-    }
-}
-
 std::uint8_t ByteSum(std::string_view bytes) {
     unsigned sum = 0;
     for (const char c : bytes) {

@@ -17,10 +17,6 @@ bool PutDec(std::uint32_t value, int width, char* out);
 // NUL.
 bool GetHex(std::string_view text, int width, std::uint32_t& value);
 
-// Sets `value` to the number in exactly `width` bytes, fewer if the text ends before; bytes that are no digits change
-// nothing.
-void GetDec(std::string_view text, int width, std::uint32_t& value);
-
 // The sum of the bytes modulo 256, 0 for none.
 std::uint8_t ByteSum(std::string_view bytes);
 

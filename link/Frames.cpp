@@ -4,11 +4,11 @@
 #include <cstring>
 
 #include "Fields.h"
-#include "TitleStore.h"
 
 namespace {
 
 constexpr std::uint32_t kShortPayload = 0x10;
+constexpr GroupId kAlbumCode = 0x2000;
 constexpr std::uint32_t kSubTypeMap = 3;
 constexpr std::uint32_t kSubTypeTitleRead = 5;
 constexpr std::uint32_t kSubTypeTitleWrite = 6;
@@ -57,10 +57,6 @@ void EncodeTitleRequest(std::uint32_t subType, std::uint8_t groupKind, std::uint
     CloseBlock(kShortPayload, out);
 }
 
-bool IsBlock(std::string_view sent, std::uint32_t subType) {
-    return ByteAt(sent, 0) == kDc4 && HexAt(sent, kBlockLengthOffset, 2) == kShortPayload && HexAt(sent, 5, 2) == subType;
-}
-
 FrameKind ClassifyShortReply(std::string_view frame) {
     const char second = ByteAt(frame, 2);
     if (ByteAt(frame, 1) != '@' || (second != '0' && second != '1') || ByteAt(frame, 3) != '5' || ByteAt(frame, 7) != kEtx) {
@@ -100,7 +96,7 @@ FrameKind ClassifyBlock(std::string_view frame) {
 
 std::uint16_t GroupCode(GroupId group) {
     assert(group >= 1 && group <= kGroups);
-    return static_cast<std::uint16_t>(IsAlbum(group) ? 0x2000 + AlbumNumber(group) : group);
+    return static_cast<std::uint16_t>(IsAlbum(group) ? kAlbumCode + AlbumNumber(group) : group);
 }
 
 void EncodeModelQuery(char* out) {
@@ -149,14 +145,10 @@ void EncodeTitleWrite(std::uint8_t groupKind, std::uint32_t number, std::uint32_
     EncodeTitleRequest(kSubTypeTitleWrite, groupKind, number, track, out);
 }
 
-bool EncodeTitleData(TitleStore& store, GroupId group, TrackNo track, char* out, char* text) {
-    if (!store.GetTitle(group, track, text)) {
-        return false;
-    }
+void EncodeTitleData(const char* text, char* out) {
     std::memset(out + kBlockHead, ' ', kTitleLength);
     std::memcpy(out + kBlockHead, text, strnlen(text, kTitleLength));
     CloseBlock(kTitleLength, out);
-    return true;
 }
 
 FrameKind ClassifyFrame(std::string_view frame) {
@@ -181,25 +173,9 @@ std::uint16_t ModelNumber(std::string_view frame) {
     return id == "C0071" ? 2 : 0;
 }
 
-bool IsMapQuery(std::string_view sent) {
-    return IsBlock(sent, kSubTypeMap);
-}
-bool IsTitleRead(std::string_view sent) {
-    return IsBlock(sent, kSubTypeTitleRead);
-}
-bool IsTitleWrite(std::string_view sent) {
-    return IsBlock(sent, kSubTypeTitleWrite);
-}
-
 std::uint32_t HexAt(std::string_view frame, std::size_t offset, int width) {
     std::uint32_t value = 0;
     GetHex(Slice(frame, offset, static_cast<std::size_t>(width)), width, value);
-    return value;
-}
-
-std::uint32_t DecAt(std::string_view frame, std::size_t offset, int width) {
-    std::uint32_t value = 0;
-    GetDec(Slice(frame, offset, static_cast<std::size_t>(width)), width, value);
     return value;
 }
 

@@ -10,8 +10,6 @@
 
 #include "TitleNumbers.h"
 
-class TitleStore;
-
 inline constexpr char kStx = 0x02;
 inline constexpr char kEtx = 0x03;
 inline constexpr char kAck = 0x06;
@@ -37,6 +35,8 @@ inline constexpr std::uint16_t kProbeCode = 0xFFFF;
 
 // The group code of a MapQuery for the Tracks of a group: n for Disc n, 0x2000 + n for Album n.
 std::uint16_t GroupCode(GroupId group);
+inline constexpr std::uint32_t kAlbumOfCode = 0xE000;  // set for an Album
+inline constexpr std::uint32_t kNumberOfCode = 0x0FFF;
 
 // Encoders. Each writes one frame and its NUL into `out`, which holds kFrameSize bytes.
 void EncodeModelQuery(char* out);
@@ -46,9 +46,8 @@ void EncodeMapQuery(std::uint8_t mapKind, std::uint16_t groupCode, char* out);
 // The number is the group's own within its kind, 1 to 999; track 0 is the group's own title.
 void EncodeTitleRead(std::uint8_t groupKind, std::uint32_t number, std::uint32_t track, char* out);
 void EncodeTitleWrite(std::uint8_t groupKind, std::uint32_t number, std::uint32_t track, char* out);
-// Takes the text from the store, pads it with blanks to 32 bytes, and gives it in `text` (33 bytes) as well. Gives false,
-// with nothing written, if the store has no title there.
-bool EncodeTitleData(TitleStore& store, GroupId group, TrackNo track, char* out, char* text);
+// Pads the text, of at most 32 bytes, with blanks to 32.
+void EncodeTitleData(const char* text, char* out);
 
 enum class FrameKind {
     kVoid,     // breaks its format, or is a lone ACK, NAK or CAN
@@ -71,15 +70,11 @@ bool ModelSumMatches(std::string_view frame);
 // The model number of a ModelReply: 1 or 2, or 0 for an id that is not known.
 std::uint16_t ModelNumber(std::string_view frame);
 
-// Which request a sent frame is, so that a reply can be held against its question. An empty frame is no request.
-bool IsMapQuery(std::string_view sent);
-bool IsTitleRead(std::string_view sent);
-bool IsTitleWrite(std::string_view sent);
-
-// The two hexadecimal digits at an offset; bytes beyond the end read as NUL.
+// The hexadecimal digits at an offset; bytes beyond the end read as NUL.
 std::uint32_t HexAt(std::string_view frame, std::size_t offset, int width);
-std::uint32_t DecAt(std::string_view frame, std::size_t offset, int width);
 
+// The value of a StatusReply.
+inline constexpr std::size_t kStatusValueOffset = 5;
 // The values of a received block frame.
 inline constexpr std::size_t kBlockLengthOffset = 3;
 inline constexpr std::size_t kBlockResultOffset = 7;

@@ -15,7 +15,6 @@ SerialPort::~SerialPort() {
 
 bool SerialPort::Open(LPCSTR name) {
     Close();
-    lineDead = 0;
     portHandle = CreateFileA(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     return IsOpen();
 }
@@ -87,15 +86,8 @@ void SerialPort::Close() {
 
 BOOL SerialPort::Write(LPCVOID bytes, DWORD count, DWORD& written) {
     written = 0;
-    if (lineDead) {
-        return FALSE;
-    }
     LockGuard lock(portLock);
-    const BOOL done = WriteFile(portHandle, bytes, count, &written, nullptr);
-    if (!done || written != count) {
-        lineDead = 1;
-    }
-    return done;
+    return WriteFile(portHandle, bytes, count, &written, nullptr);
 }
 
 DWORD WINAPI SerialPort::ReaderProc(LPVOID object) {
@@ -108,16 +100,9 @@ DWORD WINAPI SerialPort::ReaderProc(LPVOID object) {
 }
 
 void SerialPort::ReadOnce() {
-    if (lineDead) {
-        return;
-    }
     DWORD errors = 0;
     COMSTAT status = {};
-    if (!ClearCommError(portHandle, &errors, &status)) {
-        lineDead = 1;
-        return;
-    }
-    if (status.cbInQue == 0) {
+    if (!ClearCommError(portHandle, &errors, &status) || status.cbInQue == 0) {
         return;
     }
     auto* chunk = static_cast<char*>(LocalAlloc(LMEM_FIXED, status.cbInQue + SIZE_T{1}));

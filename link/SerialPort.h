@@ -7,10 +7,7 @@
 #include "Shared.h"
 
 // Open, Configure, StartReader, StopReader and Close belong to one thread, which is never the reader. Write may come from
-// any thread, the reader included.
-//
-// A line that fails a write, or cannot tell its state any more, is dead until the next Open: nothing is read or written
-// then, and whoever waits for a reply runs into his own time-out.
+// any thread, the reader included. Failures of the line are not told: whoever waits for a reply runs into his own time-out.
 class SerialPort {
 public:
     SerialPort() = default;
@@ -51,5 +48,4 @@ private:
     BYTE parity = NOPARITY;
     BYTE stopBits = ONESTOPBIT;
     Shared<LONG> readerRunning = 0;  // written by the owner, read by the reader
-    Shared<LONG> lineDead = 0;       // written by whoever meets the failure, cleared by Open
 };

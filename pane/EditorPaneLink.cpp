@@ -23,30 +23,23 @@ constexpr ErrorText kErrorTexts[] = {
     {ST_NOT_STOPPED, IDS_ERROR_SELECT_HDD}, {ST_MENU_MODE, IDS_ERROR_MENU_MODE},
 };
 
-// The text of a progress number; 0 for one that tells the user nothing.
-int TextOfProgress(WORD progress) {
-    switch (progress) {
-        case 1: return IDS_SEARCHING;
-        case 2: return IDS_CHECKING_STATUS;
-        case 4:
-        case 5: return IDS_GETTING_DISCS;
-        case 6:
-        case 7: return IDS_GETTING_ALBUMS;
-        case 9: return IDS_GETTING_TRACKS;
-        case 10: return IDS_UPDATING_TITLES;
+// The text for the line while a step runs; 0 for one that tells the user nothing.
+int TextOfStep(LinkStep step) {
+    switch (step) {
+        case LinkStep::kFindingModel: return IDS_SEARCHING;
+        case LinkStep::kCheckingStatus: return IDS_CHECKING_STATUS;
+        case LinkStep::kMappingDiscs:
+        case LinkStep::kReadingDiscs: return IDS_GETTING_DISCS;
+        case LinkStep::kMappingAlbums:
+        case LinkStep::kReadingAlbums: return IDS_GETTING_ALBUMS;
+        case LinkStep::kReadingGroup: return IDS_GETTING_TRACKS;
+        case LinkStep::kWriting: return IDS_UPDATING_TITLES;
         default: return 0;
     }
 }
 
-constexpr WORD kSearching = 1;
-constexpr WORD kChecking = 2;
-
 bool IsStatusCode(BYTE code) {
     return code == RC_STATUS || code == RC_COMMAND;
-}
-
-BYTE ByteOf(WPARAM wParam, int shift) {
-    return static_cast<BYTE>(wParam >> shift);
 }
 
 }  // namespace
@@ -164,8 +157,8 @@ void EditorPane::DropLinkMessages() const {
     std::vector<MSG> failures;
     MSG message;
     while (PeekMessageA(&message, hDlg, LM_RESULT, LM_PROGRESS, PM_REMOVE)) {
-        const bool isFailure = message.message == LM_RESULT && ByteOf(message.wParam, 24) != ST_OK;
-        if (isFailure && LOWORD(message.wParam) != OP_CONNECT) {
+        const bool isFailure = message.message == LM_RESULT && StatusOf(message.wParam) != ST_OK;
+        if (isFailure && OperationOf(message.wParam) != OP_CONNECT) {
             failures.push_back(message);
         }
     }
@@ -177,24 +170,24 @@ void EditorPane::DropLinkMessages() const {
 // --- What the link says
 
 void EditorPane::OnLinkProgress(WPARAM wParam, LPARAM lParam) {
-    const WORD progress = HIWORD(wParam);
-    const int textId = TextOfProgress(progress);
+    const LinkStep step = StepOf(wParam);
+    const int textId = TextOfStep(step);
     if (textId == 0) {
         return;
     }
-    if (progress == kSearching) {
+    if (step == LinkStep::kFindingModel) {
         line.Set(textId, -1, -1);
-    } else if (progress == kChecking) {
+    } else if (step == LinkStep::kCheckingStatus) {
         line.SetText(textId);
     } else {
-        line.Set(textId, HIWORD(static_cast<DWORD_PTR>(lParam)), LOWORD(static_cast<DWORD_PTR>(lParam)));
+        line.Set(textId, GroupOf(lParam), TrackOf(lParam));
     }
 }
 
 void EditorPane::OnLinkResult(WPARAM wParam) {
-    const WORD operation = LOWORD(wParam);
-    const BYTE status = ByteOf(wParam, 24);
-    BYTE code = ByteOf(wParam, 16);
+    const WORD operation = OperationOf(wParam);
+    const BYTE status = StatusOf(wParam);
+    BYTE code = CodeOf(wParam);
     // The link names no reply for the map of the Albums. An end is never a failure.
     if (code == 0 && status != ST_OK) {
         code = RC_MAP;

@@ -12,6 +12,7 @@ namespace {
 // The two low bits are the TitleState; they are never both set, and never without TF_KNOWN.
 constexpr std::uint8_t TF_RECEIVED = 0x01;
 constexpr std::uint8_t TF_EDITED = 0x02;
+constexpr std::uint8_t TF_SENT = 0x04;  // the text has gone out, and the entry waits to be forgotten
 constexpr std::uint8_t TF_KNOWN = 0x40;
 constexpr std::uint8_t TF_DISC = 0x80;
 constexpr std::uint8_t kStateBits = TF_RECEIVED | TF_EDITED;
@@ -23,8 +24,9 @@ bool IsGroup(GroupId group) {
     return group >= 1 && group <= kGroups;
 }
 
+// The flags of an entry whose text is another one now.
 std::uint8_t WithState(std::uint8_t flags, std::uint8_t state) {
-    return static_cast<std::uint8_t>((flags & ~kStateBits) | state);
+    return static_cast<std::uint8_t>((flags & ~(kStateBits | TF_SENT)) | state);
 }
 
 // Fills the rest with zeros, so that an entry never ends in bytes of an older text. A source without a terminator within its
@@ -118,26 +120,35 @@ int TitleStore::EditTitle(GroupId group, TrackNo track, const char* text) {
         return 1;
     }
     AddUndoRecord(group, track, *entry);
-    entry->flags = WithState(entry->flags, TF_EDITED);
+    MarkEdited(*entry);
     SetText(entry->text, text);
-    if (entry->editCount < kMostEdits) {
-        ++entry->editCount;
-    }
     return 1;
 }
 
 int TitleStore::StoreReceived(GroupId group, TrackNo track, const char* text) {
     LockGuard guard(lock);
-    return Receive(group, track, text);
-}
-
-int TitleStore::StoreFetched(GroupId group, TrackNo track, const char* text) {
-    LockGuard guard(lock);
-    const TitleEntry* entry = FindEntry(group, track);
-    if (entry != nullptr && (entry->flags & TF_EDITED) != 0) {
+    if (!IsGroup(group) || track > kTracks) {
         return 0;
     }
-    return Receive(group, track, text);
+    TitleSlot& slot = slots[group - 1];
+    if (track > 0) {
+        if (slot.tracks == nullptr) {
+            slot.tracks.reset(new (std::nothrow) TitleEntry[kTracks]());
+            if (slot.tracks == nullptr) {
+                return 0;
+            }
+            slot.trackCount = 0;
+        }
+        if (text != nullptr) {
+            slot.trackCount = std::max(slot.trackCount, static_cast<std::uint8_t>(track));
+        }
+    }
+    TitleEntry& entry = *FindEntry(group, track);
+    SetText(entry.text, text != nullptr ? text : "");
+    const int state = text != nullptr ? TF_RECEIVED : 0;
+    entry.flags = static_cast<std::uint8_t>(state | TF_KNOWN | (IsAlbum(group) ? 0 : TF_DISC));
+    entry.editCount = 0;
+    return 1;
 }
 
 int TitleStore::DeleteTitle(GroupId group, TrackNo track) {
@@ -146,13 +157,39 @@ int TitleStore::DeleteTitle(GroupId group, TrackNo track) {
     return entry != nullptr ? Forget(*entry, group, track) : 0;
 }
 
-int TitleStore::ForgetSent(GroupId group, TrackNo track, const char* sentText) {
+int TitleStore::NoteSent(GroupId group, TrackNo track, const char* text) {
     LockGuard guard(lock);
     TitleEntry* entry = FindReachable(group, track);
-    if (entry == nullptr || (entry->flags & TF_EDITED) == 0 || !SameText(entry->text, sentText)) {
+    if (entry == nullptr || (entry->flags & kStateBits) == 0) {
         return 0;
     }
-    return Forget(*entry, group, track);
+    MarkEdited(*entry);
+    if (SameText(entry->text, text)) {
+        entry->flags |= TF_SENT;
+    }
+    return 1;
+}
+
+int TitleStore::IsSent(GroupId group, TrackNo track) const {
+    LockGuard guard(lock);
+    const TitleEntry* entry = FindReachable(group, track);
+    return entry != nullptr && (entry->flags & TF_SENT) != 0 ? 1 : 0;
+}
+
+int TitleStore::ForgetSent(GroupId group, TrackNo track) {
+    LockGuard guard(lock);
+    TitleEntry* entry = FindReachable(group, track);
+    return entry != nullptr && (entry->flags & TF_SENT) != 0 ? Forget(*entry, group, track) : 0;
+}
+
+void TitleStore::ClearSent() {
+    LockGuard guard(lock);
+    for (TitleSlot& slot : slots) {
+        slot.title.flags &= static_cast<std::uint8_t>(~TF_SENT);
+        for (int track = 0; track < slot.trackCount; ++track) {
+            slot.tracks[static_cast<std::size_t>(track)].flags &= static_cast<std::uint8_t>(~TF_SENT);
+        }
+    }
 }
 
 int TitleStore::ClearGroup(GroupId group) {
@@ -195,9 +232,7 @@ int TitleStore::UndoEdit(GroupId* group, TrackNo* track, char* text) {
     if (entry->editCount > 0) {
         --entry->editCount;
     }
-    if (entry->editCount == 0) {
-        entry->flags = WithState(entry->flags, TF_RECEIVED);
-    }
+    entry->flags = WithState(entry->flags, entry->editCount > 0 ? TF_EDITED : TF_RECEIVED);
     if (group != nullptr) {
         *group = editedGroup;
     }
@@ -261,33 +296,17 @@ bool TitleStore::IsGroupKnown(GroupId group) const {
 bool TitleStore::TitleEntry::IsSound() const {
     const int state = flags & kStateBits;
     return state != kStateBits && (state == TS_NONE || (flags & TF_KNOWN) != 0) && (state != TS_NONE || text[0] == '\0') &&
-           text[kTitleLength] == '\0' && (editCount > 0) == (state == TS_EDITED);
+           text[kTitleLength] == '\0' && (editCount > 0) == (state == TS_EDITED) &&
+           ((flags & TF_SENT) == 0 || state == TS_EDITED);
 }
 #endif
 
-int TitleStore::Receive(GroupId group, TrackNo track, const char* text) {
-    if (!IsGroup(group) || track > kTracks) {
-        return 0;
+// A text of the user's, or one that the main unit does not have any more.
+void TitleStore::MarkEdited(TitleEntry& entry) {
+    entry.flags = WithState(entry.flags, TF_EDITED);
+    if (entry.editCount < kMostEdits) {
+        ++entry.editCount;
     }
-    TitleSlot& slot = slots[group - 1];
-    if (track > 0) {
-        if (slot.tracks == nullptr) {
-            slot.tracks.reset(new (std::nothrow) TitleEntry[kTracks]());
-            if (slot.tracks == nullptr) {
-                return 0;
-            }
-            slot.trackCount = 0;
-        }
-        if (text != nullptr) {
-            slot.trackCount = std::max(slot.trackCount, static_cast<std::uint8_t>(track));
-        }
-    }
-    TitleEntry& entry = *FindEntry(group, track);
-    SetText(entry.text, text != nullptr ? text : "");
-    const int state = text != nullptr ? TF_RECEIVED : 0;
-    entry.flags = static_cast<std::uint8_t>(state | TF_KNOWN | (IsAlbum(group) ? 0 : TF_DISC));
-    entry.editCount = 0;
-    return 1;
 }
 
 int TitleStore::Forget(TitleEntry& entry, GroupId group, TrackNo track) {

@@ -13,7 +13,7 @@
 enum TitleState : int {
     TS_NONE = 0,      // no text: the main unit has not answered yet, or has answered that there is none
     TS_RECEIVED = 1,  // the main unit's text
-    TS_EDITED = 2,    // a user's text that the main unit does not have yet
+    TS_EDITED = 2,    // a text that waits to be sent: the main unit has another one, or may have
 };
 
 // Filled from the main unit by the link, changed by the user and by imports, read by everyone, on any thread. Every
@@ -67,17 +67,19 @@ public:
     // where the main unit has no title (`text` null). Gives 0 without memory for the group's tracks.
     int StoreReceived(GroupId group, TrackNo track, const char* text);
 
-    // As StoreReceived, but an entry that is TS_EDITED is left alone, and the result is 0: a doubled or late reply must
-    // never take an edit away.
-    int StoreFetched(GroupId group, TrackNo track, const char* text);
-
     // Makes a reachable entry as if it had never been answered for, so that it is fetched anew, and takes its edits out of
     // the undo. A group's tracks can only be deleted before its own title. The track count stays.
     int DeleteTitle(GroupId group, TrackNo track);
 
-    // As DeleteTitle, but only while the entry is TS_EDITED with exactly `sentText`: what the user has typed since is not
-    // sent yet and stays.
-    int ForgetSent(GroupId group, TrackNo track, const char* sentText);
+    // `text` has gone out to the main unit for a reachable entry, so the main unit no longer has what an undo would bring
+    // back: the entry is TS_EDITED until the next StoreReceived, whatever is undone.
+    int NoteSent(GroupId group, TrackNo track, const char* text);
+    // 1 if the entry's present text was the last to go out since ClearSent.
+    int IsSent(GroupId group, TrackNo track) const;
+    // As DeleteTitle, but only for an entry for which IsSent is 1.
+    int ForgetSent(GroupId group, TrackNo track);
+    // No entry counts as sent any more.
+    void ClearSent();
 
     // Forgets a group whose own title is answered for, with its tracks and its edits.
     int ClearGroup(GroupId group);
@@ -99,8 +101,10 @@ private:
     // Zero in every byte when never answered for.
     struct TitleEntry {
         char text[kTitleSize];
-        std::uint8_t flags;      // TF_ bits
-        std::uint8_t editCount;  // edits that have not been undone, at most 255; above 0 exactly while TF_EDITED is set
+        std::uint8_t flags;  // TF_ bits
+        // Edits that have not been undone, and one for each text sent, which no undo takes back; at most 255. Above 0
+        // exactly while TF_EDITED is set.
+        std::uint8_t editCount;
 
         bool IsSound() const;  // for asserts
     };
@@ -124,8 +128,8 @@ private:
     TitleEntry* FindReachable(GroupId group, TrackNo track);
     const TitleEntry* FindReachable(GroupId group, TrackNo track) const;
     bool IsGroupKnown(GroupId group) const;
-    int Receive(GroupId group, TrackNo track, const char* text);
     int Forget(TitleEntry& entry, GroupId group, TrackNo track);
+    static void MarkEdited(TitleEntry& entry);
     void AddUndoRecord(GroupId group, TrackNo track, const TitleEntry& entry);
     int FindLatestRecord() const;
     void EmptyRecords(std::int32_t group, std::int32_t firstTrack, std::int32_t lastTrack);

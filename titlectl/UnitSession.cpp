@@ -15,10 +15,17 @@ constexpr int kIdleWatches = 3;
 constexpr int kMostTries = 3;
 constexpr int kPorts = 8;
 
-constexpr WORD kProgressNumbers[] = {1, 2, 4, 6, 9, 10};
-constexpr const char* kProgressTexts[] = {
-    "Searching the main unit",       "Checking the main unit", "Asking which Discs there are",
-    "Asking which Albums there are", "Reading tracks",         "Writing titles"};
+constexpr struct {
+    LinkStep step;
+    const char* text;
+} kProgressTexts[] = {
+    {LinkStep::kFindingModel, "Searching the main unit on "},
+    {LinkStep::kCheckingStatus, "Checking the main unit"},
+    {LinkStep::kMappingDiscs, "Asking which Discs there are"},
+    {LinkStep::kMappingAlbums, "Asking which Albums there are"},
+    {LinkStep::kReadingGroup, "Reading tracks"},
+    {LinkStep::kWriting, "Writing titles"},
+};
 
 }  // namespace
 
@@ -176,9 +183,8 @@ LRESULT CALLBACK UnitSession::WindowProc(HWND window, UINT message, WPARAM wPara
 }
 
 void UnitSession::OnResult(WPARAM wParam) {
-    const auto code = static_cast<BYTE>(wParam >> 16 & 0xFF);
-    const auto status = static_cast<BYTE>(wParam >> 24 & 0xFF);
-    if (code == RC_MODEL && status == ST_OK) {
+    const BYTE status = StatusOf(wParam);
+    if (CodeOf(wParam) == RC_MODEL && status == ST_OK) {
         modelFound = true;
         return;
     }
@@ -186,7 +192,7 @@ void UnitSession::OnResult(WPARAM wParam) {
         refused = refused || status == ST_BAD_REPLY;
         return;  // the link repeats the request, and times out if that does not help
     }
-    outcome = status == ST_TIMEOUT && refused ? Outcome::kRefused : OutcomeOf(status);
+    outcome = refused && (status == ST_TIMEOUT || status == ST_OK) ? Outcome::kRefused : OutcomeOf(status);
     ended = true;
 }
 
@@ -204,15 +210,14 @@ Outcome UnitSession::OutcomeOf(BYTE status) {
 
 void UnitSession::OnProgress(WPARAM wParam, LPARAM lParam) const {
     if (lParam != 0) {
-        const auto group = static_cast<GroupId>(HIWORD(static_cast<DWORD_PTR>(lParam)));
-        const int track = LOWORD(static_cast<DWORD_PTR>(lParam));
-        std::fprintf(stderr, "  %c%d %d\n", IsAlbum(group) ? 'A' : 'D', IsAlbum(group) ? AlbumNumber(group) : group, track);
+        const GroupId group = GroupOf(lParam);
+        std::fprintf(stderr, "  %c%d %d\n", IsAlbum(group) ? 'A' : 'D', IsAlbum(group) ? AlbumNumber(group) : group,
+                     TrackOf(lParam));
         return;
     }
-    for (std::size_t i = 0; i < std::size(kProgressNumbers); ++i) {
-        if (kProgressNumbers[i] == HIWORD(wParam)) {
-            std::fprintf(stderr, "%s%s%s\n", kProgressTexts[i], kProgressNumbers[i] == 1 ? " on " : "",
-                         kProgressNumbers[i] == 1 ? port : "");
+    for (const auto& [step, text] : kProgressTexts) {
+        if (step == StepOf(wParam)) {
+            std::fprintf(stderr, "%s%s\n", text, step == LinkStep::kFindingModel ? port : "");
         }
     }
 }

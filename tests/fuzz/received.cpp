@@ -70,9 +70,6 @@ void Read(std::string_view bytes) {
     CHECK(ModelNumber(frame) <= 2);
     ModelSumMatches(frame);
     IsRefusal(frame);
-    IsMapQuery(frame);
-    IsTitleRead(frame);
-    IsTitleWrite(frame);
     // Steps of seven meet each of the bytes, eight items each, and all of their bits.
     for (std::uint32_t item = 1; item <= kMapItems; item += 7) {
         // Two digits for eight items: behind the end of the frame there is none.

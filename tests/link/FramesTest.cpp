@@ -64,11 +64,6 @@ TEST(Fields, ReadAsFarAsTheDigitsGo) {
     EXPECT_EQ(ReadHex("4 ", 2), (HexRead{4, true}));
     EXPECT_EQ(ReadHex("4", 2), (HexRead{4, true}));
     EXPECT_EQ(ReadHex("12345", 2), (HexRead{0x12, true}));
-    std::uint32_t value = 99;
-    GetDec("1 3", 3, value);
-    EXPECT_EQ(value, 13U);
-    GetDec("", 3, value);
-    EXPECT_EQ(value, 0U);
     EXPECT_EQ(ByteSum(""), 0);
     EXPECT_EQ(ByteSum("\xFF\x02"), 1);
     EXPECT_TRUE(SumMatches("\xFF\x02", "01"));
@@ -96,33 +91,16 @@ TEST(Frames, AreEncodedByteByByte) {
     EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 7U, 0U), Framed(kDc4, "50100520070000000000D4"));
     EXPECT_EQ(encoded(EncodeTitleRead, kKindAlbum, 123U, 0U).substr(7, 4), "2123");
     EXPECT_EQ(encoded(EncodeTitleWrite, kKindDisc, 12U, 3U), Framed(kDc4, "50100600120300000000D2"));
-    EXPECT_TRUE(IsTitleWrite(out));
-    EXPECT_FALSE(IsTitleRead(out));
-    EXPECT_FALSE(IsMapQuery(out));
-    EXPECT_FALSE(IsTitleRead("") || IsTitleWrite("") || IsMapQuery(""));
 }
 
-TEST(Frames, TitleDataTakesItsTextFromTheStore) {
-    TitleStore store;
-    char out[kFrameSize] = "unchanged";
-    char text[kTitleSize] = {};
-    EXPECT_FALSE(EncodeTitleData(store, 5, 0, out, text));
-    EXPECT_STREQ(out, "unchanged");
-
-    store.StoreReceived(5, 0, "abc");
-    ASSERT_TRUE(EncodeTitleData(store, 5, 0, out, text));
-    EXPECT_EQ(std::string(out),
-              "\x14"
-              "5020abc" +
-                  std::string(29, ' ') + "8D\x03");
-    EXPECT_STREQ(text, "abc");
-
+TEST(Frames, TitleDataIsPadded) {
+    char out[kFrameSize];
+    EncodeTitleData("abc", out);
+    EXPECT_EQ(std::string(out), Framed(kDc4, "5020abc" + std::string(29, ' ') + "8D"));
     const std::string full(32, '~');
-    store.StoreReceived(5, 0, full.c_str());
-    ASSERT_TRUE(EncodeTitleData(store, 5, 0, out, text));
+    EncodeTitleData(full.c_str(), out);
     EXPECT_EQ(std::string(out).substr(5, 32), full);
-    store.StoreReceived(5, 0, "");
-    ASSERT_TRUE(EncodeTitleData(store, 5, 0, out, text));
+    EncodeTitleData("", out);
     EXPECT_EQ(std::string(out).substr(5, 32), std::string(32, ' '));
 }
 

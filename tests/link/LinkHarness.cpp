@@ -61,10 +61,6 @@ std::string TitleWrite(std::uint32_t disc, std::uint32_t track) {
     return frame;
 }
 
-WPARAM ResultOf(WORD operation, BYTE code, BYTE status) {
-    return operation | static_cast<WPARAM>(code) << 16 | static_cast<WPARAM>(status) << 24;
-}
-
 void PrintTo(const Posted& posted, std::ostream* out) {
     *out << posted.message << ' ' << std::hex << posted.wParam << ' ' << posted.lParam << std::dec;
 }

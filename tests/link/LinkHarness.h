@@ -51,8 +51,6 @@ struct Posted {
 // For the messages of failed expectations.
 void PrintTo(const Posted& posted, std::ostream* out);
 
-WPARAM ResultOf(WORD operation, BYTE code, BYTE status);
-
 // The unit of these tests. Without instructions it is ready, holds Discs 1 and 2, Album 1, Tracks 1 to 3 of each, refuses
 // the probe and answers each read with a title made of the request.
 class ScriptedUnit : public SerialPeer {

@@ -50,7 +50,7 @@ TEST(StatusCheck, FollowsTheUnitsValues) {
             if (each.status == ST_OK) {
                 EXPECT_TRUE(run.WaitForResult(OP_GET_ALL)) << each.what;
             } else {
-                EXPECT_TRUE(run.WaitForResult(ResultOf(OP_GET_ALL, RC_STATUS, each.status))) << each.what;
+                EXPECT_TRUE(run.WaitForResult(PackResult(OP_GET_ALL, RC_STATUS, each.status))) << each.what;
                 run.Pass(10000);
                 EXPECT_EQ(run.Results(), 1U) << each.what;
                 EXPECT_EQ(run.link.IsOperationActive(), each.standsIdle) << each.what;
@@ -75,7 +75,7 @@ TEST(StatusCheck, FollowsTheUnitsValues) {
 TEST(StatusCheck, MenuModeEndsTheOperation) {
     RunConnected([](LinkHarness& run) {
         run.unit.Answer(kMenuQuery, {UnitStatus("40")});
-        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_STATUS, ST_MENU_MODE)));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), PackResult(OP_GET_ALL, RC_STATUS, ST_MENU_MODE)));
         EXPECT_EQ(run.posted.back().lParam, 0x600040);
         EXPECT_FALSE(run.link.IsOperationActive());
         run.Pass(6000);
@@ -87,7 +87,7 @@ TEST(Maps, OfAnotherLengthAreAskedForAgainWithoutAWord) {
     RunConnected([](LinkHarness& run) {
         const std::string query = MapQuery(kMapDiscs, 0);
         run.unit.Answer(query, {UnitBlock("0300" + std::string(248, 'F'))});
-        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), ResultOf(OP_GET_ALL, RC_MAP, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), PackResult(OP_GET_ALL, RC_MAP, ST_TIMEOUT)));
         EXPECT_EQ(run.unit.Count(query), 2U);
         EXPECT_EQ(run.Results(), 1U);
     });
@@ -110,7 +110,7 @@ TEST(Maps, OfATracksQueryThatIsRefusedTimeOut) {
     RunConnected([](LinkHarness& run) {
         const std::string query = MapQuery(kMapTracks, GroupCode(AlbumGroup(1)));
         run.unit.Answer(query, {kRefusedMap});
-        ASSERT_TRUE(run.Ends(run.link.GetGroupTracks(AlbumGroup(1)), ResultOf(OP_GET_TRACKS, RC_MAP, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.GetGroupTracks(AlbumGroup(1)), PackResult(OP_GET_TRACKS, RC_MAP, ST_TIMEOUT)));
         EXPECT_EQ(run.unit.Count(query), 2U);
         EXPECT_EQ(run.Results(), 1U);
     });
@@ -138,13 +138,100 @@ TEST(Titles, AreStoredAsTheyCome) {
     });
 }
 
-TEST(StrayFrames, OfIgnoredTypesDoNothing) {
-    RunConnected([](LinkHarness& run) {
-        const std::string ignored = "\x02@05340\x03\r" + UnitBlock("0900") + "\r";
-        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {ignored + UnitTitle("one")});
+// What a unit may say, one frame of each kind. A void frame is none of them.
+const std::map<char, std::string> kFramesOfEachKind = {
+    {'m', kModelReply},     {'s', UnitStatus("03")}, {'c', kStray},           {'b', UnitMap({7})},
+    {'r', UnitTitle("no")}, {'w', kWriteAccepted},   {'i', "\x02@05340\x03"},
+};
+
+std::string AllBut(char kind) {
+    std::string frames;
+    for (const auto& [other, frame] : kFramesOfEachKind) {
+        frames += other != kind ? frame + "\r" : "";
+    }
+    return frames;
+}
+
+// With frames of all other kinds in front, and of all that arrive before the next request goes out behind it.
+std::string Surrounded(char kind, const std::string& answer) {
+    return AllBut(kind) + answer + "\r" + AllBut('b');
+}
+
+TEST(ForeignReplies, DoNothing) {
+    // Each request is answered by frames of all other kinds, then by its own, then by all kinds once more; and some come
+    // while nothing is asked.
+    RunLink([](LinkHarness& run) {
+        const struct {
+            std::string request;
+            char kind;
+            std::string answer;
+        } dialogue[] = {
+            {kModelQuery, 'm', kModelReply},
+            {kMenuQuery, 's', UnitStatus("FF")},
+            {Framed(kStx, "07CBD"), 'c', kStray},
+            {MapQuery(kMapDiscs, 0), 'b', UnitMap({1})},
+            {MapQuery(kMapAlbums, 0), 'b', kRefusedMap},
+            {TitleRead(kKindDisc, 1, 0), 'r', UnitTitle("one")},
+            {TitleWrite(1, 0), 'w', kWriteAccepted},
+        };
+        for (const auto& each : dialogue) {
+            run.unit.Answer(each.request, {Surrounded(each.kind, each.answer)});
+        }
+        const std::string ready = Surrounded('s', UnitStatus("40"));
+        const std::string command = Surrounded('s', UnitStatus("FD"));
+        run.unit.Answer(kReadyQuery, {command, ready});
+        ASSERT_TRUE(run.ConnectQuietly());
+        run.unit.Answer(kReadyQuery, {command, ready, ready});
         ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
-        EXPECT_EQ(run.Results(), 1U);
+        run.unit.Line().Send(AllBut(' '));
+        run.Pass(500);
+        EXPECT_EQ(run.FramesSinceConnect(), (Texts{"52060", "52000", "07CBD", "52000", "50100300000000000000",
+                                                   "50100500010000000000", "50100301000000000000"}));
         EXPECT_EQ(run.Title(1, 0), "one");
+
+        run.store.EditTitle(1, 0, "new");
+        ASSERT_TRUE(run.Ends(run.link.SendGroup(1), OP_SEND_GROUP));
+        EXPECT_EQ(run.unit.Count(TitleWrite(1, 0)), 1U);
+        EXPECT_EQ(run.Results(), 2U);
+        int known = 0;
+        for (GroupId group = 1; group <= kGroups; ++group) {
+            known += run.store.IsKnown(group, 0);
+        }
+        EXPECT_EQ(known, 1);
+        EXPECT_EQ(run.link.Model(), 1);
+    });
+}
+
+TEST(ForeignReplies, LeaveTheRequestToItsRepeatAndTimeOut) {
+    RunConnected([](LinkHarness& run) {
+        const std::string read = TitleRead(kKindDisc, 1, 0);
+        run.unit.Answer(read, {kStray});
+        ASSERT_TRUE(run.link.GetAllTitles());
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(read) == 1; }, 10000));
+        run.unit.Line().Send(UnitTitle("one"), 43'000);
+        ASSERT_TRUE(run.WaitForResult(OP_GET_ALL));
+        EXPECT_EQ(run.Title(1, 0), "one");
+        EXPECT_EQ(run.unit.Count(read), 1U);
+
+        run.store.ResetAll();
+        run.posted.clear();
+        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), PackResult(OP_GET_ALL, RC_TITLE_READ, ST_TIMEOUT)));
+        EXPECT_EQ(run.unit.Count(read), 3U);
+        EXPECT_EQ(run.store.IsKnown(1, 0), 0);
+    });
+}
+
+TEST(ForeignReplies, ComeFromReadsThatWereStoppedLongAgo) {
+    // The stop waits for a second; the unit takes longer, and answers in the order in which it is asked.
+    RunConnected([](LinkHarness& run) {
+        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {""});
+        ASSERT_TRUE(run.link.GetOneGroup(1));
+        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(TitleRead(kKindDisc, 1, 0)) == 1; }, 10000));
+        run.link.StopOperation();
+        run.unit.Answer(kMenuQuery, {UnitTitle("one") + "\r" + UnitStatus("FF")});
+        ASSERT_TRUE(run.Ends(run.link.GetOneGroup(2), OP_GET_GROUP));
+        EXPECT_EQ(run.Title(2, 0), "Title 000200");
+        EXPECT_EQ(run.store.IsKnown(1, 0), 0);
     });
 }
 
@@ -164,132 +251,43 @@ TEST(StrayFrames, ThatAreVoidTakeTheOperationAwayAndTheQueueGoesOn) {
     }
 }
 
-TEST(StrayFrames, AreNeverFiledUnderAnotherFramesNumber) {
-    RunConnected([](LinkHarness& run) {
-        // A title that comes while a map is asked for, and once more while nothing is asked at all.
-        run.unit.Answer(MapQuery(kMapDiscs, 0), {UnitTitle("stray") + "\r" + kWriteAccepted + "\r" + UnitMap({1})});
-        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {UnitMap({7}) + "\r" + UnitTitle("one")});
-        ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
-        run.unit.Line().Send(UnitTitle("late"));
-        run.unit.Line().Send("\r" + kWriteAccepted);
-        run.Pass(500);
-        EXPECT_EQ(run.Results(), 1U);
-        int known = 0;
-        for (GroupId group = 1; group <= kGroups; ++group) {
-            known += run.store.IsKnown(group, 0);
-        }
-        EXPECT_EQ(known, 2);
-        EXPECT_EQ(run.Title(1, 0), "one");
-        EXPECT_EQ(run.FramesSinceConnect().size(), 6U);
-    });
+// Tracks 1 to 3 of Disc 1, edited and on their way; the unit answers each TitleData, too, after a while.
+void SendThreeTracks(LinkHarness& run, std::uint64_t answerDataAfterUs) {
+    run.link.SetDisplayRanges({.discTo = 1, .albumFrom = 0, .albumTo = 0, .trackTo = 3});
+    run.store.StoreReceived(1, 0, "Disc");
+    for (const TrackNo track : {1, 2, 3}) {
+        run.Edit(1, track, "new " + std::to_string(track));
+    }
+    ASSERT_TRUE(run.link.SendGroup(1));
+    for (const TrackNo track : {1, 2}) {
+        const std::string data = "5020new " + std::to_string(track) + std::string(27, ' ');
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == data; }, 20000));
+        run.unit.Line().Send(kWriteAccepted + "\r", answerDataAfterUs);
+    }
 }
 
-TEST(StrayFrames, ThatUseUpAQuestionDoNotHangTheOperation) {
-    // A command reply is an answer to whatever was asked, so it takes the place of the one that counts.
-    const std::string questions[] = {kMenuQuery, kReadyQuery, MapQuery(kMapDiscs, 0), MapQuery(kMapAlbums, 0)};
-    for (const std::string& question : questions) {
+TEST(Writing, KeepsWhatIsRefusedBehindAnAnswerToTheTitleBefore) {
+    for (std::uint64_t afterMs = 90; afterMs <= 260; afterMs += 10) {
         RunConnected([&](LinkHarness& run) {
-            run.unit.Answer(question, {kStray, question == kMenuQuery    ? UnitStatus("FF")
-                                               : question == kReadyQuery ? UnitStatus("40")
-                                                                         : UnitMap({1})});
-            EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
-            EXPECT_EQ(run.unit.Count(question), question[0] == kStx ? 3U : 2U);
-
-            run.posted.clear();
-            run.unit.Answer(question, {kStray});
-            ASSERT_TRUE(run.link.GetAllTitles());
-            ASSERT_TRUE(run.WaitUntil([&] { return run.Results() > 0; }, 60000));
-            EXPECT_EQ(run.posted.back().wParam >> 24, ST_TIMEOUT);
+            run.unit.Answer(TitleWrite(1, 3), {UnitBlock("0601")});
+            SendThreeTracks(run, afterMs * 1000);
+            ASSERT_TRUE(run.WaitUntil([&] { return !run.link.IsOperationActive(); }, 60000));
+            EXPECT_TRUE(run.HasResult(PackResult(OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY))) << afterMs;
+            EXPECT_TRUE(run.store.IsEdited(1, 3)) << afterMs;
+            EXPECT_EQ(run.Title(1, 3), "new 3") << afterMs;
         });
     }
 }
 
-TEST(StrayFrames, AreForgivenOnceForEachQuestion) {
+TEST(Writing, HearsARefusalUntilTheTitlesAreForgotten) {
     RunConnected([](LinkHarness& run) {
-        run.unit.Answer(kReadyQuery, {kStray, UnitStatus("01"), UnitStatus("01"), kStray, UnitStatus("40")});
-        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
-    });
-}
-
-TEST(StatusCheck, CountsNoCopyThatComesWhileNothingIsAsked) {
-    RunConnected([](LinkHarness& run) {
-        // Ten values are waited out, the menu's among them; the eleventh is a copy that comes in the pause before the next
-        // question.
-        std::vector<std::string> values(9, UnitStatus("00"));
-        values.push_back(UnitStatus("40"));
-        run.unit.Answer(kReadyQuery, values);
-        run.unit.Answer(MapQuery(kMapDiscs, 0), {kStray, UnitMap({1})});
-        ASSERT_TRUE(run.link.GetAllTitles());
-        const std::size_t before = run.unit.Count(kReadyQuery);
-        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(kReadyQuery) == before + 9; }, 60000));
-        run.unit.Line().Send(UnitStatus("00"), 150'000);
-        EXPECT_TRUE(run.WaitForResult(OP_GET_ALL));
-    });
-}
-
-TEST(StrayFrames, ThatUseUpAReadEndTheStep) {
-    RunConnected([](LinkHarness& run) {
-        run.unit.Answer(TitleRead(kKindDisc, 2, 0), {kStray});
-        EXPECT_TRUE(run.Ends(run.link.GetAllTitles(), OP_GET_ALL));
-        EXPECT_EQ(run.store.IsKnown(1, 0), 1);
-        EXPECT_EQ(run.store.IsKnown(2, 0), 0);
-        EXPECT_EQ(run.store.IsKnown(1000, 0), 1);
-    });
-}
-
-TEST(StrayFrames, ThatUseUpAReadDoNotFileItsTitleUnderTheNextNumber) {
-    RunConnected([](LinkHarness& run) {
-        run.link.SetDisplayRanges({.discTo = 3, .albumFrom = 0, .albumTo = 0});
-        run.unit.Answer(TitleRead(kKindDisc, 1, 0), {kStray});
-        // The unit answers in the order in which it was asked, if late.
-        run.unit.Answer(TitleRead(kKindDisc, 2, 0), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
-        ASSERT_TRUE(run.Ends(run.link.GetOneGroup(0), OP_GET_GROUP));
-        EXPECT_EQ(run.store.IsKnown(1, 0), 0);
-        EXPECT_EQ(run.Title(2, 0), "Title 000200");
-        EXPECT_EQ(run.Title(3, 0), "Title 000300");
-    });
-}
-
-TEST(StrayFrames, DoNotFileATitleThatAStoppedReadGetsTooLate) {
-    // The stop waits for a second, the unit takes longer, and the next operation reads at once.
-    for (const bool usedUp : {false, true}) {
-        RunConnected([usedUp](LinkHarness& run) {
-            run.unit.Answer(TitleRead(kKindDisc, 1, 0), {usedUp ? kStray : ""});
-            ASSERT_TRUE(run.link.GetOneGroup(1));
-            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(TitleRead(kKindDisc, 1, 0)) == 1; }, 10000));
-            run.link.StopOperation();
-            run.unit.Answer(TitleRead(kKindDisc, 2, 0), {UnitTitle("one") + "\r" + UnitTitle("Title 000200")});
-            ASSERT_TRUE(run.Ends(run.link.GetOneGroup(2), OP_GET_GROUP));
-            EXPECT_EQ(run.Title(2, 0), "Title 000200");
-        });
-    }
-}
-
-TEST(StrayFrames, DoNotMoveAStepOnWhileNothingIsAsked) {
-    RunLink([](LinkHarness& run) {
-        // The reply to the first query comes while the second one is still in its pause.
-        run.unit.Answer(kModelQuery, {UnitStatus("FF"), kModelReply});
-        ASSERT_TRUE(run.link.Connect("COM1"));
-        ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(kModelQuery) == 1; }, 1000));
-        run.unit.Line().Send(kModelReply, 70'000);
-        ASSERT_TRUE(run.WaitForResult(1118209));
-        EXPECT_EQ(run.unit.Count(kModelQuery), 2U);
-        EXPECT_TRUE(run.WaitForResult(OP_CONNECT));
-    });
-}
-
-TEST(Writing, SendsOneTitleDataForEachWrite) {
-    RunConnected([](LinkHarness& run) {
-        run.Edit(1, 0, "new");
-        char data[kFrameSize];
-        char text[kTitleSize];
-        ASSERT_TRUE(EncodeTitleData(run.store, 1, 0, data, text));
-        run.unit.Answer(TitleWrite(1, 0), {kWriteAccepted + "\r" + kWriteAccepted});
-        run.unit.Answer(data, {kWriteAccepted});
-        ASSERT_TRUE(run.Ends(run.link.SendGroup(1), OP_SEND_GROUP));
-        EXPECT_EQ(run.unit.Count(TitleWrite(1, 0)), 1U);
-        EXPECT_EQ(run.unit.Count(data), 1U);
-        EXPECT_EQ(run.Results(), 1U);
+        run.unit.Answer(MapQuery(kMapDiscs, 0), {"", UnitMap({1})});
+        SendThreeTracks(run, 120'000);
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "50100300000000000000"; }, 20000));
+        run.unit.Line().Send(UnitBlock("0602"));
+        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+        EXPECT_TRUE(run.HasResult(PackResult(OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY)));
+        EXPECT_TRUE(run.store.IsEdited(1, 3));
     });
 }
 
@@ -297,10 +295,10 @@ TEST(Writing, TellsARefusalAtEachTryAndKeepsTheEdit) {
     RunConnected([](LinkHarness& run) {
         run.Edit(1, 0, "new");
         run.unit.Answer(TitleWrite(1, 0), {UnitBlock("0601"), UnitBlock("06000")});
-        ASSERT_TRUE(run.Ends(run.link.SendAllTitles(), ResultOf(OP_SEND_ALL, RC_TITLE_WRITE, ST_TIMEOUT)));
+        ASSERT_TRUE(run.Ends(run.link.SendAllTitles(), PackResult(OP_SEND_ALL, RC_TITLE_WRITE, ST_TIMEOUT)));
         EXPECT_EQ(run.Results(), 3U);
         EXPECT_EQ(run.posted[run.posted.size() - 2],
-                  (Posted{LM_RESULT, ResultOf(OP_SEND_ALL, RC_TITLE_WRITE, ST_BAD_REPLY), 0x10000}));
+                  (Posted{LM_RESULT, PackResult(OP_SEND_ALL, RC_TITLE_WRITE, ST_BAD_REPLY), 0x10000}));
         EXPECT_TRUE(run.store.IsEdited(1, 0));
     });
 }
@@ -312,7 +310,7 @@ TEST(Writing, WithoutATitleInTheStoreIsTold) {
         ASSERT_TRUE(run.link.SendGroup(1));
         ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(TitleWrite(1, 0)) == 1; }, 10000));
         run.store.ClearGroup(1);
-        EXPECT_TRUE(run.WaitForResult(ResultOf(OP_SEND_GROUP, RC_TITLE_WRITE, ST_NO_TITLE)));
+        EXPECT_TRUE(run.WaitForResult(PackResult(OP_SEND_GROUP, RC_TITLE_WRITE, ST_NO_TITLE)));
     });
 }
 

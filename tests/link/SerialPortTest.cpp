@@ -205,23 +205,4 @@ TEST_F(SerialPortTest, DoesNothingWhileItIsClosed) {
     EXPECT_EQ(first.Receive(0), "");
 }
 
-TEST_F(SerialPortTest, StaysDeadWhenThePeerHasGoneUntilItIsOpenedAnew) {
-    RecordingPort port;
-    ASSERT_TRUE(port.Open("COM1"));
-    ASSERT_TRUE(WriteAll(port, "x"));
-    EXPECT_EQ(first.Receive(1), "x");
-    first.Unplug();
-    // Without a reader nobody but the write itself can notice.
-    EXPECT_FALSE(WriteAll(port, "y"));
-    LinkPort("COM1", second.Path());
-    EXPECT_FALSE(WriteAll(port, "z"));
-    EXPECT_TRUE(port.IsOpen());
-    ASSERT_TRUE(port.Open("COM1"));
-    EXPECT_TRUE(WriteAll(port, "again"));
-    EXPECT_EQ(second.Receive(5), "again");
-    ASSERT_TRUE(port.StartReader());
-    second.Send("here");
-    EXPECT_TRUE(port.Receives("here"));
-}
-
 }  // namespace

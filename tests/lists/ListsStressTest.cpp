@@ -42,6 +42,7 @@ struct Stress {
     unsigned seed = 1;
     Shared<int> isOver;
     Shared<int> threads;
+    CriticalSection typing;  // held while an edit is open, so that no title comes over it
     // What the user typed into it, for each title by its row's value.
     std::map<LPARAM, std::string> typed;
     int edits = 0;
@@ -63,7 +64,12 @@ DWORD WINAPI Receive(LPVOID) {
         const TrackNo track = dice.Throw(kSomeTracks + 1);
         char title[kTitleSize];
         std::snprintf(title, sizeof title, "Received & %d", dice.Throw(1000));
-        stress->host.store.StoreFetched(group, track, MayVanish(track) && dice.Throw(8) == 0 ? nullptr : title);
+        {
+            LockGuard guard(stress->typing);
+            if (stress->host.store.GetState(group, track) != TS_EDITED) {
+                stress->host.store.StoreReceived(group, track, MayVanish(track) && dice.Throw(8) == 0 ? nullptr : title);
+            }
+        }
         if (dice.Throw(50) == 0) {
             Sleep(1);
         }
@@ -96,6 +102,7 @@ bool OnAct(HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT&) {
 // Opens the editor, types, and ends the edit in one way or another.
 void Type(CTitleList& list) {
     Stress& all = *stress;
+    LockGuard guard(all.typing);
     if (list.BeginEdit() != 1) {
         return;
     }

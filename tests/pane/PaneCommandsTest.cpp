@@ -72,7 +72,7 @@ TEST_F(PaneCommandsTest, TransfersCutOffWhatRunsAndCommitWhatIsTyped) {
 
 TEST_F(PaneCommandsTest, WithoutAGroupNothingIsCutOff) {
     Command(IDM_GET_ALL);
-    scripted::PostProgress(Pane(), OP_GET_ALL, 5, 1);
+    scripted::PostProgress(Pane(), OP_GET_ALL, LinkStep::kReadingDiscs, 1);
     const std::string line = Line();
     scripted::Take();
     for (const int command : {IDM_SEND_GROUP, IDM_GET_GROUP}) {
@@ -118,7 +118,7 @@ TEST_F(PaneCommandsTest, ButtonsTakeTheSameRoad) {
 TEST_F(PaneCommandsTest, StopShowsWhatHasCome) {
     AddDisc(3, 1);
     scripted::Store()->StoreReceived(2, 4, "Has come");
-    scripted::PostProgress(Pane(), OP_GET_TRACKS, 9, 2, 4);
+    scripted::PostProgress(Pane(), OP_GET_TRACKS, LinkStep::kReadingGroup, 2, 4);
     EXPECT_NE(Line(), "");
     Command(IDM_STOP);
     EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Disc 1\nDsc|2|Disc 2\nDsc|3|Disc 3\nAlb|1|Album 1\n");

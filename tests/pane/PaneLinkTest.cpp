@@ -43,7 +43,7 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     Open();
     EXPECT_EQ(scripted::Take(), "Connect COM1\nConnect COM2\n") << "what does not open is passed over";
     EXPECT_FALSE(AreControlsEnabled());
-    scripted::PostProgress(Pane(), OP_CONNECT, 1);
+    scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kFindingModel);
     EXPECT_EQ(Line(), Text(IDS_SEARCHING));
     // Each reply that cannot be read is told; the port is left once.
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
@@ -54,7 +54,7 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_OK, 0);
     ASSERT_TRUE(PumpAll());
     EXPECT_EQ(scripted::Take(), "") << "found, of whatever model";
-    scripted::PostProgress(Pane(), OP_CONNECT, 2);
+    scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kCheckingStatus);
     EXPECT_EQ(Line(), Text(IDS_CHECKING_STATUS));
     EXPECT_FALSE(AreControlsEnabled());
     scripted::PostResult(Pane(), OP_CONNECT);
@@ -134,7 +134,7 @@ TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
                  {ST_FOREIGN, IDS_ERROR_NO_STATUS},      {ST_BAD_REPLY, IDS_ERROR_NO_STATUS}};
     Open();
     for (const auto& unit : cases) {
-        scripted::PostProgress(Pane(), OP_CONNECT, 2);
+        scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kCheckingStatus);
         BoxReader box(IDS_ERROR_CAPTION);
         scripted::PostResult(Pane(), OP_CONNECT, unit.status == ST_BUSY ? RC_COMMAND : RC_STATUS, unit.status);
         ASSERT_TRUE(PumpAll());
@@ -194,7 +194,7 @@ TEST_F(LinkEventsTest, ProgressIsTold) {
                  {11, 1, 1, Text(IDS_CHECKING_STATUS) + " ( Album 999 - Track 99 )"},
                  {1, 0, 0, Text(IDS_SEARCHING)}};
     for (const auto& step : steps) {
-        scripted::PostProgress(Pane(), OP_GET_ALL, step.number, step.group, step.track);
+        scripted::PostProgress(Pane(), OP_GET_ALL, static_cast<LinkStep>(step.number), step.group, step.track);
         EXPECT_EQ(Line(), step.line) << step.number;
     }
     SendMessageA(Pane(), WM_USER, UC_MESSAGE_LINE, IDS_CONNECTED);
@@ -234,7 +234,7 @@ TEST_F(LinkEventsTest, ResultsAreToldAndLeadOn) {
     Refill(2);
     scripted::Take();
     for (const Outcome& outcome : outcomes) {
-        scripted::PostProgress(Pane(), OP_SEND_GROUP, 10, 2, 1);
+        scripted::PostProgress(Pane(), OP_SEND_GROUP, LinkStep::kWriting, 2, 1);
         const std::string line = Line();
         BoxReader box(IDS_ERROR_CAPTION);
         scripted::PostResult(Pane(), outcome.operation, outcome.code, outcome.status);
@@ -255,7 +255,7 @@ TEST_F(LinkEventsTest, TheTracksOfASelectedGroupAreFetched) {
     }
     Refill(1);
     scripted::Take();
-    scripted::PostProgress(Pane(), OP_SEND_ALL, 10, 1, 1);
+    scripted::PostProgress(Pane(), OP_SEND_ALL, LinkStep::kWriting, 1, 1);
     const std::string line = Line();
     Select(2);
     EXPECT_TRUE(Asked("GetGroupTracks 3\n"));
@@ -291,7 +291,7 @@ TEST_F(LinkEventsTest, TheEndOfWhatWasCutOffIsNotTheEndOfWhatFollows) {
     AddDisc(1, 1);
     Refill(1);
     scripted::PostResult(Pane(), OP_GET_TRACKS);
-    scripted::PostProgress(Pane(), OP_GET_TRACKS, 9, 1, 1);
+    scripted::PostProgress(Pane(), OP_GET_TRACKS, LinkStep::kReadingGroup, 1, 1);
     Command(IDM_GET_ALL);
     Sleep(50);
     ASSERT_TRUE(PumpAll());

@@ -20,6 +20,7 @@ struct Entry {
     State state = State::kUnknown;
     std::string text;
     int edits = 0;
+    bool sent = false;
 };
 
 struct Record {
@@ -62,7 +63,7 @@ struct Model {
             tracks[group];
             counts[group] = text ? std::max(counts[group], track) : counts[group];
         }
-        *Find(group, track) = {text ? State::kReceived : State::kEmpty, text.value_or(""), 0};
+        *Find(group, track) = {text ? State::kReceived : State::kEmpty, text.value_or(""), 0, false};
         return 1;
     }
 
@@ -73,7 +74,7 @@ struct Model {
             if (records.size() > 100) {
                 records.pop_front();
             }
-            *entry = {State::kEdited, text, std::min(entry->edits + 1, 255)};
+            *entry = {State::kEdited, text, std::min(entry->edits + 1, 255), false};
         }
         return entry != nullptr ? 1 : 0;
     }
@@ -86,6 +87,17 @@ struct Model {
         *entry = {};
         PunchHoles(group, std::max(track, 0), std::max(track, 0));
         return 1;
+    }
+
+    void ClearSent() {
+        for (auto& [group, entry] : groups) {
+            entry.sent = false;
+        }
+        for (auto& [group, entries] : tracks) {
+            for (auto& [track, entry] : entries) {
+                entry.sent = false;
+            }
+        }
     }
 
     void PunchHoles(GroupId group, TrackNo first, TrackNo last) {
@@ -110,6 +122,7 @@ struct Model {
             return std::nullopt;
         }
         entry->text = record->text;
+        entry->sent = false;
         entry->edits = std::max(entry->edits - 1, 0);
         entry->state = entry->edits == 0 ? State::kReceived : State::kEdited;
         records.resize(count - 1);
@@ -136,7 +149,7 @@ public:
             case 3:
             case 4: EXPECT_EQ(store.DeleteTitle(group, track), model.Forget(group, track)); return;
             case 5:
-            case 6: return ForgetSent(group, track, text);
+            case 6: return Send(group, track, text);
             case 7:
             case 8:
             case 9:
@@ -149,7 +162,8 @@ public:
             default: break;
         }
         if (Draw(3) == 0) {
-            return Fetch(group, track, reply);
+            EXPECT_EQ(store.StoreReceived(group, track, Pointer(reply)), model.Receive(group, track, reply));
+            return;
         }
         // Nobody edits the tracks of an Album.
         const TrackNo edited = group > 999 ? std::min(track, 0) : track;
@@ -205,16 +219,21 @@ private:
         }
     }
 
-    void Fetch(GroupId group, TrackNo track, const std::optional<std::string>& reply) {
-        const Entry* entry = model.Find(group, track);
-        const bool edited = entry != nullptr && entry->state == State::kEdited;
-        EXPECT_EQ(store.StoreFetched(group, track, Pointer(reply)), edited ? 0 : model.Receive(group, track, reply));
-    }
-
-    void ForgetSent(GroupId group, TrackNo track, const std::string& text) {
-        const Entry* entry = model.Reachable(group, track);
-        const bool sent = entry != nullptr && entry->state == State::kEdited && entry->text == text;
-        EXPECT_EQ(store.ForgetSent(group, track, text.c_str()), sent ? model.Forget(group, track) : 0);
+    // What the link does in a send, in any order.
+    void Send(GroupId group, TrackNo track, const std::string& text) {
+        Entry* entry = model.Reachable(group, track);
+        const bool sendable = entry != nullptr && entry->state != State::kEmpty;
+        EXPECT_EQ(store.NoteSent(group, track, text.c_str()), sendable ? 1 : 0);
+        if (sendable) {
+            *entry = {State::kEdited, entry->text, std::min(entry->edits + 1, 255), entry->text == text};
+        }
+        if (Draw(20) == 0) {
+            store.ClearSent();
+            model.ClearSent();
+        }
+        if (Draw(3) == 0) {
+            EXPECT_EQ(store.ForgetSent(group, track), sendable && entry->sent ? model.Forget(group, track) : 0);
+        }
     }
 
     void Undo() {
@@ -242,6 +261,7 @@ private:
         EXPECT_EQ(known, state != State::kUnknown ? 1 : 0);
         EXPECT_EQ(given, entry != nullptr ? expected : -1);
         EXPECT_EQ(store.IsDisc(group, track), reachable ? (group <= 999 ? 1 : 0) : -1);
+        EXPECT_EQ(store.IsSent(group, track), reachable && entry->sent ? 1 : 0);
         // Whatever the model says: no third state, "edited" has one meaning, and no text without an answer.
         EXPECT_LE(given, TS_EDITED);
         EXPECT_EQ(edited, given == TS_EDITED ? 1 : 0);

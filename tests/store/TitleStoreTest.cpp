@@ -83,7 +83,6 @@ TEST_F(TitleStoreTest, NumbersThatNameNothingAreRefusedEverywhere) {
         SCOPED_TRACE(testing::Message() << group << "/" << track);
         EXPECT_EQ(store.StoreReceived(group, track, "x"), 0);
         EXPECT_EQ(store.StoreReceived(group, track, nullptr), 0);
-        EXPECT_EQ(store.StoreFetched(group, track, "x"), 0);
         EXPECT_EQ(store.IsKnown(group, track), 0);
         EXPECT_EQ(store.IsEdited(group, track), 0);
         EXPECT_EQ(store.IsDisc(group, track), -1);
@@ -91,7 +90,9 @@ TEST_F(TitleStoreTest, NumbersThatNameNothingAreRefusedEverywhere) {
         EXPECT_EQ(Text(group, track), "<none>");
         EXPECT_EQ(store.EditTitle(group, track, "x"), 0);
         EXPECT_EQ(store.DeleteTitle(group, track), 0);
-        EXPECT_EQ(store.ForgetSent(group, track, "x"), 0);
+        EXPECT_EQ(store.NoteSent(group, track, "x"), 0);
+        EXPECT_EQ(store.IsSent(group, track), 0);
+        EXPECT_EQ(store.ForgetSent(group, track), 0);
     }
     for (GroupId group : {0, -1, 1999, kLowest, kHighest}) {
         EXPECT_EQ(store.GetTrackCount(group), -1);
@@ -124,7 +125,6 @@ TEST_F(TitleStoreTest, RefusedMemoryIsNotStored) {
     store.StoreReceived(1, 0, "disc");
     refuseMemory = true;
     EXPECT_EQ(store.StoreReceived(1, 1, "x"), 0);
-    EXPECT_EQ(store.StoreFetched(1, 1, "x"), 0);
     refuseMemory = false;
     EXPECT_EQ(store.GetTrackCount(1), -1);
     EXPECT_EQ(store.GetState(1, 1), -1);
@@ -217,36 +217,55 @@ TEST_F(TitleStoreTest, DropAlbumTracksLeavesDiscsAndTheAlbumsTitle) {
     EXPECT_EQ(store.GetTrackCount(1000), 2);
 }
 
-TEST_F(TitleStoreTest, ForgetSentOnlyForgetsWhatWasSent) {
-    store.StoreReceived(1, 0, "sent");
-    EXPECT_EQ(store.ForgetSent(1, 0, "sent"), 0) << "the main unit's own text was never sent";
-    store.EditTitle(1, 0, "other");
-    store.EditTitle(1, 0, "sent");
-    for (const char* text : {"", "sen", "sent ", "Sent"}) {
-        EXPECT_EQ(store.ForgetSent(1, 0, text), 0) << text;
+TEST_F(TitleStoreTest, OnlyWhatStandsAsItWasSentIsForgotten) {
+    store.StoreReceived(1, 0, "disc");
+    store.StoreReceived(1, 3, "track");
+    const auto canForget = [this](TrackNo track) {
+        const int sent = store.IsSent(1, track);
+        return sent == store.ForgetSent(1, track) && sent == 1;
+    };
+    for (TrackNo track : {3, 0}) {
+        store.EditTitle(1, track, "first");
+        EXPECT_FALSE(canForget(track));
+        EXPECT_EQ(store.NoteSent(1, track, "first"), 1);
+        store.EditTitle(1, track, "second");
+        EXPECT_FALSE(canForget(track)) << "typed since";
+        EXPECT_EQ(store.NoteSent(1, track, "first"), 1);
+        EXPECT_FALSE(canForget(track)) << "noted late";
+        EXPECT_EQ(store.NoteSent(1, track, "second"), 1);
+        ASSERT_EQ(store.UndoEdit(nullptr, nullptr, nullptr), 1);
+        EXPECT_FALSE(canForget(track)) << "undone since";
+        EXPECT_EQ(store.NoteSent(1, track, "first"), 1);
+        store.ClearSent();
+        EXPECT_FALSE(canForget(track)) << "of an earlier send";
+        EXPECT_EQ(store.IsEdited(1, track), 1);
+        EXPECT_EQ(store.NoteSent(1, track, "first"), 1);
+        EXPECT_TRUE(canForget(track));
+        EXPECT_EQ(store.IsKnown(1, track), 0);
     }
-    EXPECT_EQ(store.IsEdited(1, 0), 1);
-    EXPECT_EQ(store.ForgetSent(1, 0, "sent"), 1);
-    EXPECT_EQ(store.IsKnown(1, 0), 0);
     EXPECT_EQ(store.CanUndo(), 0);
 }
 
-TEST_F(TitleStoreTest, StoreFetchedNeverTakesAnEditAway) {
-    EXPECT_EQ(store.StoreFetched(1, 0, "disc"), 1);
-    EXPECT_EQ(store.StoreFetched(1, 1, "track"), 1);
-    store.EditTitle(1, 0, "edited");
-    store.EditTitle(1, 1, "");
-    for (TrackNo track : {0, 1}) {
-        EXPECT_EQ(store.StoreFetched(1, track, "late"), 0);
-        EXPECT_EQ(store.StoreFetched(1, track, nullptr), 0);
-        EXPECT_EQ(store.IsEdited(1, track), 1);
-    }
-    EXPECT_EQ(UndoAll(), (std::vector<std::string>{"1/1 track", "1/0 disc"}));
-    EXPECT_EQ(store.StoreFetched(1, 1, nullptr), 1);
-    EXPECT_EQ(store.GetState(1, 1), TS_NONE);
-    store.EditTitle(1, 0, "edited");
-    EXPECT_EQ(store.StoreReceived(1, 0, "forced"), 1);
-    EXPECT_EQ(store.IsEdited(1, 0), 0);
+TEST_F(TitleStoreTest, AnEditThatHasGoneOutIsNeverUndoneToTheMainUnitsText) {
+    store.StoreReceived(1, 0, "old");
+    store.EditTitle(1, 0, "new");
+    store.NoteSent(1, 0, "new");
+    ASSERT_EQ(UndoAll(), std::vector<std::string>{"1/0 old"});
+    EXPECT_EQ(store.GetState(1, 0), TS_EDITED);
+    store.StoreReceived(1, 0, "new");
+    EXPECT_EQ(store.GetState(1, 0), TS_RECEIVED);
+
+    // It went out, and its undo was quicker than the note.
+    store.EditTitle(1, 0, "newer");
+    UndoAll();
+    ASSERT_EQ(store.GetState(1, 0), TS_RECEIVED);
+    store.NoteSent(1, 0, "newer");
+    EXPECT_EQ(store.GetState(1, 0), TS_EDITED);
+    EXPECT_EQ(Text(1, 0), "new");
+
+    store.StoreReceived(1, 0, nullptr);
+    EXPECT_EQ(store.NoteSent(1, 0, "late"), 0);
+    EXPECT_EQ(store.GetState(1, 0), TS_NONE);
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ DWORD WINAPI Receiver(LPVOID parameter) {
         MakeTitle(i, text);
         arena.store.StoreReceived(kBusyGroups[i % 3], 0, text);
         arena.store.StoreReceived(kBusyGroups[i % 3], i % 4 + 1, text);
-        arena.store.StoreFetched(kBusyGroups[i % 3], i % 5, text);
+        arena.store.NoteSent(kBusyGroups[i % 3], i % 5, text);
     }
     return 0;
 }
@@ -71,7 +71,7 @@ DWORD WINAPI Forgetter(LPVOID parameter) {
     char text[kTitleSize];
     for (int i = 0; !arena.stop; ++i) {
         MakeTitle(i, text);
-        arena.store.ForgetSent(kBusyGroups[i % 2], i % 5, text);
+        arena.store.ForgetSent(kBusyGroups[i % 2], i % 5);
         arena.store.DeleteTitle(kBusyGroups[i % 2], i % 5);
         arena.store.DropAlbumTracks(1000);
         if (i % 8 == 0) {

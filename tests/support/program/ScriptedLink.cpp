@@ -75,12 +75,11 @@ DisplayRanges Ranges() {
 }
 
 void PostResult(HWND pane, WORD operation, BYTE code, BYTE status, LPARAM data) {
-    PostMessageA(pane, LM_RESULT, operation | static_cast<WPARAM>(code) << 16 | static_cast<WPARAM>(status) << 24, data);
+    PostMessageA(pane, LM_RESULT, PackResult(operation, code, status), data);
 }
 
-void PostProgress(HWND pane, WORD operation, WORD progress, GroupId group, TrackNo track) {
-    PostMessageA(pane, LM_PROGRESS, MAKEWPARAM(operation, progress),
-                 MAKELPARAM(static_cast<WORD>(track), static_cast<WORD>(group)));
+void PostProgress(HWND pane, WORD operation, LinkStep step, GroupId group, TrackNo track) {
+    PostMessageA(pane, LM_PROGRESS, PackProgress(operation, step), static_cast<LPARAM>(PackTitle(group, track)));
 }
 
 }  // namespace scripted

@@ -30,6 +30,6 @@ DisplayRanges Ranges();
 
 // What the link posts.
 void PostResult(HWND pane, WORD operation, BYTE code = 0, BYTE status = ST_OK, LPARAM data = 0);
-void PostProgress(HWND pane, WORD operation, WORD progress, GroupId group = 0, TrackNo track = 0);
+void PostProgress(HWND pane, WORD operation, LinkStep step, GroupId group = 0, TrackNo track = 0);
 
 }  // namespace scripted

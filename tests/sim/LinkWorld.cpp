@@ -18,6 +18,7 @@ constexpr std::uint64_t kRageMs = 150'000;
 // More than any operation of so small a library can take, with every request timing out once.
 constexpr DWORD kOperationLimitMs = 1'500'000;
 constexpr std::uint64_t kRunLimitUs = 24ULL * 3600 * 1000 * kMs;
+constexpr std::uint64_t kQuickestSendUs = 200 * kMs;  // two questions about the status
 constexpr GroupId kDiscCount = 5;
 constexpr GroupId kAlbumCount = 3;
 constexpr TrackNo kTrackCount = 4;
@@ -82,10 +83,17 @@ WorldOptions WorldOptions::Draw(std::uint64_t seed, Canary canary) {
     options.oddStatus = chance(0.5);
     options.unplugs = chance(0.2);
     options.secondStarter = chance(0.7);
-    // A foreign reply makes the next request go out early, when a second copy of the right one may still be on its way.
-    options.rates.foreign = options.repliesInTime && options.rates.doubled > 0 ? 0 : rate(0.2);
-    // A canary on a line that is pulled out could not sing.
-    options.unplugs = options.unplugs && canary == Canary::kNone;
+    options.rates.foreign = rate(0.2);
+    options.holds = !options.stalls && chance(0.5);
+    // Which write a refusal is for cannot be known if answers are lost, or if writes are.
+    options.answersData = canary == Canary::kUnheardRefusal || (options.repliesInTime && chance(0.3));
+    if (options.answersData) {
+        options.requestsLost = options.requestsCorrupted = 0;
+        options.rates = {.late = options.rates.late, .foreign = options.rates.foreign, .lateMaxMs = options.rates.lateMaxMs};
+    }
+    // A canary on a line that is pulled out, or among the starts of a second thread, could not sing.
+    options.unplugs = options.unplugs && canary == Canary::kNone && !options.answersData;
+    options.secondStarter = options.secondStarter && canary == Canary::kNone;
     return options;
 }
 
@@ -96,8 +104,8 @@ std::string WorldOptions::Text() const {
          << " refused=" << rates.refused << " silence=" << rates.silence << " foreign=" << rates.foreign
          << " late=" << rates.late << " lateMaxMs=" << rates.lateMaxMs << " requestsLost=" << requestsLost
          << " requestsCorrupted=" << requestsCorrupted << " latencyMs=" << latencyMs << " probeAccepted=" << probeAccepted
-         << " oddStatus=" << oddStatus << " unplugs=" << unplugs << " stalls=" << stalls
-         << " secondStarter=" << secondStarter << " repliesInTime=" << repliesInTime
+         << " oddStatus=" << oddStatus << " unplugs=" << unplugs << " stalls=" << stalls << " holds=" << holds
+         << " answersData=" << answersData << " secondStarter=" << secondStarter << " repliesInTime=" << repliesInTime
          << " canary=" << static_cast<int>(canary);
     return text.str();
 }
@@ -150,6 +158,8 @@ void LinkWorld::Run() {
     }
     if (options.stalls) {
         simulation.SetFaults({.stallChance = 0.0002, .stallMs = 1500});
+    } else if (options.holds) {
+        simulation.SetFaults({.stallChance = 0.1, .stallMs = 3});
     }
     Rage();
     starterRuns = 0;
@@ -188,7 +198,10 @@ DWORD WINAPI LinkWorld::StarterMain(LPVOID object) {
 void LinkWorld::OnResult(WPARAM wParam) {
     results.push_back(wParam);
     mustEndWithMessage = false;
-    const auto status = static_cast<BYTE>(wParam >> 24);
+    const BYTE status = StatusOf(wParam);
+    if (status == ST_BAD_REPLY && CodeOf(wParam) == RC_TITLE_WRITE) {
+        refusalTold = Now();
+    }
     if (status == ST_BUSY || status == ST_NO_DATA || status == ST_TRAY_OPEN) {
         standing = true;
     }
@@ -209,6 +222,7 @@ bool LinkWorld::Connected() {
     starts.push_back({OP_CONNECT, 0, Now(), 0, false});
     const std::size_t index = starts.size() - 1;
     standing = false;
+    peer.Stopped(false);
     peer.Released();
     const bool connected = link.Connect("COM1");
     peer.Released();
@@ -219,6 +233,7 @@ bool LinkWorld::Connected() {
 
 void LinkWorld::Rage() {
     const std::uint64_t end = Now() + kRageMs * kMs;
+    Pass(10);
     Connected();
     Pass(10);
     PlantCanary();
@@ -232,12 +247,17 @@ void LinkWorld::Rage() {
 void LinkWorld::Act() {
     const std::uint64_t choice = simulation.Random(100);
     if (choice < 45) {
-        EditSomething();
+        simulation.Chance(0.2) ? UndoSomething() : EditSomething();
         Pass(static_cast<DWORD>(simulation.Random(400)));
     } else if (choice < 75) {
         StartSomething();
         Pass(static_cast<DWORD>(simulation.Random(8000)));
     } else if (choice < 82) {
+        // Often while the driver is about to tell of a step.
+        if (simulation.Chance(0.5)) {
+            StartSomething();
+            Pass(static_cast<DWORD>(simulation.Random(40)));
+        }
         StopOperation();
     } else if (choice < 95) {
         Settle();
@@ -253,6 +273,8 @@ void LinkWorld::Act() {
 
 void LinkWorld::StopOperation() {
     mustEndWithMessage = false;
+    // Of a stop beside a start it is not known here which comes first.
+    peer.Stopped(!options.secondStarter);
     link.StopOperation();
     peer.Released();
 }
@@ -274,6 +296,7 @@ bool LinkWorld::StartOperation(WORD operation, GroupId group) {
     const std::size_t index = starts.size() - 1;
     standing = false;
     peer.Note("        operation " + std::to_string(operation) + " for " + std::to_string(group));
+    peer.Stopped(false);
     peer.Released();
     bool began = false;
     switch (operation) {
@@ -305,9 +328,39 @@ void LinkWorld::EditSomething() {
     }
 }
 
+void LinkWorld::UndoSomething() {
+    GroupId group = 0;
+    TrackNo track = 0;
+    char text[kTitleSize];
+    if (store.UndoEdit(&group, &track, text) == 0) {
+        return;
+    }
+    edits.erase({group, track});
+    if (store.IsEdited(group, track)) {
+        edits[{group, track}] = {text, Now()};
+    }
+}
+
 void LinkWorld::PlantCanary() {
     switch (options.canary) {
-        case Canary::kNone: return;
+        case Canary::kNone:
+        case Canary::kStaleTitle: return;
+        case Canary::kFrameAfterStop: {
+            char frame[kFrameSize];
+            DWORD written = 0;
+            EncodeModelQuery(frame);
+            StopOperation();
+            Pass(1000);
+            link.Write(frame, 5, written);
+            break;
+        }
+        case Canary::kUnheardRefusal:
+            StartOperation(OP_SEND_ALL, 0);
+            peer.NoteRefusal();
+            Pass(300);
+            PostMessageA(window, LM_RESULT, PackResult(OP_SEND_GROUP), 0);
+            Pass(10);
+            break;
         case Canary::kWrongTitle: store.StoreReceived(kDiscs, 0, "a title from nowhere"); break;
         case Canary::kLostEdit:
             store.StoreReceived(1, 0, "of the unit");
@@ -365,6 +418,10 @@ void LinkWorld::ComeToRest() {
     if (options.repliesInTime) {
         through(OP_SEND_ALL, 0, OP_SEND_GROUP);
         CheckEdits();
+        if (options.canary == Canary::kStaleTitle) {
+            store.StoreReceived(1, 0, "not what the unit holds");
+        }
+        CheckReceivedTitles();
     }
     store.ResetAll();
     edits.clear();
@@ -384,15 +441,22 @@ void LinkWorld::CheckSentRange() {
     }
     // Of two starts at once it is not known here which was the later.
     const Start last = *found;
+    if (Now() < last.beginUs + kQuickestSendUs) {
+        return;  // the end of the one before
+    }
+    const bool refused = peer.RefusedAt() >= last.endUs;
     for (auto other = starts.rbegin(); other != starts.rend(); ++other) {
         if (other != found && (other->endUs == 0 || other->endUs >= last.beginUs)) {
             return;
         }
     }
+    if (refused && options.answersData && refusalTold < last.endUs) {
+        simulation.Fail("a refused write disappears under a success");
+    }
     for (const auto& [where, edit] : edits) {
         const auto& [group, track] = where;
         const bool inRange = last.group == 0 || last.operation == OP_SEND_ALL || last.group == group;
-        if (inRange && edit.timeUs < last.beginUs && store.IsEdited(group, track) &&
+        if (inRange && !refused && edit.timeUs < last.beginUs && store.IsEdited(group, track) &&
             peer.SentAt(EntryOf(group, track), edit.text) < last.beginUs) {
             simulation.Fail("a send reports success and has left out " + library::NameOf(EntryOf(group, track)));
         }
@@ -427,6 +491,22 @@ void LinkWorld::CheckStoredTitles(GroupId lastDisc, GroupId lastAlbum, TrackNo l
             if (options.repliesInTime) {
                 simulation.Fail("a title is stored under a wrong number: " + library::NameOf(EntryOf(group, track)) + ": " +
                                 text);
+            }
+        }
+    }
+}
+
+// Of what the store takes for the unit's, the unit holds each title.
+void LinkWorld::CheckReceivedTitles() {
+    for (GroupId group = 1; group <= kGroups; ++group) {
+        for (TrackNo track = 0; track <= kTrackCount; ++track) {
+            char text[kTitleSize];
+            const std::string* title = peer.Library().Title(EntryOf(group, track));
+            if (store.GetState(group, track) == TS_RECEIVED && store.GetTitle(group, track, text) &&
+                (title == nullptr || *title != text)) {
+                simulation.Fail("the unit holds another title than the store takes it to hold: " +
+                                library::NameOf(EntryOf(group, track)));
+                return;
             }
         }
     }

@@ -20,7 +20,7 @@
 #include "TitleStore.h"
 
 // A fault of the program that is planted on purpose: the checks must find it in every run.
-enum class Canary { kNone, kWrongTitle, kLostEdit, kHastyFrame };
+enum class Canary { kNone, kWrongTitle, kLostEdit, kHastyFrame, kFrameAfterStop, kUnheardRefusal, kStaleTitle };
 
 // What one seed has drawn. Each kind of fault is wholly on or off in a run.
 struct WorldOptions {
@@ -35,6 +35,8 @@ struct WorldOptions {
     bool oddStatus = false;     // the unit is busy, has its tray open, or wants a command now and then
     bool unplugs = false;       // the line is pulled out now and then
     bool stalls = false;        // threads stand still now and then
+    bool holds = false;         // threads are held for moments, often
+    bool answersData = false;   // the unit answers each TitleData, late, and refuses writes now and then
     bool secondStarter = true;  // a second thread starts operations, too
     bool repliesInTime = true;  // no reply comes later than the repeat of its request
 
@@ -64,6 +66,8 @@ public:
     void Calm();
     // The queue of the link was emptied by a stop, a start or the end of an operation: the next request may come at once.
     void Released() { released = true; }
+    // From the beginning of a stop until the next start nothing may be asked.
+    void Stopped(bool isStopped) { stoppedAt = isStopped ? std::optional(simulation.Now()) : std::nullopt; }
 
     const library::UnitLibrary& Library() const { return unit.Library(); }
     // The latest frames of both directions in words, and the notes of the world.
@@ -71,12 +75,18 @@ public:
     void Note(std::string line);
     bool EverHeld(const library::Entry& entry, const std::string& text) const;
     // The virtual time at which a text last went out in a TitleData for the entry, 0 for never.
+    // Only what went out for a write that the unit had not refused.
     std::uint64_t SentAt(const library::Entry& entry, const std::string& text) const;
+    // The virtual time of the latest refusal of a TitleWrite, 0 for never.
+    std::uint64_t RefusedAt() const { return refusedAt; }
+    void NoteRefusal() { refusedAt = simulation.Now(); }
 
 private:
     using Key = std::pair<std::string, std::string>;  // name of the entry, text
 
-    void NoteAcceptance(const std::string& received, const std::vector<mainunit::Reply>& replies);
+    void DrawSettings();
+    void NoteAnswer(const std::string& received, const std::vector<mainunit::Reply>& replies);
+    void Deliver(const std::string& bytes, std::uint64_t atUs);
     void CheckWrite(std::string_view bytes, std::uint64_t timeUs);
     void CheckOrder(const std::string& bytes, std::uint64_t timeUs);
     void Remember();
@@ -93,6 +103,8 @@ private:
     std::string lastRequest;
     std::uint64_t lastRequestTime = 0;
     bool released = true;
+    std::optional<std::uint64_t> stoppedAt;
+    std::uint64_t refusedAt = 0;
     std::uint64_t lastArrival = 0;  // of bytes that were sent to the program
     library::Entry writing;
     std::set<std::string> accepted;  // entries whose latest TitleWrite the unit has accepted, by name
@@ -131,12 +143,14 @@ private:
     void StartSomething();
     bool StartOperation(WORD operation, GroupId group);
     void EditSomething();
+    void UndoSomething();
     void PlantCanary();
     void Settle();
     void ComeToRest();
     void CheckSentRange();
     void CheckEdits();
     void CheckStoredTitles(GroupId lastDisc, GroupId lastAlbum, TrackNo lastTrack);
+    void CheckReceivedTitles();
     void CheckEqualToUnit();
     GroupId AnyGroup();
     std::uint64_t Now() const { return simulation.Now(); }
@@ -150,6 +164,7 @@ private:
     std::vector<Start> starts;
     std::map<std::pair<GroupId, TrackNo>, Edit> edits;
     std::vector<WPARAM> results;
+    std::uint64_t refusalTold = 0;    // the virtual time of the latest
     bool mustEndWithMessage = false;  // the operation that runs was not stopped, and nothing else ends one in silence
     bool standing = false;            // a status has left the operation open and idle
     Shared<LONG> starterRuns = 0;

@@ -41,6 +41,9 @@ TEST(Canaries, AreFoundInEveryRun) {
         {Canary::kWrongTitle, "wrong number"},
         {Canary::kLostEdit, "an edit is lost"},
         {Canary::kHastyFrame, "120 ms"},
+        {Canary::kFrameAfterStop, "a stop has begun"},
+        {Canary::kUnheardRefusal, "under a success"},
+        {Canary::kStaleTitle, "than the store takes it to hold"},
     };
     for (const auto& each : canaries) {
         for (std::uint64_t seed = 1; seed <= 5; ++seed) {

@@ -13,6 +13,8 @@ namespace {
 constexpr std::uint64_t kLeastPauseUs = 120'000;
 constexpr std::uint64_t kRepeatAfterUs = 1'900'000;
 constexpr std::uint64_t kPollUs = 5'000;
+constexpr std::uint64_t kHoldsUs = 30'000;     // some of 3 ms in a row
+constexpr std::uint64_t kStopUs = 100'000;     // less than the pause before a frame
 constexpr std::uint64_t kStallUs = 3'000'000;  // two in a row
 constexpr std::uint64_t kTimeOutAfterUs = 3'900'000;
 
@@ -44,6 +46,7 @@ void UnitPeer::Calm() {
     mainunit::UnitSettings settings = unit.Settings();
     settings.status = {mainunit::kReady};
     settings.menu = mainunit::kNotInMenu;
+    settings.refuseWrites = false;
     unit.Configure(settings);
 }
 
@@ -55,38 +58,64 @@ void UnitPeer::OnBytes(std::string_view bytes, std::uint64_t, std::uint64_t last
     if (!calm && simulation.Chance(options.requestsCorrupted)) {
         received[simulation.Random(received.size())] = static_cast<char>(simulation.Random(256));
     }
-    if (!calm && options.oddStatus && simulation.Chance(0.1)) {
-        constexpr std::uint8_t kOdd[] = {0x00, 0x01, 0x02, 0x04, 0x08, 0x46, 0xFD, 0xFE, 0xFF, 0x03};
-        mainunit::UnitSettings settings = unit.Settings();
-        settings.status = {kOdd[simulation.Random(std::size(kOdd))], kOdd[simulation.Random(std::size(kOdd))],
-                           mainunit::kReady};
-        settings.menu = simulation.Chance(0.05) ? mainunit::kReady : mainunit::kNotInMenu;
-        unit.Configure(settings);
-    }
+    DrawSettings();
     const std::vector<mainunit::Reply> replies = unit.Receive(received);
-    NoteAcceptance(received, replies);
+    NoteAnswer(received, replies);
     const std::vector<mainunit::Chunk> chunks = faults.Apply(replies);
     if (unit.TakeChanged()) {
         Remember();
     }
     for (const mainunit::Chunk& chunk : chunks) {
-        const std::uint64_t at = std::max(lastDelivery, lastByteUs + static_cast<std::uint64_t>(chunk.delayMs) * 1000);
-        lastDelivery = at;
-        simulation.At(at, [this, answer = chunk.bytes] {
-            Note(mainunit::Dialogue::ReplyLine(static_cast<std::int64_t>(simulation.Now() / 1000), answer));
-            line->Send(answer);
-            lastArrival = line->QuietAt();
-        });
+        Deliver(chunk.bytes, lastByteUs + static_cast<std::uint64_t>(chunk.delayMs) * 1000);
     }
 }
 
-void UnitPeer::NoteAcceptance(const std::string& received, const std::vector<mainunit::Reply>& replies) {
+void UnitPeer::DrawSettings() {
+    mainunit::UnitSettings settings = unit.Settings();
+    if (calm) {
+        return;
+    }
+    if (options.oddStatus && simulation.Chance(0.1)) {
+        constexpr std::uint8_t kOdd[] = {0x00, 0x01, 0x02, 0x04, 0x08, 0x46, 0xFD, 0xFE, 0xFF, 0x03};
+        settings.status = {kOdd[simulation.Random(std::size(kOdd))], kOdd[simulation.Random(std::size(kOdd))],
+                           mainunit::kReady};
+        settings.menu = simulation.Chance(0.05) ? mainunit::kReady : mainunit::kNotInMenu;
+        unit.Configure(settings);
+    }
+    if (options.answersData) {
+        settings.refuseWrites = simulation.Chance(0.1);
+        unit.Configure(settings);
+    }
+}
+
+void UnitPeer::Deliver(const std::string& bytes, std::uint64_t atUs) {
+    lastDelivery = std::max(lastDelivery, atUs);
+    // The cutter takes one frame from what arrives in one piece.
+    simulation.At(lastDelivery, [this, bytes] {
+        Note(mainunit::Dialogue::ReplyLine(static_cast<std::int64_t>(simulation.Now() / 1000), bytes));
+        line->Send(options.answersData ? bytes + "\r" : bytes);
+        lastArrival = line->QuietAt();
+    });
+}
+
+void UnitPeer::NoteAnswer(const std::string& received, const std::vector<mainunit::Reply>& replies) {
     UnitRequest request;
     std::string problem;
     const std::string acceptance = mainunit::BlockReply(mainunit::SubType::kTitleWrite, mainunit::kAccepted);
-    if (mainunit::ReadRequest(received, request, problem) && request.kind == UnitRequest::Kind::kTitleWrite &&
-        std::any_of(replies.begin(), replies.end(), [&](const auto& reply) { return reply.bytes == acceptance; })) {
-        accepted.insert(library::NameOf(request.entry));
+    if (!mainunit::ReadRequest(received, request, problem)) {
+        return;
+    }
+    if (request.kind == UnitRequest::Kind::kTitleWrite) {
+        const bool accepts =
+            std::any_of(replies.begin(), replies.end(), [&](const auto& reply) { return reply.bytes == acceptance; });
+        if (accepts) {
+            accepted.insert(library::NameOf(request.entry));
+        } else {
+            accepted.erase(library::NameOf(request.entry));
+            NoteRefusal();
+        }
+    } else if (request.kind == UnitRequest::Kind::kTitleData && options.answersData) {
+        Deliver(acceptance, simulation.Now() + 100'000 + simulation.Random(150'000));
     }
 }
 
@@ -105,14 +134,20 @@ void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
     lastWrite = timeUs;
     if (request.kind == UnitRequest::Kind::kTitleData) {
         const std::string text = request.text.substr(0, request.text.find_last_not_of(' ') + 1);
-        sent[{library::NameOf(writing), text}] = timeUs;
-        if (options.repliesInTime && accepted.erase(library::NameOf(writing)) == 0) {
+        const bool taken = accepted.erase(library::NameOf(writing)) > 0;
+        if (taken || !options.answersData) {
+            sent[{library::NameOf(writing), text}] = timeUs;
+        }
+        if (!taken && options.repliesInTime && !options.answersData) {
             simulation.Fail("a title goes out for a write that the unit has not accepted");
         }
         return;
     }
     if (request.kind == UnitRequest::Kind::kTitleWrite) {
         writing = request.entry;
+    }
+    if (stoppedAt && !options.stalls && timeUs > *stoppedAt + kStopUs) {
+        simulation.Fail("a request goes out although a stop has begun");
     }
     CheckOrder(std::string(bytes), timeUs);
 }
@@ -122,7 +157,7 @@ void UnitPeer::CheckOrder(const std::string& bytes, std::uint64_t timeUs) {
     const std::uint64_t since = timeUs - lastRequestTime;
     const bool repeat = bytes == lastRequest && since >= kRepeatAfterUs;
     // The reader may take up a reply just behind the writing of a request that it came in front of.
-    const bool replied = lastArrival + (options.stalls ? kStallUs : kPollUs) > lastRequestTime;
+    const bool replied = lastArrival + (options.stalls ? kStallUs : options.holds ? kHoldsUs : kPollUs) > lastRequestTime;
     if (!released && !replied && !repeat && since < kTimeOutAfterUs) {
         simulation.Fail("a request went out while the one before was still waiting for its reply");
         return;

@@ -106,8 +106,11 @@ bool DeviceLink::StartOperation(WORD newOperation, GroupId group) {
 
 // Whether a group, 0 for all, lies in its range.
 bool DeviceLink::AcceptsGroup(std::uint32_t group) {
-    if (group == 0 || group > kGroups) {
-        return group == 0;
+    if (group == 0) {
+        return true;
+    }
+    if (group > kGroups) {
+        return false;
     }
     LockGuard lock(queueLock);
     const auto id = static_cast<GroupId>(group);
@@ -147,8 +150,8 @@ void DeviceLink::StopHoldingStartLock() {
 }
 
 // The reply in flight is waited for, so that it is not taken for the answer to the next request; so is whoever stands
-// between deciding and doing. A reply that takes longer is foreign to what comes next: each operation begins with a status
-// check, and the unit answers in the order in which it was asked.
+// between deciding and doing. The title or map of a request that takes longer finds the next operation at its status check,
+// where it is foreign, since the unit answers in the order in which it was asked.
 bool DeviceLink::MustWaitForStop() const {
     const bool replyAwaited = requestSent && !replyAccepted;
     return posting > 0 || (tick >= 0 && (replyAwaited || handlingFrame || sendPending));

@@ -24,11 +24,11 @@ class TitleStore;
 
 // The outcome of one received frame.
 struct LinkResult {
-    std::uint32_t posted = 0;  // the pane is told if the status says failure
-    std::uint16_t operation = 0;
-    std::uint8_t code = 0;
-    std::uint8_t status = ST_OK;
-    std::uint32_t data = 0;
+    std::uint32_t posted = 0;     // the pane is told if the status says failure
+    std::uint16_t operation = 0;  // 0 for a void frame
+    std::uint8_t code = 0;        // RC_
+    std::uint8_t status = ST_OK;  // ST_
+    std::uint32_t data = 0;       // depends on the code: model, status, command, map kind or title
 };
 
 // Order of calling: SetPaneWindow, SetTitleStore and SetDisplayRanges, then Connect, then, once the connect has ended with
@@ -45,7 +45,7 @@ struct LinkResult {
 //
 // Replies: a frame is a reply only if it is of the kind that answers the request on the line, and the first such frame.
 // Every other one is ST_FOREIGN and does nothing; the repeat and the time-out do the rest. A refusal of a write counts at
-// any time until the titles written are forgotten, since the answer to a TitleData can pass for the acceptance of a write.
+// any time until the next map is answered, since the answer to a TitleData can pass for the acceptance of a write.
 class DeviceLink : public SerialPort {
 public:
     DeviceLink();
@@ -99,6 +99,7 @@ private:
     // --- The queue, the sender and the driver (DeviceLinkQueue.cpp)
     void ResetQueue();
     void ArmQueue();
+    void ClearRequest();
     void BeginOperation(WORD newOperation, GroupId group);
     bool IsSend() const { return operation == OP_SEND_ALL || operation == OP_SEND_GROUP; }
     void SenderTick();
@@ -115,7 +116,6 @@ private:
     bool ReadMapReply(const LinkRequest& query, std::string_view frame);
     bool ReadTitleReply(const LinkRequest& read, std::string_view frame);
     bool ReadWriteReply(const LinkRequest& write, std::string_view frame);
-    bool IsWriting() const;
     void TakeRefusal(bool onLine);
     bool SendTitleData();
     void React(bool accepted, Outbox& outbox);
@@ -140,26 +140,27 @@ private:
 
     // The operation and its step.
     WORD operation = 0;
-    GroupId operationGroup = 0;  // 0 for all
-    LinkStep step = LinkStep::kNone;
-    bool stepBusy = false;  // the step waits for replies
-    StatusCheck statusCheck;
-    bool writeRefused = false;  // the unit has refused a write of this send, so nothing of it is forgotten
+    GroupId operationGroup = 0;       // 0 for all
+    LinkStep step = LinkStep::kNone;  // the step that runs, or has just run
+    bool stepBusy = false;            // it waits for replies
+    StatusCheck statusCheck;          // counts the unit's waiting answers
+    bool writesOpen = false;          // this send has begun to write, and the unit may still refuse a title
+    bool writeRefused = false;        // it has done so, and nothing of this send is forgotten
 
     // The queue and its current request.
     RequestRing ring;
     RequestRing nextRing;           // what a MapReply has planned
-    std::uint32_t queueNumber = 0;  // counts the fillings of the queue
+    std::uint32_t queueNumber = 0;  // another one whenever the queue is emptied or armed
     bool sending = false;           // the sender works
-    std::int32_t tick = -1;         // the sender's ticks for the current request
+    std::int32_t tick = -1;         // the sender's ticks for the current request; -1 before the first
     bool sendPending = false;       // the sender stands between choosing a request and having written its frame
     bool requestSent = false;       // the current request is on the line
     bool replyAccepted = false;     // and has got its reply
 
-    // What a stop waits for.
+    // What a stop waits for, besides the reply.
     bool handlingFrame = false;  // the reader is inside the handling of a frame
     int posting = 0;             // workers between deciding a message and having posted it
-    bool stopping = false;       // a stop waits
 
-    TimerPeriod timerPeriod;
+    bool stopping = false;    // a stop waits
+    TimerPeriod timerPeriod;  // held while an operation runs or a stop waits
 };

@@ -45,18 +45,24 @@ void EncodeRequest(const LinkRequest& request, char* out) {
 
 void DeviceLink::ResetQueue() {
     ring.Clear();
-    ArmQueue();
+    ClearRequest();
+    tick = -1;
     sending = false;
+    ++queueNumber;
 }
 
 // The current request goes out at the sender's next tick.
 void DeviceLink::ArmQueue() {
-    assert(queueLock.IsHeldByThisThread());
-    requestSent = false;
-    replyAccepted = false;
+    ClearRequest();
     tick = -1;
     sending = true;
     ++queueNumber;
+}
+
+void DeviceLink::ClearRequest() {
+    assert(queueLock.IsHeldByThisThread());
+    requestSent = false;
+    replyAccepted = false;
 }
 
 void DeviceLink::BeginOperation(WORD newOperation, GroupId group) {
@@ -64,6 +70,7 @@ void DeviceLink::BeginOperation(WORD newOperation, GroupId group) {
     operationGroup = group;
     step = LinkStep::kNone;
     stepBusy = false;
+    writesOpen = false;
     writeRefused = false;
     statusCheck.Begin();
     if (IsSend() && titleStore != nullptr) {
@@ -87,8 +94,7 @@ void DeviceLink::SenderTick() {
         ++tick;
         if (replyAccepted) {
             tick = 0;
-            requestSent = false;
-            replyAccepted = false;
+            ClearRequest();
             ring.Advance();
             if (ring.Current().IsFree()) {
                 ResetQueue();
@@ -114,7 +120,8 @@ void DeviceLink::SenderTick() {
     --posting;
 }
 
-// Ends the operation; gives the message to post. A later driver tick finds operation 0 and closes it.
+// Ends the operation and returns the message that the caller has to post. A later driver tick finds operation 0 and closes
+// it.
 WPARAM DeviceLink::TimeOut() {
     const WPARAM message = PackResult(operation, CodeForStep(step), ST_TIMEOUT);
     BeginOperation(0, 0);
@@ -213,6 +220,7 @@ bool DeviceLink::FillStep(Action action) {
             break;
         case Action::kWriteTitles:
             if (titleStore != nullptr) {
+                writesOpen = true;
                 TitlePlanner(*titleStore, ranges).PlanWrites(operationGroup, ring);
             }
             break;

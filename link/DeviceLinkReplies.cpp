@@ -92,7 +92,7 @@ bool DeviceLink::ReadFrame(FrameKind kind, std::string_view frame) {
     }
     result.operation = operation;
     const bool answers = requestSent && RequestOf(kind) == ring.Current().kind;
-    if (kind == FrameKind::kTitleWrite && IsRefusal(frame) && IsWriting()) {
+    if (kind == FrameKind::kTitleWrite && IsRefusal(frame) && writesOpen) {
         TakeRefusal(answers);
         return false;
     }
@@ -139,7 +139,8 @@ bool DeviceLink::ReadMapReply(const LinkRequest& query, std::string_view frame) 
         return true;
     }
     // The unit answers in the order in which it was asked: no write can be refused any more.
-    if (IsWriting() && !writeRefused && titleStore != nullptr) {
+    writesOpen = false;
+    if (IsSend() && step == LinkStep::kMappingDiscs && !writeRefused && titleStore != nullptr) {
         TitlePlanner(*titleStore, ranges).ForgetSentTitles(operationGroup);
     }
     if (IsRefusal(frame)) {
@@ -180,7 +181,7 @@ bool DeviceLink::ReadTitleReply(const LinkRequest& read, std::string_view frame)
 bool DeviceLink::ReadWriteReply(const LinkRequest& write, std::string_view frame) {
     result.code = RC_TITLE_WRITE;
     result.data = DataOf(write);
-    if (HexAt(frame, kBlockLengthOffset, 2) != kWriteReplyLength || IsRefusal(frame)) {
+    if (HexAt(frame, kBlockLengthOffset, 2) != kWriteReplyLength) {
         result.status = ST_BAD_REPLY;
         return false;
     }
@@ -188,13 +189,9 @@ bool DeviceLink::ReadWriteReply(const LinkRequest& write, std::string_view frame
     return true;
 }
 
-// True from the first write of a send until the titles written are forgotten.
-bool DeviceLink::IsWriting() const {
-    return IsSend() && (step == LinkStep::kWriting || step == LinkStep::kMappingDiscs);
-}
-
-// A unit that answers a TitleData, too, seems to accept the next write with that, and its refusal comes behind. It is not
-// known which of the latest writes it is for, so all titles of this send stay edited. The write on the line is repeated.
+// The unit may answer each TitleData as well. Such an answer passes for the acceptance of the next write, whose refusal then
+// comes late. It may be for any of the latest writes, so all titles of this send stay edited. The write on the line is
+// repeated.
 void DeviceLink::TakeRefusal(bool onLine) {
     result.posted = 1;
     result.code = RC_TITLE_WRITE;
@@ -211,9 +208,11 @@ void DeviceLink::TakeRefusal(bool onLine) {
 bool DeviceLink::SendTitleData() {
     const auto title = static_cast<LPARAM>(result.data);
     char text[kTitleSize] = {};
+    std::uint32_t number = 0;
     {
         LockGuard lock(queueLock);
-        if (titleStore == nullptr || !titleStore->GetTitle(GroupOf(title), TrackOf(title), text)) {
+        number = queueNumber;
+        if (titleStore == nullptr || !titleStore->GetTitle(GroupOfTitle(title), TrackOfTitle(title), text)) {
             result.status = ST_NO_TITLE;
             return false;
         }
@@ -226,8 +225,14 @@ bool DeviceLink::SendTitleData() {
     const auto length = static_cast<DWORD>(std::strlen(frame));
     const bool done = Write(frame, length, written) && written == length;
     LockGuard lock(queueLock);
-    if (done && titleStore != nullptr) {
-        titleStore->NoteSent(GroupOf(title), TrackOf(title), text);
+    if (!done) {
+        // As if the reply had not come.
+        result.posted = 0;
+        result.status = ST_FOREIGN;
+        return false;
+    }
+    if (titleStore != nullptr) {
+        titleStore->NoteSent(GroupOfTitle(title), TrackOfTitle(title), text, number == queueNumber);
     }
     return true;
 }
@@ -250,7 +255,7 @@ void DeviceLink::React(bool accepted, Outbox& outbox) {
             default: operationActive = 0; break;  // a void frame
         }
     }
-    // While the driver fills the queue, only a refusal has anything to tell.
+    // The driver may be filling the queue when a late refusal comes.
     const bool failed = result.status != ST_OK && result.status != ST_LAST;
     if (failed && result.posted != 0 && (sending || operationActive)) {
         outbox = {LM_RESULT, PackResult(result.operation, result.code, result.status), static_cast<LPARAM>(result.data), 0};

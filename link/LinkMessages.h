@@ -76,9 +76,9 @@ constexpr LinkStep StepOf(WPARAM progress) {
 constexpr DWORD PackTitle(GroupId group, TrackNo track) {
     return static_cast<DWORD>(group) << 16 | static_cast<DWORD>(track);
 }
-constexpr GroupId GroupOf(LPARAM title) {
+constexpr GroupId GroupOfTitle(LPARAM title) {
     return static_cast<WORD>(title >> 16);
 }
-constexpr TrackNo TrackOf(LPARAM title) {
+constexpr TrackNo TrackOfTitle(LPARAM title) {
     return static_cast<WORD>(title);
 }

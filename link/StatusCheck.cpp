@@ -4,6 +4,18 @@ namespace {
 
 constexpr DWORD kPauseBeforePollMs = 100;
 
+// What the unit answers. The first four values share one count.
+constexpr std::uint32_t kTrayOpen = 0x00;
+constexpr std::uint32_t kNoData = 0x46;
+constexpr std::uint32_t kBusy = 0xFE;
+constexpr std::uint32_t kBusyToo = 0xFF;  // and, to kStatusMenu, that the unit is not in MENU mode
+constexpr std::uint32_t kWaiting = 0x01;
+constexpr std::uint32_t kWaitingUncounted = 0x02;
+constexpr std::uint32_t kWantsBEFirst = 0x04;
+constexpr std::uint32_t kWantsBELast = 0x08;
+constexpr std::uint32_t kWantsBD = 0xFD;
+constexpr std::uint32_t kReady = 0x40;
+
 // How often in a row the unit may answer with a waiting value before the operation gives up.
 constexpr std::int32_t kTrayLimit = 10;
 constexpr std::int32_t kNoDataLimit = 50;
@@ -16,41 +28,39 @@ StatusVerdict StatusCheck::Judge(std::uint32_t parameter, std::uint32_t value, b
         return {.status = status, .next = {}};
     }
     if (parameter == kStatusMenu) {
-        return value == 0xFF ? StatusVerdict{.next = kAskReady} : StatusVerdict{.status = ST_MENU_MODE, .next = {}};
+        return value == kBusyToo ? StatusVerdict{.next = kAskReady} : StatusVerdict{.status = ST_MENU_MODE, .next = {}};
+    }
+    if (value >= kWantsBEFirst && value <= kWantsBELast) {
+        return {.next = {LinkRequest::kUnitCommand, kCommandBE, 0, 0}};
     }
     switch (value) {
-        case 0x40: return {.ready = true, .next = {}};
-        case 0x00:
-        case 0x01:
-        case 0x02:
-        case 0x46:
-        case 0xFE:
-        case 0xFF: return {.next = kAskReady, .pauseMs = kPauseBeforePollMs};
-        case 0x04:
-        case 0x05:
-        case 0x06:
-        case 0x07:
-        case 0x08: return {.next = {LinkRequest::kUnitCommand, kCommandBE, 0, 0}};
-        case 0xFD: return {.next = {LinkRequest::kUnitCommand, kCommandBD, 0, 0}};
+        case kReady: return {.ready = true, .next = {}};
+        case kTrayOpen:
+        case kNoData:
+        case kBusy:
+        case kBusyToo:
+        case kWaiting:
+        case kWaitingUncounted: return {.next = kAskReady, .pauseMs = kPauseBeforePollMs};
+        case kWantsBD: return {.next = {LinkRequest::kUnitCommand, kCommandBD, 0, 0}};
         default: return {.status = ST_NOT_STOPPED, .next = {}};
     }
 }
 
-// The failure that the count has come to. The waiting values share one count, which 0x02 leaves as it is.
+// The failure that the count has come to.
 BYTE StatusCheck::Count(std::uint32_t value, bool limited) {
-    if (value == 0x02) {
+    if (value == kWaitingUncounted) {
         return ST_OK;
     }
-    if (value != 0x00 && value != 0x46 && value != 0xFE && value != 0xFF) {
+    if (value != kTrayOpen && value != kNoData && value != kBusy && value != kBusyToo) {
         repeats = 0;
         return ST_OK;
     }
     ++repeats;
-    if (limited && value == 0x00 && repeats > kTrayLimit) {
+    if (limited && value == kTrayOpen && repeats > kTrayLimit) {
         return ST_TRAY_OPEN;
     }
-    if (limited && value == 0x46 && repeats > kNoDataLimit) {
+    if (limited && value == kNoData && repeats > kNoDataLimit) {
         return ST_NO_DATA;
     }
-    return limited && value >= 0xFE && repeats > kBusyLimit ? ST_BUSY : ST_OK;
+    return limited && value >= kBusy && repeats > kBusyLimit ? ST_BUSY : ST_OK;
 }

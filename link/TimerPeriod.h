@@ -1,4 +1,4 @@
-// Precise short sleeps, for as long as somebody needs them. An idle program should not ask for them.
+// Makes short sleeps precise while it is held. An idle program does without.
 #pragma once
 
 #include <windows.h>

@@ -77,6 +77,9 @@ void TitlePlanner::PlanWrites(GroupId group, RequestRing& ring) const {
 
 // False if the ring is full.
 bool TitlePlanner::PlanGroupWrites(GroupId group, TrackNo lastTrack, RequestRing& ring) const {
+    if (!store.IsKnown(group, 0)) {
+        return true;  // its tracks cannot be reached; they wait until the group is read again
+    }
     bool opened = false;
     for (TrackNo track = 0; track <= lastTrack; ++track) {
         if ((track > 0 && track < ranges.trackFrom) || !store.IsEdited(group, track) || store.IsSent(group, track)) {

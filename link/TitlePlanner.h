@@ -14,8 +14,8 @@ class TitlePlanner {
 public:
     TitlePlanner(TitleStore& store, const DisplayRanges& ranges) : store(store), ranges(ranges) {}
 
-    // A read of each title that the store does not know, with track 0 of the groups' own titles, with track -1 of all: a
-    // Disc is read from the range's first track and without its own title, an Album always with it.
+    // A read of each title that the store does not know: with track 0 the groups' own titles, with track -1 the tracks in
+    // the range. An Album's own title is then read as well, a Disc's is not.
     void PlanReads(GroupId group, TrackNo track, RequestRing& ring) const;
 
     // A read of each group or track that a MapReply tells to be there, that lies in the range and that the store does not

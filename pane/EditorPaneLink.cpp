@@ -180,7 +180,7 @@ void EditorPane::OnLinkProgress(WPARAM wParam, LPARAM lParam) {
     } else if (step == LinkStep::kCheckingStatus) {
         line.SetText(textId);
     } else {
-        line.Set(textId, GroupOf(lParam), TrackOf(lParam));
+        line.Set(textId, GroupOfTitle(lParam), TrackOfTitle(lParam));
     }
 }
 

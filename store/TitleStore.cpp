@@ -157,14 +157,14 @@ int TitleStore::DeleteTitle(GroupId group, TrackNo track) {
     return entry != nullptr ? Forget(*entry, group, track) : 0;
 }
 
-int TitleStore::NoteSent(GroupId group, TrackNo track, const char* text) {
+int TitleStore::NoteSent(GroupId group, TrackNo track, const char* text, bool counts) {
     LockGuard guard(lock);
     TitleEntry* entry = FindReachable(group, track);
     if (entry == nullptr || (entry->flags & kStateBits) == 0) {
         return 0;
     }
     MarkEdited(*entry);
-    if (SameText(entry->text, text)) {
+    if (counts && SameText(entry->text, text)) {
         entry->flags |= TF_SENT;
     }
     return 1;

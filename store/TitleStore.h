@@ -72,8 +72,9 @@ public:
     int DeleteTitle(GroupId group, TrackNo track);
 
     // `text` has gone out to the main unit for a reachable entry, so the main unit no longer has what an undo would bring
-    // back: the entry is TS_EDITED until the next StoreReceived, whatever is undone.
-    int NoteSent(GroupId group, TrackNo track, const char* text);
+    // back: the entry is TS_EDITED until the next StoreReceived, whatever is undone. `counts` is false for a text of a send
+    // that is over: IsSent stays 0 then.
+    int NoteSent(GroupId group, TrackNo track, const char* text, bool counts = true);
     // 1 if the entry's present text was the last to go out since ClearSent.
     int IsSent(GroupId group, TrackNo track) const;
     // As DeleteTitle, but only for an entry for which IsSent is 1.

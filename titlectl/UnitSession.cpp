@@ -137,8 +137,8 @@ void UnitSession::RequestStop() {
     PostMessageA(window, kStopMessage, 0, 0);
 }
 
-// A void frame on the line ends an operation without a word. What was read until then is in the store, so the operation is
-// begun again and goes on from there.
+// A void frame on the line ends an operation without a word. What was read until then is in the store, and what was not
+// written is still edited there, so the operation is begun again and goes on from there.
 template <class Start>
 Outcome UnitSession::Run(Start start) {
     for (int i = 0; i < kMostTries; ++i) {
@@ -192,7 +192,10 @@ void UnitSession::OnResult(WPARAM wParam) {
         refused = refused || status == ST_BAD_REPLY;
         return;  // the link repeats the request, and times out if that does not help
     }
-    outcome = refused && (status == ST_TIMEOUT || status == ST_OK) ? Outcome::kRefused : OutcomeOf(status);
+    outcome = refused && status == ST_TIMEOUT ? Outcome::kRefused : OutcomeOf(status);
+    if (refused && status == ST_OK) {
+        outcome = Outcome::kDisturbed;  // it is not known what was refused, and all of it is still to be sent
+    }
     ended = true;
 }
 
@@ -210,9 +213,9 @@ Outcome UnitSession::OutcomeOf(BYTE status) {
 
 void UnitSession::OnProgress(WPARAM wParam, LPARAM lParam) const {
     if (lParam != 0) {
-        const GroupId group = GroupOf(lParam);
+        const GroupId group = GroupOfTitle(lParam);
         std::fprintf(stderr, "  %c%d %d\n", IsAlbum(group) ? 'A' : 'D', IsAlbum(group) ? AlbumNumber(group) : group,
-                     TrackOf(lParam));
+                     TrackOfTitle(lParam));
         return;
     }
     for (const auto& [step, text] : kProgressTexts) {

@@ -197,8 +197,7 @@ TEST_F(TitlectlTest, TellsWhyTheUnitIsNotReady) {
 }
 
 TEST_F(TitlectlTest, TellsThatATitleIsRefused) {
-    // The unit tells the title that stands there, and once more right before the write; then it refuses to take another one.
-    const UnitProcess unit = StartUnit(RefusalOptions("--xx"));
+    const UnitProcess unit = StartUnit({"--refuse-writes"});
     EXPECT_EQ(Run({"--port", "COM1", "set", "D2", "0", "Refused"}), kRefused) << errors;
     EXPECT_EQ(SavedTitle({GroupKind::kDisc, 2, 0}), "Paper Lanterns");
     EXPECT_EQ(unit.CountRequests("TitleWrite"), 2) << "once, and once more";

@@ -196,7 +196,7 @@ private:
 LRESULT CALLBACK FuzzedSession::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == LM_RESULT) {
         auto* session = reinterpret_cast<FuzzedSession*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-        session->OnResult(static_cast<BYTE>(wParam >> 24));
+        session->OnResult(StatusOf(wParam));
         return 0;
     }
     return message == LM_PROGRESS ? 0 : DefWindowProcA(window, message, wParam, lParam);

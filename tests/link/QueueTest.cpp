@@ -187,6 +187,21 @@ TEST(Stopping, IsOverWhenTheReplyIsIn) {
     }
 }
 
+TEST(Stopping, IsNotUndoneByADriverThatIsTellingOfAStep) {
+    RunConnected([](LinkHarness& run) {
+        for (DWORD after = 0; after < 60; ++after) {
+            Simulation::Current()->SetFaults({.stallChance = 0.3, .stallMs = 5});
+            ASSERT_TRUE(run.link.GetAllTitles());
+            run.Pass(after % 20);
+            run.link.StopOperation();
+            Simulation::Current()->SetFaults({});
+            const std::size_t before = run.unit.Frames().size();
+            run.Pass(300);
+            EXPECT_EQ(run.unit.Frames().size(), before);
+        }
+    });
+}
+
 TEST(Starting, ReplacesWhatRunsWithoutAWord) {
     RunConnected([](LinkHarness& run) {
         ASSERT_TRUE(run.link.GetAllTitles());

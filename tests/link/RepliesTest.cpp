@@ -192,6 +192,7 @@ TEST(ForeignReplies, DoNothing) {
         run.store.EditTitle(1, 0, "new");
         ASSERT_TRUE(run.Ends(run.link.SendGroup(1), OP_SEND_GROUP));
         EXPECT_EQ(run.unit.Count(TitleWrite(1, 0)), 1U);
+        EXPECT_EQ(run.unit.Count(Framed(kDc4, "5020new" + std::string(29, ' ') + "B1")), 1U);
         EXPECT_EQ(run.Results(), 2U);
         int known = 0;
         for (GroupId group = 1; group <= kGroups; ++group) {
@@ -279,16 +280,21 @@ TEST(Writing, KeepsWhatIsRefusedBehindAnAnswerToTheTitleBefore) {
     }
 }
 
-TEST(Writing, HearsARefusalUntilTheTitlesAreForgotten) {
-    RunConnected([](LinkHarness& run) {
-        run.unit.Answer(MapQuery(kMapDiscs, 0), {"", UnitMap({1})});
-        SendThreeTracks(run, 120'000);
-        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "50100300000000000000"; }, 20000));
-        run.unit.Line().Send(UnitBlock("0602"));
-        ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
-        EXPECT_TRUE(run.HasResult(PackResult(OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY)));
-        EXPECT_TRUE(run.store.IsEdited(1, 3));
-    });
+TEST(Writing, HearsARefusalUntilTheNextMap) {
+    for (const bool discs : {true, false}) {
+        RunConnected([discs](LinkHarness& run) {
+            const std::string map = MapQuery(discs ? kMapDiscs : kMapAlbums, 0);
+            run.unit.Answer(map, {"", UnitMap({})});
+            run.Edit(AlbumGroup(1), 0, "new");
+            run.link.SetDisplayRanges({.discFrom = discs ? 1 : 0, .discTo = discs ? 1 : 0});
+            ASSERT_TRUE(run.link.SendAllTitles());
+            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(map) == 1; }, 20000));
+            run.unit.Line().Send(UnitBlock("0602"));
+            ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
+            EXPECT_TRUE(run.HasResult(PackResult(OP_SEND_ALL, RC_TITLE_WRITE, ST_BAD_REPLY)));
+            EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 0));
+        });
+    }
 }
 
 TEST(Writing, TellsARefusalAtEachTryAndKeepsTheEdit) {

@@ -12,14 +12,6 @@ namespace {
 const Reply kTitle{BlockReply(SubType::kTitleRead, kAccepted, "Low Water                       "), 20};
 const Reply kStatus{ShortReply(kStatusReply, 0x40), 20};
 
-std::string Joined(const std::vector<Chunk>& chunks) {
-    std::string bytes;
-    for (const Chunk& chunk : chunks) {
-        bytes += chunk.bytes;
-    }
-    return bytes;
-}
-
 FaultRates Rates(const char* text) {
     FaultRates rates;
     std::string error;
@@ -84,39 +76,6 @@ TEST(Faults, LoseAndSilence) {
     EXPECT_LT(silent.Count(Faults::Kind::kSilence), 1000);
 }
 
-TEST(Faults, CorruptOneByteOrTheCheckSum) {
-    Faults faults(3, Rates("corrupted=1"));
-    int soundSums = 0;
-    int wrongSums = 0;
-    for (int round = 0; round < 300; ++round) {
-        const std::string bytes = Joined(faults.Apply({kTitle}));
-        ASSERT_EQ(bytes.size(), kTitle.bytes.size());
-        const bool onlySum = bytes.substr(0, bytes.size() - 3) == kTitle.bytes.substr(0, bytes.size() - 3);
-        int different = 0;
-        for (std::size_t at = 0; at < bytes.size(); ++at) {
-            different += bytes[at] != kTitle.bytes[at] ? 1 : 0;
-        }
-        EXPECT_TRUE(different == 1 || (onlySum && different == 2)) << different;
-        (onlySum ? wrongSums : soundSums)++;
-    }
-    EXPECT_GT(soundSums, 50);
-    EXPECT_GT(wrongSums, 50);
-    EXPECT_NE(Joined(faults.Apply({kStatus})), kStatus.bytes);
-}
-
-TEST(Faults, SplitKeepsTheBytesAndTheirOrder) {
-    Faults faults(3, Rates("split=1,split-gap-ms=25"));
-    for (int round = 0; round < 200; ++round) {
-        const std::vector<Chunk> chunks = faults.Apply({kTitle});
-        EXPECT_GE(chunks.size(), 2U);
-        EXPECT_LE(chunks.size(), 5U);
-        EXPECT_EQ(Joined(chunks), kTitle.bytes);
-        EXPECT_TRUE(std::none_of(chunks.begin(), chunks.end(), [](const Chunk& chunk) { return chunk.bytes.empty(); }));
-        EXPECT_EQ(chunks.front().delayMs, 20);
-        EXPECT_LE(chunks.back().delayMs, 20 + 4 * 25);
-    }
-}
-
 TEST(Faults, DoubleAndDelayWithinTheirLimits) {
     Faults doubled(3, Rates("doubled=1,doubled-delay-ms=70"));
     Faults late(3, Rates("late=1,late-min-ms=500,late-max-ms=600"));
@@ -133,68 +92,6 @@ TEST(Faults, DoubleAndDelayWithinTheirLimits) {
         EXPECT_GE(once[0].delayMs, 520);
         EXPECT_LE(once[0].delayMs, 620);
     }
-}
-
-TEST(Faults, OrderWhatOvertakes) {
-    // The first of two replies is late in some rounds and not in others; in any case time runs forward.
-    Faults faults(9, Rates("late=0.5,split=0.5"));
-    bool overtaken = false;
-    for (int round = 0; round < 100; ++round) {
-        const std::vector<Chunk> chunks = faults.Apply({kTitle, kStatus});
-        EXPECT_TRUE(std::is_sorted(chunks.begin(), chunks.end(),
-                                   [](const Chunk& a, const Chunk& b) { return a.delayMs < b.delayMs; }));
-        overtaken = overtaken || chunks.front().bytes.front() == kStx;
-    }
-    EXPECT_TRUE(overtaken);
-}
-
-TEST(Faults, AddStrayAndJunkBytesAroundTheReply) {
-    Faults stray(3, Rates("stray=1"));
-    Faults junk(3, Rates("junk=1,junk-bytes=9"));
-    const std::string strays = {kAck, kNak, kCan, kCr, kLf, kDc3};
-    std::string seen;
-    for (int round = 0; round < 200; ++round) {
-        std::string bytes = Joined(stray.Apply({kStatus}));
-        ASSERT_EQ(bytes.size(), kStatus.bytes.size() + 1);
-        const std::size_t place = bytes.find_first_of(strays);
-        ASSERT_NE(place, std::string::npos);
-        seen += bytes[place];
-        bytes.erase(place, 1);
-        EXPECT_EQ(bytes, kStatus.bytes);
-
-        const std::string noisy = Joined(junk.Apply({kStatus}));
-        EXPECT_GT(noisy.size(), kStatus.bytes.size());
-        EXPECT_LE(noisy.size(), kStatus.bytes.size() + 9);
-        EXPECT_TRUE(noisy.starts_with(kStatus.bytes) || noisy.ends_with(kStatus.bytes));
-    }
-    for (const char byte : strays) {
-        EXPECT_NE(seen.find(byte), std::string::npos) << static_cast<int>(byte);
-    }
-}
-
-TEST(Faults, PutAForeignReplyInFront) {
-    Faults faults(3, Rates("foreign=1,foreign-lead-ms=50"));
-    for (int round = 0; round < 50; ++round) {
-        const std::vector<Chunk> chunks = faults.Apply({kTitle});
-        ASSERT_EQ(chunks.size(), 2U);
-        EXPECT_EQ(chunks[0], (Chunk{ShortReply(kCommandReply, 0), kTitle.delayMs}));
-        EXPECT_EQ(chunks[1].bytes, kTitle.bytes);
-        EXPECT_LE(chunks[1].delayMs - chunks[0].delayMs, 50);
-    }
-}
-
-TEST(Faults, RefuseBlockRepliesAlone) {
-    Faults faults(3, Rates("refused=1"));
-    bool first = false;
-    bool second = false;
-    for (int round = 0; round < 50; ++round) {
-        const std::string bytes = Joined(faults.Apply({kTitle}));
-        first = first || bytes == BlockReply(SubType::kTitleRead, 1);
-        second = second || bytes == BlockReply(SubType::kTitleRead, 2);
-        EXPECT_EQ(bytes.size(), 12U);
-        EXPECT_EQ(Joined(faults.Apply({kStatus})), kStatus.bytes);
-    }
-    EXPECT_TRUE(first && second);
 }
 
 TEST(FaultRates, AreReadStrictly) {

@@ -421,7 +421,7 @@ void LinkWorld::ComeToRest() {
         if (options.canary == Canary::kStaleTitle) {
             store.StoreReceived(1, 0, "not what the unit holds");
         }
-        CheckReceivedTitles();
+        CheckEqualToUnit(false);
     }
     store.ResetAll();
     edits.clear();
@@ -430,7 +430,7 @@ void LinkWorld::ComeToRest() {
         const GroupId id = group <= kDiscCount ? group : AlbumGroup(group - kDiscCount);
         through(OP_GET_TRACKS, id, OP_GET_TRACKS);
     }
-    CheckEqualToUnit();
+    CheckEqualToUnit(true);
 }
 
 // A send that ends with success has sent all that was edited in its range before it began.
@@ -496,32 +496,14 @@ void LinkWorld::CheckStoredTitles(GroupId lastDisc, GroupId lastAlbum, TrackNo l
     }
 }
 
-// Of what the store takes for the unit's, the unit holds each title.
-void LinkWorld::CheckReceivedTitles() {
+// What the store takes for the unit's title is the unit's, of all entries or only where the store has one.
+void LinkWorld::CheckEqualToUnit(bool all) {
     for (GroupId group = 1; group <= kGroups; ++group) {
         for (TrackNo track = 0; track <= kTrackCount; ++track) {
             char text[kTitleSize];
             const std::string* title = peer.Library().Title(EntryOf(group, track));
-            if (store.GetState(group, track) == TS_RECEIVED && store.GetTitle(group, track, text) &&
-                (title == nullptr || *title != text)) {
-                simulation.Fail("the unit holds another title than the store takes it to hold: " +
-                                library::NameOf(EntryOf(group, track)));
-                return;
-            }
-        }
-    }
-}
-
-void LinkWorld::CheckEqualToUnit() {
-    for (GroupId group = 1; group <= kGroups; ++group) {
-        if (group > kDiscCount && group < AlbumGroup(1)) {
-            continue;
-        }
-        for (TrackNo track = 0; track <= kTrackCount; ++track) {
-            char text[kTitleSize];
-            const std::string* title = peer.Library().Title(EntryOf(group, track));
-            const bool there = store.GetTitle(group, track, text) != 0;
-            if (there != (title != nullptr) || (there && *title != text)) {
+            const bool there = store.GetState(group, track) == TS_RECEIVED && store.GetTitle(group, track, text) != 0;
+            if ((there && (title == nullptr || *title != text)) || (all && !there && title != nullptr)) {
                 simulation.Fail("the store does not hold what the unit holds: " + library::NameOf(EntryOf(group, track)));
                 return;
             }

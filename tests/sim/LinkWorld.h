@@ -74,8 +74,8 @@ public:
     std::string Dialogue() const;
     void Note(std::string line);
     bool EverHeld(const library::Entry& entry, const std::string& text) const;
-    // The virtual time at which a text last went out in a TitleData for the entry, 0 for never.
-    // Only what went out for a write that the unit had not refused.
+    // The virtual time at which a text last went out in a TitleData for the entry, 0 for never. Only
+    // what went out for a write that the unit had not refused counts.
     std::uint64_t SentAt(const library::Entry& entry, const std::string& text) const;
     // The virtual time of the latest refusal of a TitleWrite, 0 for never.
     std::uint64_t RefusedAt() const { return refusedAt; }
@@ -150,8 +150,7 @@ private:
     void CheckSentRange();
     void CheckEdits();
     void CheckStoredTitles(GroupId lastDisc, GroupId lastAlbum, TrackNo lastTrack);
-    void CheckReceivedTitles();
-    void CheckEqualToUnit();
+    void CheckEqualToUnit(bool all);
     GroupId AnyGroup();
     std::uint64_t Now() const { return simulation.Now(); }
 

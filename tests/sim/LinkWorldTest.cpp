@@ -43,7 +43,7 @@ TEST(Canaries, AreFoundInEveryRun) {
         {Canary::kHastyFrame, "120 ms"},
         {Canary::kFrameAfterStop, "a stop has begun"},
         {Canary::kUnheardRefusal, "under a success"},
-        {Canary::kStaleTitle, "than the store takes it to hold"},
+        {Canary::kStaleTitle, "what the unit holds"},
     };
     for (const auto& each : canaries) {
         for (std::uint64_t seed = 1; seed <= 5; ++seed) {

@@ -127,7 +127,9 @@ void UnitPeer::CheckWrite(std::string_view bytes, std::uint64_t timeUs) {
         return;
     }
     Note(mainunit::Dialogue::RequestLine(static_cast<std::int64_t>(timeUs / 1000), bytes));
-    if (lastWrite && timeUs - *lastWrite < kLeastPauseUs) {
+    // The sender can be held between its pause and the writing.
+    const std::uint64_t least = options.holds ? kLeastPauseUs - kHoldsUs : kLeastPauseUs;
+    if (lastWrite && timeUs - *lastWrite < least) {
         simulation.Fail("two frames are less than 120 ms apart");
         return;
     }

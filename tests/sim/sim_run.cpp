@@ -1,10 +1,11 @@
 // Runs the link's simulation for one seed, or for many, and prints what each run has drawn.
 //
 //   sim_run --seed N     one run, with everything that it drew
-//   sim_run --seeds N    seeds 1 to N; --from F begins at F, --jobs J works on J at a time; stops at the first that fails
+//   sim_run --seeds N    seeds 1 to N; --from F begins at F, --jobs J works on J at a time; each job stops where one fails
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -55,18 +56,23 @@ bool RunMany(std::uint64_t from, std::uint64_t to, std::uint64_t step, bool verb
 // The seeds shared out among processes, since one holds one simulation at a time.
 bool RunInJobs(std::uint64_t from, std::uint64_t to, std::uint64_t jobs) {
     for (std::uint64_t job = 0; job < jobs && from + job <= to; ++job) {
-        if (fork() == 0) {
+        const pid_t child = fork();
+        if (child < 0) {
+            std::perror("sim_run");
+            break;
+        }
+        if (child == 0) {
             const bool passed = RunMany(from + job, to, jobs, false);
             std::fflush(stdout);
             _exit(passed ? 0 : 1);
         }
     }
-    bool passed = true;
+    std::uint64_t passed = 0;
     int status = 0;
     while (wait(&status) > 0) {
-        passed = passed && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        passed += WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 1 : 0;
     }
-    return passed;
+    return passed == std::min(jobs, to - from + 1);
 }
 
 }  // namespace

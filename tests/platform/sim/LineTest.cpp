@@ -136,6 +136,57 @@ TEST_F(LineTest, AnswersTrickleIn) {
     });
 }
 
+TEST_F(LineTest, TheBaudRateSetsThePaceOfBothDirections) {
+    Run([&] {
+        DCB state = {};
+        EXPECT_TRUE(GetCommState(port, &state));
+        EXPECT_EQ(state.BaudRate, 9600U);
+        EXPECT_EQ(state.ByteSize, 8);
+        DCB wrong = state;
+        wrong.BaudRate = 12345;
+        EXPECT_FALSE(SetCommState(port, &wrong));
+        wrong = state;
+        wrong.fOutxCtsFlow = 1;
+        EXPECT_FALSE(SetCommState(port, &wrong));
+        state.BaudRate = 19200;
+        EXPECT_TRUE(SetCommState(port, &state));
+        peer.answer = [&] { line.Send(std::string(192, 'r')); };
+        EXPECT_TRUE(Write(port, std::string(192, 'q')));
+        Sleep(150);
+        EXPECT_EQ(Waiting(port), 96U);
+        Sleep(51);
+        EXPECT_EQ(Waiting(port), 192U);
+        Read(port);
+        CloseHandle(port);
+        port = Open();
+        EXPECT_TRUE(GetCommState(port, &state));
+        EXPECT_EQ(state.BaudRate, 9600U);
+    });
+    ASSERT_EQ(peer.writes.size(), 1U);
+    EXPECT_NEAR(static_cast<double>(peer.writes[0].lastUs), 100'000.0, 1);
+}
+
+TEST_F(LineTest, APortIsExclusiveAndItsNameIsKnown) {
+    Run([&] {
+        EXPECT_EQ(Open(), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+        for (const char* name : {"COM2", "COM9", "COM", "", "COM11", "C:\\titles.csv"}) {
+            EXPECT_EQ(Open(name), INVALID_HANDLE_VALUE);
+            EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND) << name;
+        }
+        CloseHandle(port);
+        line.SetBusy(true);
+        EXPECT_EQ(Open(), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+        line.SetBusy(false);
+        line.Send("old");
+        Sleep(2);
+        port = Open("com1");
+        Sleep(10);
+        EXPECT_EQ(Read(port), "ld");  // what had arrived before is gone
+    });
+}
+
 TEST_F(LineTest, APulledPlugKillsThePortAndCutsWhatIsOnItsWay) {
     Run([&] {
         EXPECT_TRUE(Write(port, "abcdef"));

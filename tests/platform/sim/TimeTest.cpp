@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <set>
 #include <vector>
 
 #include "SimTools.h"
@@ -30,6 +31,45 @@ TEST(Time, SleepsEndOnTheBeatAndAreExactWhileAnybodyHoldsThePeriod) {
         timeEndPeriod(1);
         EXPECT_EQ(slept(1), kBeatUs * 2 - 21 * kMs);
         EXPECT_EQ(simulation.PeriodsHeld(), 0);
+    });
+}
+
+TEST(Time, WakeUpsAreLateByUpToTheJitterAndNeverEarly) {
+    Simulation simulation({.seed = 4, .jitterMs = 3});
+    std::set<std::uint64_t> late;
+    ExpectDone(simulation, [&] {
+        timeBeginPeriod(1);
+        for (int i = 0; i < 300; ++i) {
+            const std::uint64_t before = simulation.Now();
+            Sleep(20);
+            late.insert(simulation.Now() - before - 20 * kMs);
+        }
+    });
+    std::set<std::uint64_t> expected;
+    for (std::uint64_t us = 0; us <= 3 * kMs; us += 250) {
+        expected.insert(us);
+    }
+    EXPECT_EQ(late, expected);
+}
+
+TEST(Time, TicksCountAndATimeoutComesAtItsTimeAndASignalBeforeIt) {
+    Simulation simulation({.jitterMs = 0});
+    ExpectDone(simulation, [&] {
+        timeBeginPeriod(1);
+        Event event(false);
+        EXPECT_EQ(GetTickCount(), 0U);
+        EXPECT_EQ(WaitForSingleObject(event.handle, 25), WAIT_TIMEOUT);
+        EXPECT_EQ(simulation.Now(), 25 * kMs);
+        Thread setter([&] {
+            Sleep(10);
+            SetEvent(event.handle);
+        });
+        EXPECT_EQ(WaitForSingleObject(event.handle, 1000), WAIT_OBJECT_0);
+        EXPECT_EQ(simulation.Now(), 35 * kMs);
+        // The timer of the wait that has ended must not end this one.
+        EXPECT_EQ(WaitForSingleObject(event.handle, 5000), WAIT_TIMEOUT);
+        EXPECT_EQ(simulation.Now(), 5035 * kMs);
+        EXPECT_EQ(GetTickCount(), 5035U);
     });
 }
 

@@ -90,7 +90,7 @@ LRESULT Reset(HWND handle) {
     return LB_OKAY;
 }
 
-// The row comes into sight with the focus before it is drawn as selected.
+// The focus is drawn last: what draws the selection knows nothing of it.
 LRESULT Select(HWND handle, int index) {
     ListBox* list = FindList(handle);
     if (index == -1) {
@@ -100,21 +100,19 @@ LRESULT Select(HWND handle, int index) {
     if (!list->rows.Has(index)) {
         return LB_ERR;
     }
-    if (list->focusRow == index) {
+    if (list->focusRow == index && list->selected == index) {
         ScrollIntoView(handle, index);
-    } else {
-        DrawFocus(handle, false);
-        list = FindList(handle);
-        if (list == nullptr || !list->rows.Has(index)) {
-            return LB_ERR;
-        }
-        list->focusRow = index;
-        ScrollIntoView(handle, index);
-        DrawFocus(handle, true);
+        return index;
     }
-    if (FindList(handle) != nullptr) {
-        ChangeSelection(handle, index);
+    DrawFocus(handle, false);
+    list = FindList(handle);
+    if (list == nullptr || !list->rows.Has(index)) {
+        return LB_ERR;
     }
+    list->focusRow = index;
+    ScrollIntoView(handle, index);
+    ChangeSelection(handle, index);
+    DrawFocus(handle, true);
     return index;
 }
 

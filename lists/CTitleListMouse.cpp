@@ -82,8 +82,6 @@ void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/)
     if (arrowKind == kNoArrow) {
         return;
     }
-    // Before anything is selected, so that an editor is closed on what it was opened on.
-    SetFocus(hwnd);
     DrawArrow(true);
     arrowPressed = true;
     arrowTracking = true;

@@ -113,6 +113,8 @@ void CTitleList::RebuildTick() {
 
 // On the thread that asks for refills, so nothing overtakes this one any more once it is found to be the latest.
 void CTitleList::EndRefill(const Refill& refill) {
+    // A press before this was on another row.
+    clickInClient = false;
     if (requests.End(refill)) {
         const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
         for (int row = 0; row < count; ++row) {

@@ -55,16 +55,17 @@ public:
     // Puts another title on a row; null leaves the field empty.
     int ReplaceRowText(int rowIndex, const char* text);
 
-    // Opens the editor on the selected row.
+    // Opens the editor on the selected row. While rows are filled it does nothing: they may stand for other titles than a
+    // moment ago.
     virtual int BeginEdit();
     // Closes the editor. 1 if its text was committed.
     virtual int EndEdit();
-    // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited.
+    // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited, or while rows
+    // are filled.
     virtual int ApplyTitle(int rowIndex, const char* text);
     // The refresher's work, once in a period on its own thread.
     virtual void RebuildTick();
 
-    LRESULT WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnAttach() override;
     void OnKeyDown(UINT virtualKey, BOOL isDown, int repeat, UINT flags) override;
     void OnKillFocus(HWND otherWindow) override;

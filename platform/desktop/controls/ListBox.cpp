@@ -309,7 +309,6 @@ LRESULT CALLBACK ListBoxProc(HWND handle, UINT message, WPARAM wParam, LPARAM lP
         case WM_LBUTTONDBLCLK: NotifyParent(handle, LBN_DBLCLK); return 0;
         case WM_LBUTTONUP: ListRelease(handle); return 0;
         case WM_MOUSEMOVE: ListDrag(handle, YOf(lParam)); return 0;
-        case WM_MOUSEWHEEL: ListWheel(handle, static_cast<SHORT>(HIWORD(wParam))); return 0;
         case WM_CAPTURECHANGED: EndDrag(handle); return 0;
         default: return DefWindowProcA(handle, message, wParam, lParam);
     }

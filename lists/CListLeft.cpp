@@ -109,12 +109,18 @@ void CListLeft::NotifySelectedRow(int prevRow) {
     if (hasMoved) {
         OnNcPaint(nullptr);
     }
-    GroupId group = -1;
-    if (GetSelectedIds(&group, nullptr) == 0) {
+    // While the wheel turns, the tab moves alone: tracks are asked for at the end, not at each notch.
+    GroupId group = curGroup;
+    if ((!IsTurning() || curGroup < 0) && GetSelectedIds(&group, nullptr) == 0) {
         return;
     }
     curGroup = group;
     trackList->SetLinkedRow(selRowRect, group);
+}
+
+void CListLeft::EndTurn() {
+    CTitleList::EndTurn();
+    NotifySelectedRow(-1);
 }
 
 // --- Editing

@@ -27,6 +27,7 @@ public:
     void OnSelChange() override;
 
 protected:
+    void EndTurn() override;
     void Populate(const Refill& refill) override;
     void OnRefilled() override;
 

@@ -113,6 +113,8 @@ void CTitleList::RebuildTick() {
 
 // On the thread that asks for refills, so nothing overtakes this one any more once it is found to be the latest.
 void CTitleList::EndRefill(const Refill& refill) {
+    // A press before this was on another row.
+    clickInClient = false;
     if (requests.End(refill)) {
         const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
         for (int row = 0; row < count; ++row) {
@@ -179,6 +181,7 @@ int CTitleList::ReplaceRowText(int rowIndex, const char* text) {
     }
 
     SendMessageA(hwnd, WM_SETREDRAW, FALSE, 0);
+    const auto selected = static_cast<int>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0));
     const LRESULT value = SendMessageA(hwnd, LB_GETITEMDATA, row, 0);
     const bool isReplaced = SendMessageA(hwnd, LB_DELETESTRING, row, 0) != LB_ERR &&
                             SendMessageA(hwnd, LB_INSERTSTRING, row, reinterpret_cast<LPARAM>(rowText)) >= 0;
@@ -192,8 +195,9 @@ int CTitleList::ReplaceRowText(int rowIndex, const char* text) {
         return 0;
     }
     InvalidateRect(hwnd, &rect, TRUE);
-    // The control has lost its selection with the row.
-    SelectRow(curSel);
+    // The control has lost its selection with the row. It may be ahead of this object: it selects with the press of the
+    // mouse and tells with the release.
+    SelectRow(selected >= 0 ? selected : curSel);
     RedrawAll();
     return 1;
 }
@@ -244,8 +248,7 @@ int CTitleList::GetSelectedIds(GroupId* group, TrackNo* track) const {
     return 1;
 }
 
-// The editor is closed first, so that it commits to the row that it was opened on. That puts the control's selection back on
-// that row; the post moves it on again.
+// The editor is closed first, so that it commits while the row that it was opened on still counts as selected.
 void CTitleList::OnSelChange() {
     const auto selected = static_cast<int>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0));
     if (selected == curSel) {

@@ -55,16 +55,17 @@ public:
     // Puts another title on a row; null leaves the field empty.
     int ReplaceRowText(int rowIndex, const char* text);
 
-    // Opens the editor on the selected row.
+    // Opens the editor on the selected row. While rows are filled it does nothing: they may stand for other titles than a
+    // moment ago.
     virtual int BeginEdit();
     // Closes the editor. 1 if its text was committed.
     virtual int EndEdit();
-    // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited.
+    // Gives the selected row's title another text, in the store and on a row. 0 if the title cannot be edited, or while rows
+    // are filled.
     virtual int ApplyTitle(int rowIndex, const char* text);
     // The refresher's work, once in a period on its own thread.
     virtual void RebuildTick();
 
-    LRESULT WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnAttach() override;
     void OnKeyDown(UINT virtualKey, BOOL isDown, int repeat, UINT flags) override;
     void OnKillFocus(HWND otherWindow) override;
@@ -72,6 +73,7 @@ public:
     void OnLButtonUp(int x, int y, WPARAM keys) override;
     void OnMeasureItem(MEASUREITEMSTRUCT* item) override;
     void OnMouseMove(int x, int y, WPARAM keys) override;
+    void OnMouseWheel(int turn, int x, int y) override;
     void OnNcCalcSize(int zero, RECT* rect) override;
     LRESULT OnNcHitTest(int x, int y) override;
     void OnSetFocus(HWND otherWindow) override;
@@ -91,6 +93,9 @@ protected:
     virtual void Populate(const Refill& refill) = 0;
     // The latest refill is through: select, and tell.
     virtual void OnRefilled() = 0;
+    // The wheel stands still again.
+    virtual void EndTurn();
+    bool IsTurning() const { return turnTimer != 0; }
     // Whether the user may change this title, if it is there.
     virtual bool IsEditable(GroupId, TrackNo) const { return true; }
     // The row of a title, -1 if it has none.
@@ -164,7 +169,6 @@ private:
     void PaintFields(HDC dc, const RECT& row, const char* text) const;
     void StepSelection();
     void MoveSelection(int rows);
-    void OnMouseWheel(int turn);
     void EndTracking();
     bool MakeFont(const LOGFONTA* description);
     void MeasureColumns();
@@ -176,6 +180,7 @@ private:
     int repeatCount = -1;        // ticks since the last one
     UINT_PTR repeatTimer = 0;    // not 0 while it runs
     int wheelRest = 0;           // of the mouse wheel, less than a notch
+    UINT_PTR turnTimer = 0;      // not 0 from a notch to the end of the turn
     bool clickInClient = false;  // the last press began in the client area
     bool editArmed = true;       // a click on the selected row opens the editor
     bool editBusy = false;       // the editor is being opened or closed

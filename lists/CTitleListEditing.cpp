@@ -34,7 +34,7 @@ int CTitleList::OwnsEditor(HWND window) const {
 }
 
 int CTitleList::BeginEdit() {
-    if (editBusy || editor != nullptr || hwnd == nullptr || !commitEnabled) {
+    if (editBusy || editor != nullptr || hwnd == nullptr || !commitEnabled || IsRefilling()) {
         return 0;
     }
     const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
@@ -123,7 +123,7 @@ int CTitleList::EndEdit() {
 int CTitleList::ApplyTitle(int rowIndex, const char* text) {
     GroupId group = -1;
     TrackNo track = 0;
-    return GetSelectedIds(&group, &track) != 0 ? SetTitle(group, track, rowIndex, text) : 0;
+    return !IsRefilling() && GetSelectedIds(&group, &track) != 0 ? SetTitle(group, track, rowIndex, text) : 0;
 }
 
 // The title is kept where it has no row just now.

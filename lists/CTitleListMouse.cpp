@@ -14,6 +14,9 @@ constexpr int kFirstInterval = 15;
 constexpr int kShorter = 3;  // each interval is a third of the one before
 constexpr UINT kTickMs = 1;
 
+constexpr UINT_PTR kTurnTimer = 1;
+constexpr UINT kTurnMs = 150;  // without a notch: the turn is over
+
 }  // namespace
 
 bool CTitleList::IsInClient(int x, int y) const {
@@ -82,8 +85,6 @@ void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/)
     if (arrowKind == kNoArrow) {
         return;
     }
-    // Before anything is selected, so that an editor is closed on what it was opened on.
-    SetFocus(hwnd);
     DrawArrow(true);
     arrowPressed = true;
     arrowTracking = true;
@@ -97,6 +98,9 @@ void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/)
 }
 
 void CTitleList::OnTimer(UINT_PTR timerId) {
+    if (timerId == kTurnTimer) {
+        EndTurn();
+    }
     if (timerId != 0) {
         return;
     }
@@ -129,23 +133,28 @@ void CTitleList::MoveSelection(int rows) {
     PostSelChange();
 }
 
-// The rows move only with the selection. A notch is a row.
-void CTitleList::OnMouseWheel(int turn) {
+// The rows move only with the selection, a row for each notch. Systems that turn what has the focus tell of the pointer all
+// the same. While a title is edited the rows stand still.
+void CTitleList::OnMouseWheel(int turn, int x, int y) {
+    RECT window = {};
+    GetWindowRect(hwnd, &window);
+    if (editor != nullptr || !PtInRect(&window, POINT{x, y})) {
+        return;
+    }
     wheelRest += turn;
     const int rows = wheelRest / WHEEL_DELTA;
     wheelRest -= rows * WHEEL_DELTA;
+    if (rows != 0) {
+        turnTimer = SetTimer(hwnd, kTurnTimer, kTurnMs, nullptr);
+    }
     for (int row = 0; row < std::abs(rows); ++row) {
         MoveSelection(rows > 0 ? -1 : 1);
     }
 }
 
-// The control would scroll, and leave the selected row and what the frame shows of it behind.
-LRESULT CTitleList::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_MOUSEWHEEL) {
-        OnMouseWheel(static_cast<SHORT>(HIWORD(wParam)));
-        return 0;
-    }
-    return WindowBase::WindowProc(window, message, wParam, lParam);
+void CTitleList::EndTurn() {
+    KillTimer(hwnd, kTurnTimer);
+    turnTimer = 0;
 }
 
 void CTitleList::PostSelChange() const {

@@ -127,6 +127,7 @@ void WindowBase::RouteMouse(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_LBUTTONDOWN: OnLButtonDown(FALSE, x, y, wParam); break;
         case WM_LBUTTONDBLCLK: OnLButtonDown(TRUE, x, y, wParam); break;
         case WM_LBUTTONUP: OnLButtonUp(x, y, wParam); break;
+        case WM_MOUSEWHEEL: OnMouseWheel(SignedHigh(static_cast<LPARAM>(wParam)), x, y); break;
         default: break;
     }
 }

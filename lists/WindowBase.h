@@ -49,6 +49,8 @@ public:
     virtual void OnLButtonUp(int /*x*/, int /*y*/, WPARAM /*keys*/) {}
     virtual void OnMeasureItem(MEASUREITEMSTRUCT*) {}
     virtual void OnMouseMove(int /*x*/, int /*y*/, WPARAM /*keys*/) {}
+    // `turn` is positive away from the user, WHEEL_DELTA for a notch. The place is the pointer's on the screen.
+    virtual void OnMouseWheel(int /*turn*/, int /*x*/, int /*y*/) {}
     // The first argument is always 0. Whichever form the message has, it begins with the window's rectangle.
     virtual void OnNcCalcSize(int /*zero*/, RECT*) {}
     // The object may delete itself here.

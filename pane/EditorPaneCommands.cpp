@@ -149,7 +149,6 @@ void EditorPane::ShowUndone(GroupId group, TrackNo track, const char* text) {
 }
 
 // 1 if the title that has the focus was cleared, or could be. The tracks of Albums are read-only, and blanks are no title.
-// Rows that are only just being filled may stand for other titles than a moment ago.
 int EditorPane::ClearTitle(bool apply) {
     if (!groupList || !trackList || !titleStore) {
         return 0;
@@ -164,7 +163,7 @@ int EditorPane::ClearTitle(bool apply) {
         list = trackList.get();
     }
     char title[kTitleSize] = "";
-    if (list == nullptr || list->IsRefilling() || titleStore->GetState(group, track) < TS_RECEIVED ||
+    if (list == nullptr || titleStore->GetState(group, track) < TS_RECEIVED ||
         (track > 0 && titleStore->IsDisc(group, track) <= 0) || titleStore->GetTitle(group, track, title) == 0 ||
         IsBlank(title)) {
         return 0;

@@ -1,9 +1,7 @@
 // The frame of the lists: its step arrows under the mouse, and what it looks like.
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
-#include <utility>
 
 #include "Harness.h"
 #include "ListsHost.h"
@@ -15,24 +13,17 @@ class StepArrowTest : public testing::Test {
 protected:
     void SetUp() override {
         for (int disc = 1; disc <= 30; ++disc) {
-            host.AddDisc(disc, 0);
+            host.AddDisc(disc, 1);
         }
         ASSERT_TRUE(host.Refill(5));
-        SetFocus(host.Tracks());
-        ASSERT_TRUE(PumpAll());
         RECT client = {};
         GetClientRect(list, &client);
         inUp = {client.right / 2, -10};
         inDown = {client.right / 2, client.bottom + 10};
-        inClient = {client.right / 2, client.bottom / 2};
         // A press on the frame reaches the control as well. One that selects a row for it leaves nothing to step from.
-        HWND plain = MakeChild("LISTBOX", LBS_NOTIFY, host.Main(), 1, 0, 0, 50, 50);
-        SendMessageA(plain, LB_INSERTSTRING, 0, reinterpret_cast<LPARAM>("row"));
-        SendMessageA(plain, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, static_cast<WORD>(-5)));
-        SendMessageA(plain, WM_LBUTTONUP, 0, MAKELPARAM(10, static_cast<WORD>(-5)));
-        const LRESULT selected = SendMessageA(plain, LB_GETCURSEL, 0, 0);
-        DestroyWindow(plain);
-        if (selected != LB_ERR) {
+        Send(WM_LBUTTONDOWN, {-8, 5});
+        Send(WM_LBUTTONUP, {-8, 5}, 0);
+        if (SelectedRowOf(list) != 4) {
             GTEST_SKIP() << "this system's list box selects rows by presses outside of its client area";
         }
         SetFocus(host.Tracks());
@@ -41,13 +32,13 @@ protected:
 
     void Send(UINT message, POINT place, WPARAM keys = MK_LBUTTON) {
         SendMessageA(list, message, keys, MAKELPARAM(static_cast<WORD>(place.x), static_cast<WORD>(place.y)));
+        KillTimer(list, 0);
         Follow();
     }
-    // The pane's part: a posted notification makes the list follow.
-    void Follow() {
+    // What was posted; the ticks are the test's own.
+    static void Follow() {
         MSG message;
-        while (PeekMessageA(&message, host.Pane(), WM_COMMAND, WM_COMMAND, PM_REMOVE) ||
-               PeekMessageA(&message, list, LB_SETCURSEL, LB_SETCURSEL, PM_REMOVE)) {
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
             DispatchMessageA(&message);
         }
     }
@@ -70,7 +61,7 @@ protected:
     HWND list = host.Groups();
     POINT inUp = {};
     POINT inDown = {};
-    POINT inClient = {};
+    static constexpr POINT kInClient = {40, 40};
 };
 
 }  // namespace
@@ -92,53 +83,30 @@ TEST_F(StepArrowTest, StepsFasterAndFaster) {
 
 TEST_F(StepArrowTest, StopsAtTheEndsAndBesideTheArrow) {
     Send(WM_LBUTTONDOWN, inUp);
-    Send(WM_MOUSEMOVE, inClient);
+    Send(WM_MOUSEMOVE, kInClient);
     EXPECT_EQ(StepsIn(30), "") << "the pointer has left the arrow";
     Send(WM_MOUSEMOVE, inUp);
     EXPECT_EQ(StepsIn(3), "1 2 3 ") << "the time went on meanwhile";
     EXPECT_EQ(Row(), 0);
     EXPECT_EQ(StepsIn(5), "");
     Send(WM_LBUTTONUP, inUp, 0);
-    EXPECT_EQ(Row(), 0);
-    Send(WM_LBUTTONUP, inClient, 0);
+    Send(WM_LBUTTONUP, kInClient, 0);
     EXPECT_EQ(host.groupList.OwnsEditor(nullptr), 0) << "no click";
 
-    // Above the arrow and on the left band there is nothing to press.
-    const POINT aboveArrow = {inUp.x, -19};
-    const POINT leftBand = {-8, 40};
-    for (const POINT& place : {aboveArrow, leftBand}) {
+    // Above the arrow and on the left band there is nothing to press; a press there ends a step whose release went
+    // elsewhere.
+    for (const POINT& place : {POINT{inUp.x, -19}, POINT{-8, 40}}) {
+        Send(WM_LBUTTONDOWN, inDown);
+        const int row = Row();
+        ReleaseCapture();
         Send(WM_LBUTTONDOWN, place);
+        Send(WM_MOUSEMOVE, inDown);
         EXPECT_EQ(StepsIn(40), "");
-        Send(WM_LBUTTONUP, place, 0);
+        Send(WM_LBUTTONUP, inDown, 0);
+        EXPECT_EQ(Row(), row);
     }
-    EXPECT_EQ(Row(), 0);
-}
 
-TEST_F(StepArrowTest, APressClosesTheEditor) {
-    SetFocus(list);
-    ASSERT_EQ(host.groupList.BeginEdit(), 1);
-    SetWindowTextA(GetFocus(), "By the arrow");
-    Send(WM_LBUTTONDOWN, inDown);
-    ASSERT_TRUE(PumpAll());
-    Send(WM_LBUTTONUP, inDown, 0);
-    EXPECT_EQ(TitleOf(host.store, 5, 0), "By the arrow");
-    EXPECT_EQ(Row(), 5);
-}
-
-TEST_F(StepArrowTest, APressBesideTheArrowsEndsAStepThatNobodyEnded) {
-    Send(WM_LBUTTONDOWN, inDown);
-    EXPECT_EQ(Row(), 5);
-    // The release went to another window; the next press is on the left band.
-    ReleaseCapture();
-    const POINT leftBand = {-8, 40};
-    Send(WM_LBUTTONDOWN, leftBand);
-    Send(WM_MOUSEMOVE, inDown);
-    EXPECT_EQ(StepsIn(40), "");
-    Send(WM_LBUTTONUP, inDown, 0);
-    EXPECT_EQ(Row(), 5);
-}
-
-TEST_F(StepArrowTest, AnEmptyListHasNowhereToGo) {
+    // An empty list has nowhere to go.
     host.store.ResetAll();
     ASSERT_TRUE(host.Refill(1));
     Send(WM_LBUTTONDOWN, inDown);
@@ -147,23 +115,43 @@ TEST_F(StepArrowTest, AnEmptyListHasNowhereToGo) {
     Send(WM_LBUTTONUP, inDown, 0);
 }
 
-// --- What the frame looks like: letters for colours, in window coordinates
+TEST_F(StepArrowTest, APressClosesTheEditorAndSteps) {
+    SetFocus(list);
+    ASSERT_EQ(host.groupList.BeginEdit(), 1);
+    SetWindowTextA(GetFocus(), "By the arrow");
+    Send(WM_LBUTTONDOWN, inDown);
+    EXPECT_EQ(Row(), 5) << "the first step";
+    Send(WM_LBUTTONUP, inDown, 0);
+    EXPECT_EQ(TitleOf(host.store, 5, 0), "By the arrow");
+
+    // The other list's arrow takes the tracks away that an edit is about.
+    ASSERT_TRUE(host.Refill(5));
+    SetFocus(host.Tracks());
+    ASSERT_EQ(host.trackList.BeginEdit(), 1);
+    SetWindowTextA(GetFocus(), "Before the arrow");
+    PostClick(list, inUp.x, inUp.y);
+    ASSERT_TRUE(PumpAll());
+    EXPECT_EQ(host.trackList.OwnsEditor(nullptr), 0);
+    EXPECT_EQ(TitleOf(host.store, 5, 1), "Before the arrow");
+    EXPECT_EQ(Row(), 3);
+}
+
+// --- What the lists look like: letters for colours
 
 namespace {
 
+// The smoothed edges of letters have colours of their own.
 char LetterOf(COLORREF color) {
-    if (color == GetSysColor(COLOR_BTNTEXT)) {
-        return '#';
-    }
-    if (color == GetSysColor(COLOR_WINDOW)) {
-        return '.';
-    }
-    return color == GetSysColor(COLOR_BTNFACE) ? ' ' : '?';
+    return color == GetSysColor(COLOR_BTNTEXT)   ? '#'
+           : color == GetSysColor(COLOR_WINDOW)  ? '.'
+           : color == GetSysColor(COLOR_BTNFACE) ? ' '
+                                                 : static_cast<char>('A' + color % 25);
 }
 
-std::string Picture(HWND window, const RECT& part) {
+// In the coordinates of the window or of its client area.
+std::string Picture(HWND window, const RECT& part, bool isClient = false) {
     std::string picture;
-    HDC dc = GetWindowDC(window);
+    HDC dc = isClient ? GetDC(window) : GetWindowDC(window);
     for (int y = part.top; y < part.bottom; ++y) {
         for (int x = part.left; x < part.right; ++x) {
             picture += LetterOf(GetPixel(dc, x, y));
@@ -174,109 +162,229 @@ std::string Picture(HWND window, const RECT& part) {
     return picture;
 }
 
-// Each row so many times.
-std::string Rows(std::initializer_list<std::pair<int, const char*>> rows) {
+struct Stretch {
+    int times;
+    const char* line;
+};
+
+template <std::size_t Count>
+std::string Draw(const Stretch (&lines)[Count]) {
     std::string picture;
-    for (const auto& [times, row] : rows) {
+    for (const auto& [times, line] : lines) {
         for (int i = 0; i < times; ++i) {
-            picture += std::string(row) + '\n';
+            picture += std::string(line) + '\n';
         }
     }
     return picture;
 }
 
 // clang-format off
-const std::string kCorner = Rows({
+constexpr Stretch kCorner[] = {
     {1, "   #######"},
     {1, "  #......."},
     {1, " #........"},
     {5, "#........."},
-});
+};
 
-const std::string kTabLeft = Rows({
-    {3, "#........."},
-    {1, "#......###"},
-    {1, "#.....#..."},
-    {1, "#....#...."},
-    {1, "#...#....."},
-    {2, "#..#......"},
-    {5, "#.#......."},
-    {2, "#..#......"},
-    {1, "#...#....."},
-    {1, "#....#...."},
-    {1, "#.....#..."},
-    {1, "#......###"},
-    {3, "#........."},
-});
+// The left and the right edge of the groups and the left edge of the tracks, from 17 pixels above a selected row of 17.
+constexpr Stretch kTabTop[] = {
+    {5, "#.........|........# |          #........."},
+    {3, "#.........|........# |         #.........."},
+    {2, "#.........|........# |        #..........."},
+    {1, "#.........|........# |       #............"},
+    {1, "#.........|........# |      #............."},
+    {1, "#.........|........# |     #.............."},
+    {1, "#.........|........# |    #..............."},
+    {1, "#.........|........# |   #................"},
+    {1, "#.........|........# |  #................."},
+    {1, "#.........|........# | #.................."},
+    {1, "#......###|##########|#..................."},
+    {1, "#.....#...|..........|...................."},
+    {1, "#....#....|..........|...................."},
+    {1, "#...#.....|..........|...................."},
+    {2, "#..#......|..........|...................."},
+    {5, "#.#.......|..........|...................."},
+    {2, "#..#......|..........|...................."},
+};
 
-const std::string kTabRight = Rows({
-    {3, "............# "},
-    {1, "##############"},
-    {15, ".............."},
-    {1, "##############"},
-    {3, "............# "},
-});
+constexpr Stretch kTabBottom[] = {
+    {1, "#...#.....|..........|...................."},
+    {1, "#....#....|..........|...................."},
+    {1, "#.....#...|..........|...................."},
+    {1, "#......###|##########|##.................."},
+    {1, "#.........|........# |  #................."},
+    {1, "#.........|........# |   #................"},
+    {1, "#.........|........# |    #..............."},
+    {1, "#.........|........# |     #.............."},
+    {1, "#.........|........# |      #............."},
+    {1, "#.........|........# |       #............"},
+    {2, "#.........|........# |        #..........."},
+    {3, "#.........|........# |         #.........."},
+    {6, "#.........|........# |          #........."},
+};
 
-const std::string kConnector = Rows({
-    {5, "          #........."},
-    {3, "         #.........."},
-    {2, "        #..........."},
-    {1, "       #............"},
-    {1, "      #............."},
-    {1, "     #.............."},
-    {1, "    #..............."},
-    {1, "   #................"},
-    {1, "  #................."},
-    {1, " #.................."},
-    {1, "#..................."},
-    {15, "...................."},
-    {1, "##.................."},
-    {1, "  #................."},
-    {1, "   #................"},
-    {1, "    #..............."},
-    {1, "     #.............."},
-    {1, "      #............."},
-    {1, "       #............"},
-    {2, "        #..........."},
-    {3, "         #.........."},
-    {6, "          #........."},
-});
-
+// Where the window ends 19 pixels below the upper edge of the row.
+constexpr Stretch kTabCut[] = {
+    {1, "#...#.....|..........|.#########.........."},
+    {1, "#.........|........# |          #........."},
+    {1, " #........|.......#  |           #........"},
+    {1, "  #.......|......#   |            #......."},
+    {1, "   #######|######    |             #######"},
+    {1, "          |          |                    "},
+};
 // clang-format on
 
 constexpr int kRowHeight = 17;
+// The selected row is the fourth.
+constexpr int kRowTop = 71;
 
-// Rows of the same height everywhere, whatever fonts there are. False if no size of the font gives it.
-bool SetRowHeight(ListsHost& host) {
-    LOGFONTA font = {};
-    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(host.Groups(), WM_GETFONT, 0, 0)), sizeof font, &font);
-    for (LONG size = 8; size < 30; ++size) {
-        font.lfHeight = size;
-        host.groupList.SetListFont(&font);
-        host.trackList.SetListFont(&font);
-        if (host.Refill(4) && SendMessageA(host.Groups(), LB_GETITEMHEIGHT, 0, 0) == kRowHeight) {
-            return true;
+class PictureTest : public testing::Test {
+protected:
+    // Rows of the same height everywhere, whatever fonts there are.
+    void SetUp() override {
+        for (int disc = 101; disc <= 130; ++disc) {
+            host.AddDisc(disc, 4);
         }
+        LOGFONTA font = FontOf(groups);
+        for (font.lfHeight = 8; SendMessageA(groups, LB_GETITEMHEIGHT, 0, 0) != kRowHeight; ++font.lfHeight) {
+            ASSERT_LT(font.lfHeight, 30) << "no size of the font has such rows";
+            host.groupList.SetListFont(&font);
+            host.trackList.SetListFont(&font);
+            ASSERT_TRUE(host.Refill(104));
+        }
+        Repaint();
+        width = PlaceOf(groups).right - PlaceOf(groups).left;
     }
-    return false;
+
+    void Repaint() {
+        RedrawWindow(host.Pane(), nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+        ASSERT_TRUE(PumpAll());
+    }
+    // As in the tables. The lists overlap by a column, and the end of a rule there is theirs who painted last.
+    std::string Edges(int top, int bottom) {
+        std::string edges;
+        for (int y = top; y < bottom; ++y) {
+            for (const auto& [list, left, right] :
+                 {Span{groups, 0, 10}, Span{groups, width - 10, width}, Span{tracks, 0, 20}}) {
+                edges += Picture(list, {left, y, right, y + 1});
+                edges.back() = left == 0 && right == 20 ? '\n' : '|';
+            }
+            if (const std::size_t end = edges.size() - 31; edges.compare(end, 8, "########") == 0) {
+                edges.replace(end + 8, 3, "#|#");
+            }
+        }
+        return edges;
+    }
+
+    struct Span {
+        HWND list;
+        int left;
+        int right;
+    };
+    ListsHost host;
+    HWND groups = host.Groups();
+    HWND tracks = host.Tracks();
+    int width = 0;
+};
+
+struct RowCase {
+    const char* name;
+    bool isSelected;
+    bool hasFocus;
+    int background;
+    int text;
+    int rules;
+};
+
+// A row as it has to look. `widest` is what the head is as wide as.
+void DrawExpected(HWND list, const RECT& row, const RowCase& look, bool hasRules, const std::string& widest,
+                  const char* label, const char* number) {
+    HDC dc = GetDC(list);
+    SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(list, WM_GETFONT, 0, 0)));
+    RECT inner = {row.left, row.top + (hasRules ? 1 : 0), row.right, row.bottom - (hasRules ? 1 : 0)};
+    FillRect(dc, &row, GetSysColorBrush(look.rules));
+    FillRect(dc, &inner, GetSysColorBrush(COLOR_WINDOW));
+    SetBkColor(dc, GetSysColor(look.background));
+    SetTextColor(dc, GetSysColor(look.text));
+    const auto draw = [&](const char* text, int left, int right, UINT format) {
+        RECT cell = {left, row.top + 1, right, row.bottom - 2};
+        DrawTextA(dc, text, -1, &cell, DT_SINGLELINE | DT_VCENTER | format);
+    };
+    draw(label, 0, row.right, 0);
+    draw(number, 0, TextWidth(list, widest.c_str()), DT_RIGHT);
+    draw("Wg && Q", TextWidth(list, (widest + "   ").c_str()) + 1, row.right, 0);
+    ReleaseDC(list, dc);
 }
 
 }  // namespace
 
-TEST(FramePictureTest, TheSelectedGroupOpensIntoItsTracks) {
-    ListsHost host;
-    for (int disc = 1; disc <= 30; ++disc) {
-        host.AddDisc(disc, 1);
-    }
-    ASSERT_TRUE(SetRowHeight(host));
-    RedrawWindow(host.Pane(), nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+TEST_F(PictureTest, TheSelectedGroupOpensIntoItsTracks) {
+    EXPECT_EQ(Picture(groups, {0, 0, 10, 8}), Draw(kCorner));
+    const auto expectTab = [this] {
+        const int top = RowOf(groups, host.groupList.SelectedRow()).top + 20;
+        EXPECT_EQ(Edges(top - 17, top + 34), Draw(kTabTop) + Draw(kTabBottom)) << top;
+    };
+    expectTab();
+    // The tab goes with the row, whoever moves it. Some list boxes scroll by the wheel besides.
+    EXPECT_TRUE(TurnWheel(groups, groups, -WHEEL_DELTA));
+    EXPECT_EQ(host.groupList.SelectedRow(), 4);
+    expectTab();
+    SetFocus(groups);
+    SendMessageA(groups, LB_SETTOPINDEX, 2, 0);
     ASSERT_TRUE(PumpAll());
-    RECT window = {};
-    GetWindowRect(host.Groups(), &window);
-    const int width = window.right - window.left;
-    // The selected row is the fourth, from 71 to 87 in the window.
-    EXPECT_EQ(Picture(host.Groups(), {0, 0, 10, 8}), kCorner);
-    EXPECT_EQ(Picture(host.Groups(), {0, 68, 10, 91}), kTabLeft);
-    EXPECT_EQ(Picture(host.Groups(), {width - 14, 68, width, 91}), kTabRight);
-    EXPECT_EQ(Picture(host.Tracks(), {0, 54, 20, 105}), kConnector);
+    expectTab();
+}
+
+TEST_F(PictureTest, ATabIsCutAtTheBottomOfTheFrame) {
+    constexpr int kLow = kRowTop + 19;
+    for (HWND list : {groups, tracks}) {
+        SetWindowPos(list, nullptr, 0, 0, PlaceOf(list).right - PlaceOf(list).left, kLow,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_FRAMECHANGED);
+    }
+    Repaint();
+    EXPECT_EQ(Edges(kRowTop - 17, kLow), Draw(kTabTop) + Draw(kTabCut));
+}
+
+TEST_F(PictureTest, RowsShowTheirFieldsAndTheirState) {
+    const RowCase cases[] = {
+        {"not selected", false, true, COLOR_WINDOW, COLOR_BTNSHADOW, COLOR_WINDOW},
+        {"selected", true, false, COLOR_WINDOW, COLOR_BTNTEXT, COLOR_BTNTEXT},
+        {"selected, with the focus", true, true, COLOR_BTNFACE, COLOR_BTNTEXT, COLOR_BTNTEXT},
+    };
+    host.store.EditTitle(103, 0, "Wg & Q");
+    host.store.EditTitle(104, 3, "Wg & Q");
+    ASSERT_TRUE(host.Refill(104));
+    for (const auto& [list, window] : {host.TrackSide(), host.GroupSide()}) {
+        for (const RowCase& look : cases) {
+            SetFocus(look.hasFocus ? window : host.Main());
+            list.SelectRow(look.isSelected ? 2 : 1);
+            list.OnSelChange();
+            ASSERT_TRUE(PumpAll());
+            const RECT row = RowOf(window, 2);
+            const std::string painted = Picture(window, row, true);
+            const bool isGroups = window == groups;
+            DrawExpected(window, row, look, isGroups, isGroups ? "ZZZ 999" : "ZZ 99", isGroups ? "Dsc" : "Tr",
+                         isGroups ? "103" : "3");
+            EXPECT_EQ(painted, Picture(window, row, true)) << look.name;
+        }
+    }
+}
+
+TEST_F(PictureTest, APressedArrowStaysPressedUntilItIsReleased) {
+    const int height = PlaceOf(groups).bottom - PlaceOf(groups).top;
+    for (const RECT& arrow : {RECT{10, 5, width - 10, 18}, RECT{10, height - 18, width - 10, height - 5}}) {
+        const auto after = [&](UINT message, int y) {
+            SendMessageA(groups, message, MK_LBUTTON, MAKELPARAM(50, static_cast<WORD>(y)));
+            return Picture(groups, arrow);
+        };
+        const int inArrow = arrow.top + 5 - 20;
+        const std::string plain = Picture(groups, arrow);
+        const std::string pressed = after(WM_LBUTTONDOWN, inArrow);
+        EXPECT_NE(pressed, plain);
+        Repaint();
+        EXPECT_EQ(Picture(groups, arrow), pressed);
+        EXPECT_EQ(after(WM_MOUSEMOVE, 30), plain) << "the pointer is elsewhere";
+        EXPECT_EQ(after(WM_MOUSEMOVE, inArrow), pressed);
+        EXPECT_EQ(after(WM_LBUTTONUP, inArrow), plain);
+    }
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "Harness.h"
 #include "MessageLog.h"
 #include "PaneRequests.h"
@@ -21,6 +23,42 @@ CTitleList* ListOf(UINT id) {
 }
 
 }  // namespace
+
+LOGFONTA FontOf(HWND list) {
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(list, WM_GETFONT, 0, 0)), sizeof font, &font);
+    return font;
+}
+
+RECT RowOf(HWND list, int row) {
+    RECT rect = {};
+    SendMessageA(list, LB_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&rect));
+    return rect;
+}
+
+RECT PlaceOf(HWND window) {
+    RECT place = {};
+    GetWindowRect(window, &place);
+    return place;
+}
+
+bool TurnWheel(HWND list, HWND over, int turn) {
+    const RECT place = PlaceOf(over);
+    SendMessageA(list, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(turn)),
+                 MAKELPARAM(static_cast<WORD>(place.left + 40), static_cast<WORD>(place.top + 40)));
+    const bool isTurning = KillTimer(list, kTurnTimer) != FALSE;
+    EXPECT_TRUE(PumpAll());
+    return isTurning;
+}
+
+int TextWidth(HWND list, const char* text) {
+    HDC dc = GetDC(list);
+    SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(list, WM_GETFONT, 0, 0)));
+    SIZE size = {};
+    GetTextExtentPoint32A(dc, text, static_cast<int>(std::strlen(text)), &size);
+    ReleaseDC(list, dc);
+    return size.cx;
+}
 
 ListsHost::ListsHost() {
     host = this;
@@ -64,6 +102,20 @@ bool ListsHost::Refill(GroupId group) {
     return Settle();
 }
 
+// The pane measures each row, which is a moment in the middle.
+bool ListsHost::WhileFilling(HWND list, LRESULT rows, const std::function<void()>& action) {
+    bool isDone = false;
+    onMeasure = [&](HWND measured) {
+        if (!isDone && measured == list && SendMessageA(list, LB_GETCOUNT, 0, 0) > rows) {
+            isDone = true;
+            action();
+        }
+    };
+    PumpUntil([&] { return isDone; });
+    onMeasure = nullptr;
+    return isDone;
+}
+
 bool ListsHost::Settle() {
     // The end of the groups' refill may bring about one of the tracks.
     const auto isStill = [this] { return !groupList.IsRefilling() && !trackList.IsRefilling(); };
@@ -90,7 +142,7 @@ INT_PTR ListsHost::OnPane(UINT message, WPARAM wParam, LPARAM lParam) {
             auto* item = reinterpret_cast<MEASUREITEMSTRUCT*>(lParam);
             ListOf(item->CtlID)->OnMeasureItem(item);
             if (onMeasure) {
-                onMeasure(item->CtlID);
+                onMeasure(GetDlgItem(pane, static_cast<int>(item->CtlID)));
             }
             return TRUE;
         }

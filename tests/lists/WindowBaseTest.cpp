@@ -1,16 +1,13 @@
-// Objects on native controls: binding, the routing of messages, Tab, and the two buttons.
+// Objects on native controls: binding, the routing of messages, and Tab.
 #include "WindowBase.h"
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "Harness.h"
 #include "MessageLog.h"
-#include "PaneButtons.h"
-#include "PaneRequests.h"
 
 namespace {
 
@@ -18,18 +15,15 @@ constexpr int kControl = 7;
 
 std::string story;
 
-void Tell(const char* what, std::initializer_list<LONG_PTR> values) {
+template <class... Values>
+void Tell(const char* what, Values... values) {
     story += what;
-    for (const LONG_PTR value : values) {
-        story += " " + std::to_string(value);
-    }
+    ((story += " " + std::to_string(static_cast<LONG_PTR>(values))), ...);
     story += "\n";
 }
 
 std::string TakeStory() {
-    std::string taken;
-    taken.swap(story);
-    return taken;
+    return std::exchange(story, "");
 }
 
 LONG_PTR Number(const void* handle) {
@@ -39,74 +33,64 @@ LONG_PTR Number(const void* handle) {
 // Tells of every call.
 class Control : public WindowBase {
 public:
-    ~Control() override { Tell("deleted", {}); }
+    ~Control() override { Tell("deleted"); }
     void OnAttach() override {
-        Tell("attach", {});
+        Tell("attach");
         SendMessageA(hwnd, WM_USER, 1, 1);
     }
-    void OnDrawItem(DRAWITEMSTRUCT* item) override { Tell("draw", {Number(item)}); }
-    void OnKeyDown(UINT key, BOOL isDown, int repeat, UINT flags) override {
-        Tell("key", {static_cast<LONG_PTR>(key), isDown, repeat, static_cast<LONG_PTR>(flags)});
-    }
-    void OnKillFocus(HWND other) override { Tell("kill focus", {Number(other)}); }
-    void OnLButtonDown(BOOL isDouble, int x, int y, WPARAM keys) override {
-        Tell("down", {isDouble, x, y, static_cast<LONG_PTR>(keys)});
-    }
-    void OnLButtonUp(int x, int y, WPARAM keys) override { Tell("up", {x, y, static_cast<LONG_PTR>(keys)}); }
-    void OnMeasureItem(MEASUREITEMSTRUCT* item) override { Tell("measure", {Number(item)}); }
-    void OnMouseMove(int x, int y, WPARAM keys) override { Tell("move", {x, y, static_cast<LONG_PTR>(keys)}); }
-    void OnNcCalcSize(int zero, RECT* rect) override { Tell("frame size", {zero, Number(rect)}); }
+    void OnDrawItem(DRAWITEMSTRUCT* item) override { Tell("draw", Number(item)); }
+    void OnKeyDown(UINT key, BOOL isDown, int repeat, UINT flags) override { Tell("key", key, isDown, repeat, flags); }
+    void OnKillFocus(HWND other) override { Tell("kill focus", Number(other)); }
+    void OnLButtonDown(BOOL isDouble, int x, int y, WPARAM keys) override { Tell("down", isDouble, x, y, keys); }
+    void OnLButtonUp(int x, int y, WPARAM keys) override { Tell("up", x, y, keys); }
+    void OnMeasureItem(MEASUREITEMSTRUCT* item) override { Tell("measure", Number(item)); }
+    void OnMouseMove(int x, int y, WPARAM keys) override { Tell("move", x, y, keys); }
+    void OnMouseWheel(int turn, int x, int y) override { Tell("wheel", turn, x, y); }
+    void OnNcCalcSize(int zero, RECT* rect) override { Tell("frame size", zero, Number(rect)); }
     void OnNcDestroy() override {
-        Tell("end", {});
+        Tell("end");
         if (deletesItself) {
             delete this;
         }
     }
-    void OnNcPaint(HRGN region) override { Tell("frame", {Number(region)}); }
-    void OnSetFocus(HWND other) override { Tell("focus", {Number(other)}); }
-    void OnSize(WPARAM kind, int width, int height) override { Tell("size", {static_cast<LONG_PTR>(kind), width, height}); }
-    void OnTimer(UINT_PTR id) override { Tell("timer", {static_cast<LONG_PTR>(id)}); }
-    void OnUserMessage(WPARAM code, LPARAM value) override { Tell("user", {static_cast<LONG_PTR>(code), value}); }
-    void OnSelChange() override { Tell("selection", {}); }
+    void OnNcPaint(HRGN region) override { Tell("frame", Number(region)); }
+    void OnSetFocus(HWND other) override { Tell("focus", Number(other)); }
+    void OnSize(WPARAM kind, int width, int height) override { Tell("size", kind, width, height); }
+    void OnTimer(UINT_PTR id) override { Tell("timer", id); }
+    void OnUserMessage(WPARAM code, LPARAM value) override { Tell("user", code, value); }
+    void OnSelChange() override { Tell("selection"); }
 
     void Bind(HWND window) { hwnd = window; }
     void WantTab() { dialogCode = DLGC_WANTTAB; }
     bool deletesItself = false;
 };
 
-// The control's own procedure, for messages that a real one would act on.
-LRESULT CALLBACK NativeProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE || message == WM_DESTROY || message == WM_NCDESTROY) {
-        Tell(message == WM_NCCREATE ? "native begin" : message == WM_DESTROY ? "native destroy" : "native end", {});
-        return DefWindowProcA(window, message, wParam, lParam);
+HWND control = nullptr;
+
+// What the control itself does.
+bool Native(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    if (window != control) {
+        return false;
     }
-    if (message == WM_NCHITTEST) {
-        Tell("native hit test", {static_cast<LONG_PTR>(wParam), lParam});
-        return HTTRANSPARENT;
+    if (message == WM_DESTROY || message == WM_NCDESTROY) {
+        Tell(message == WM_DESTROY ? "native destroy" : "native end");
+        return false;
     }
-    Tell("native", {static_cast<LONG_PTR>(message)});
-    return 4711;
+    result = message == WM_NCHITTEST ? HTTRANSPARENT : 4711;
+    message == WM_NCHITTEST ? Tell("native hit test", wParam, lParam) : Tell("native", message);
+    return true;
 }
 
 class WindowBaseTest : public testing::Test {
 protected:
     void SetUp() override {
-        WNDCLASSEXA native = {};
-        native.cbSize = sizeof native;
-        native.lpfnWndProc = NativeProc;
-        native.hInstance = GetModuleHandleA(nullptr);
-        native.lpszClassName = "NativeControl";
-        RegisterClassExA(&native);
         parent = MakeTestWindow("parent", WS_OVERLAPPEDWINDOW);
-        control = CreateWindowExA(0, "NativeControl", "", WS_CHILD, 0, 0, 50, 20, parent,
-                                  reinterpret_cast<HMENU>(static_cast<INT_PTR>(kControl)), native.hInstance, nullptr);
+        control = MakeTestWindow("control", WS_CHILD, parent, 50, 20, reinterpret_cast<HMENU>(INT_PTR{kControl}));
         ASSERT_NE(control, nullptr);
+        SetMessageHook(Native);
         TakeStory();
     }
-    void TearDown() override {
-        DestroyWindow(parent);
-        UnregisterClassA("NativeControl", GetModuleHandleA(nullptr));
-    }
+    void TearDown() override { DestroyWindow(parent); }
 
     // What the object and then the control were told.
     std::string Told(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -117,18 +101,7 @@ protected:
 
     MessageLog log{{}};
     HWND parent = nullptr;
-    HWND control = nullptr;
 };
-
-// The requests that a parent gets.
-std::vector<std::pair<WPARAM, LPARAM>> requests;
-
-bool KeepRequest(HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT&) {
-    if (message == WM_USER) {
-        requests.emplace_back(wParam, lParam);
-    }
-    return false;
-}
 
 }  // namespace
 
@@ -136,7 +109,6 @@ TEST_F(WindowBaseTest, AttachesOnce) {
     Control object;
     EXPECT_EQ(object.Attach(), 0) << "to nothing";
     EXPECT_EQ(object.AttachDlgItem(parent, kControl + 1), 0);
-    EXPECT_EQ(TakeStory(), "");
     EXPECT_EQ(object.AttachDlgItem(parent, kControl), 1);
     EXPECT_EQ(TakeStory(), "attach\nnative 1024\n") << "the object is not tied to the window yet";
     EXPECT_EQ(object.Attach(), 0);
@@ -167,6 +139,7 @@ TEST_F(WindowBaseTest, EachHandlerRunsAheadOfTheControl) {
     EXPECT_EQ(Told(WM_LBUTTONDOWN, 5, place), "down 0 -3 -25536 5\nnative 513\n");
     EXPECT_EQ(Told(WM_LBUTTONUP, 5, place), "up -3 -25536 5\nnative 514\n");
     EXPECT_EQ(Told(WM_LBUTTONDBLCLK, 5, place), "down 1 -3 -25536 5\nnative 515\n");
+    EXPECT_EQ(Told(WM_MOUSEWHEEL, MAKEWPARAM(5, static_cast<WORD>(-120)), place), "wheel -120 -3 -25536\nnative 522\n");
     EXPECT_EQ(Told(WM_KEYDOWN, VK_F4, MAKELPARAM(0x8001, 0xC051)), "key 115 1 -32767 49233\nnative 256\n");
     EXPECT_EQ(Told(WM_KEYUP, VK_F4, 1), "native 257\n");
     EXPECT_EQ(Told(WM_USER + 1, 1, 1), "native 1025\n");
@@ -203,9 +176,7 @@ TEST_F(WindowBaseTest, AnObjectMayEndWithAWindowThatSomebodyElseDestroys) {
     ASSERT_EQ(object->AttachDlgItem(parent, kControl), 1);
     TakeStory();
     DestroyWindow(control);
-    const std::string told = TakeStory();
-    EXPECT_EQ(told.substr(told.find("end\n")), "end\ndeleted\n" + told.substr(told.find("deleted\n") + 8));
-    EXPECT_NE(told.find("deleted\n"), std::string::npos);
+    EXPECT_EQ(TakeStory().find("native destroy\nend\ndeleted\n"), 0U);
     EXPECT_FALSE(IsWindow(control));
 }
 
@@ -225,88 +196,3 @@ TEST_F(WindowBaseTest, TabIsTheObjectsOwnKey) {
     object.WantTab();
     EXPECT_EQ(Told(WM_KEYDOWN, VK_TAB, 1), "key 9 1 1 0\nnative 256\n");
 }
-
-class PaneButtonTest : public testing::TestWithParam<PaneRequest> {
-protected:
-    void SetUp() override {
-        SetMessageHook(KeepRequest);
-        parent = MakeTestWindow("parent", WS_OVERLAPPEDWINDOW);
-        control = MakeChild("BUTTON", BS_PUSHBUTTON, parent, kControl, 10, 10, 50, 30);
-        if (GetParam() == UC_SYNC) {
-            button = std::make_unique<SyncButton>();
-        } else {
-            button = std::make_unique<StopButton>();
-        }
-        ASSERT_EQ(button->AttachDlgItem(parent, kControl), 1);
-        ShowWindow(parent, SW_SHOW);
-        ASSERT_TRUE(BringForward(parent));
-        ASSERT_TRUE(PumpAll());
-        requests.clear();
-    }
-    void TearDown() override {
-        button.reset();
-        DestroyWindow(parent);
-    }
-
-    // How many requests come of what the button was just told; all of them are its own.
-    size_t Requests() {
-        EXPECT_TRUE(requests.empty()) << "posted, not sent";
-        EXPECT_TRUE(PumpAll());
-        const std::vector<std::pair<WPARAM, LPARAM>> own(requests.size(), {GetParam(), 0});
-        EXPECT_EQ(requests, own);
-        requests.clear();
-        return own.size();
-    }
-
-    MessageLog log{{}};
-    std::unique_ptr<WindowBase> button;
-    HWND parent = nullptr;
-    HWND control = nullptr;
-};
-
-TEST_P(PaneButtonTest, AsksForEachPressOfSpace) {
-    SendMessageA(control, WM_KEYDOWN, VK_SPACE, 1);
-    SendMessageA(control, WM_KEYDOWN, VK_SPACE, MAKELPARAM(1, 0x4000));
-    SendMessageA(control, WM_KEYDOWN, VK_SPACE, MAKELPARAM(1, 0x4000));
-    EXPECT_EQ(Requests(), 3U) << "a key held down repeats";
-    SendMessageA(control, WM_KEYUP, VK_SPACE, MAKELPARAM(1, 0xC000));
-    SendMessageA(control, WM_KEYDOWN, VK_RETURN, 1);
-    SendMessageA(control, WM_KEYUP, VK_RETURN, MAKELPARAM(1, 0xC000));
-    EXPECT_EQ(Requests(), 0U);
-
-    SetFocus(control);
-    PressKeys({VK_SPACE});
-    EXPECT_TRUE(PumpUntil([] { return !requests.empty(); }));
-    requests.clear();
-}
-
-TEST_P(PaneButtonTest, AsksForAReleaseInside) {
-    RECT client = {};
-    GetClientRect(control, &client);
-    const auto release = [&](LONG x, LONG y) {
-        SendMessageA(control, WM_LBUTTONUP, 0, MAKELPARAM(static_cast<WORD>(x), static_cast<WORD>(y)));
-        return Requests();
-    };
-    EXPECT_EQ(release(0, 0), 1U) << "it need not have been pressed";
-    EXPECT_EQ(release(client.right - 1, client.bottom - 1), 1U);
-    EXPECT_EQ(release(client.right, 0), 0U);
-    EXPECT_EQ(release(0, client.bottom), 0U);
-    EXPECT_EQ(release(-1, 5), 0U);
-    EXPECT_EQ(release(5, -1), 0U);
-}
-
-TEST_P(PaneButtonTest, TellsThatItLostTheFocus) {
-    HWND other = MakeChild("BUTTON", BS_PUSHBUTTON, parent, 1, 100, 10, 50, 30);
-    SetFocus(control);
-    ASSERT_TRUE(PumpAll());
-    EXPECT_TRUE(requests.empty());
-    SetFocus(other);
-    EXPECT_TRUE(requests.empty()) << "posted, not sent";
-    ASSERT_TRUE(PumpAll());
-    ASSERT_EQ(requests.size(), 1U);
-    EXPECT_EQ(requests[0].first, UC_FOCUS_LOST);
-    EXPECT_EQ(requests[0].second, Number(control));
-}
-
-INSTANTIATE_TEST_SUITE_P(Buttons, PaneButtonTest, testing::Values(UC_SYNC, UC_STOP),
-                         [](const auto& button) { return button.param == UC_SYNC ? "Sync" : "Stop"; });

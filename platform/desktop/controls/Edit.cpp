@@ -99,8 +99,8 @@ void Paste(HWND handle, QClipboard::Mode from) {
     QString text = QGuiApplication::clipboard()->text(from);
     const auto isBreak = [](QChar c) { return c == u'\r' || c == u'\n'; };
     text.truncate(std::find_if(text.begin(), text.end(), isBreak) - text.begin());
-    // What the code page lacks shows at once as what it becomes.
-    text = ToQString(FromQString(text.normalized(QString::NormalizationForm_C)));
+    // What the code page lacks shows at once as a blank; a question mark could not be told from one that was meant.
+    text = ToQString(FromQString(text.normalized(QString::NormalizationForm_C), ' '));
     if (!text.isEmpty()) {
         Insert(handle, text);
     }

@@ -90,7 +90,7 @@ LRESULT Reset(HWND handle) {
     return LB_OKAY;
 }
 
-// The row comes into sight with the focus before it is drawn as selected.
+// The focus is drawn last: what draws the selection knows nothing of it.
 LRESULT Select(HWND handle, int index) {
     ListBox* list = FindList(handle);
     if (index == -1) {
@@ -100,21 +100,19 @@ LRESULT Select(HWND handle, int index) {
     if (!list->rows.Has(index)) {
         return LB_ERR;
     }
-    if (list->focusRow == index) {
+    if (list->focusRow == index && list->selected == index) {
         ScrollIntoView(handle, index);
-    } else {
-        DrawFocus(handle, false);
-        list = FindList(handle);
-        if (list == nullptr || !list->rows.Has(index)) {
-            return LB_ERR;
-        }
-        list->focusRow = index;
-        ScrollIntoView(handle, index);
-        DrawFocus(handle, true);
+        return index;
     }
-    if (FindList(handle) != nullptr) {
-        ChangeSelection(handle, index);
+    DrawFocus(handle, false);
+    list = FindList(handle);
+    if (list == nullptr || !list->rows.Has(index)) {
+        return LB_ERR;
     }
+    list->focusRow = index;
+    ScrollIntoView(handle, index);
+    ChangeSelection(handle, index);
+    DrawFocus(handle, true);
     return index;
 }
 
@@ -311,7 +309,6 @@ LRESULT CALLBACK ListBoxProc(HWND handle, UINT message, WPARAM wParam, LPARAM lP
         case WM_LBUTTONDBLCLK: NotifyParent(handle, LBN_DBLCLK); return 0;
         case WM_LBUTTONUP: ListRelease(handle); return 0;
         case WM_MOUSEMOVE: ListDrag(handle, YOf(lParam)); return 0;
-        case WM_MOUSEWHEEL: ListWheel(handle, static_cast<SHORT>(HIWORD(wParam))); return 0;
         case WM_CAPTURECHANGED: EndDrag(handle); return 0;
         default: return DefWindowProcA(handle, message, wParam, lParam);
     }

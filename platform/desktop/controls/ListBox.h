@@ -23,7 +23,6 @@ struct ListBox : ControlState {
     bool dragging = false;   // the mouse is captured and selects
     bool scrolling = false;  // the timer runs, since the mouse was dragged out
     int dragY = 0;           // where the mouse was last
-    int wheelRest = 0;       // what the wheel has turned and no row has followed yet
     int textHeight = 0;      // of a row that nobody gives a height; 0 while it is not known
 };
 
@@ -60,7 +59,6 @@ void ListCharacter(HWND handle, char letter);
 void ListPress(HWND handle, int x, int y);
 void ListRelease(HWND handle);
 void ListDrag(HWND handle, int y);
-void ListWheel(HWND handle, int turn);
 void EndDrag(HWND handle);
 
 }  // namespace desktop

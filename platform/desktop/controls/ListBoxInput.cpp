@@ -13,8 +13,6 @@ namespace {
 
 constexpr UINT kScrollPeriodMs = 50;
 constexpr UINT_PTR kScrollTimer = 0x4C42;  // a number that no program is likely to use for a timer of its own
-constexpr int kRowsPerNotch = 3;
-constexpr int kNotch = 120;
 
 // The rows change their look where they are; then the list scrolls, and the new row gets the focus.
 void SelectByUser(HWND handle, int index) {
@@ -168,14 +166,6 @@ void EndDrag(HWND handle) {
         KillTimer(handle, kScrollTimer);
         list.scrolling = false;
     }
-}
-
-void ListWheel(HWND handle, int turn) {
-    ListBox& list = *FindList(handle);
-    list.wheelRest -= turn * kRowsPerNotch;
-    const int rows = list.wheelRest / kNotch;
-    list.wheelRest -= rows * kNotch;
-    SetTop(handle, list.top + rows);
 }
 
 }  // namespace desktop

@@ -171,12 +171,14 @@ bool Desktop::ToMessage(const InputEvent& event, MSG& message) {
             message.lParam = 1;
             return focus != nullptr && !event.text.empty();
         case InputEvent::Kind::kMouse: return MouseMessage(event, message);
-        case InputEvent::Kind::kWheel:
-            message.hwnd = focus;
+        case InputEvent::Kind::kWheel: {
+            LRESULT hit = HTCLIENT;
+            message.hwnd = WindowAt(event.topLevel, event.screen, hit);
             message.message = WM_MOUSEWHEEL;
             message.wParam = MAKEWPARAM(event.mouseKeys, static_cast<WORD>(event.wheel));
             message.lParam = MAKELPARAM(static_cast<WORD>(event.screen.x), static_cast<WORD>(event.screen.y));
-            return focus != nullptr;
+            return message.hwnd != nullptr;
+        }
         case InputEvent::Kind::kClose:
             message.hwnd = event.topLevel;
             message.message = WM_SYSCOMMAND;
@@ -329,6 +331,7 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
             const auto& wheel = static_cast<QWheelEvent&>(event);
             InputEvent made{};
             made.kind = InputEvent::Kind::kWheel;
+            made.topLevel = root.handle;
             made.wheel = wheel.angleDelta().y();
             made.screen = ScreenPoint(root, *window.widget, wheel.position());
             AddInput(std::move(made));

@@ -13,14 +13,14 @@ QString ToQString(std::string_view bytes) {
     return QString::fromStdString(kernel::ToUtf8(bytes));
 }
 
-std::string FromQString(const QString& text) {
+std::string FromQString(const QString& text, char lacking) {
     if (const auto whole = kernel::FromUtf8(text.toStdString())) {
         return *whole;
     }
     std::string bytes;
     for (const char32_t point : text.toUcs4()) {
         const auto each = kernel::FromUtf8(QString::fromUcs4(&point, 1).toStdString());
-        bytes += each ? *each : "?";
+        bytes += each ? *each : std::string(1, lacking);
     }
     return bytes;
 }

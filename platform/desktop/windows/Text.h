@@ -8,8 +8,8 @@
 namespace desktop {
 
 QString ToQString(std::string_view bytes);
-// What the code page cannot express becomes a question mark.
-std::string FromQString(const QString& text);
+// What the code page cannot express becomes a question mark, or another sign.
+std::string FromQString(const QString& text, char lacking = '?');
 // A control's text without its "&" marks: the mark goes, "&&" becomes one "&".
 std::string WithoutMarks(std::string_view text);
 // The letter behind the mark, in lower case, or 0.

@@ -1,0 +1,80 @@
+// What the window tests cannot ask of both systems: the wheel, the clipboard, and how a list draws the row with the focus.
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QWheelEvent>
+#include <QWidget>
+
+#include "Desktop.h"
+#include "DesktopTests.h"
+
+namespace {
+
+UINT drawnState = 0;  // of the row that was drawn last
+HWND turned = nullptr;
+int turn = 0;
+
+LRESULT CALLBACK Note(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_DRAWITEM) {
+        drawnState = reinterpret_cast<DRAWITEMSTRUCT*>(lParam)->itemState;
+    } else if (message == WM_MOUSEWHEEL) {
+        turned = window;
+        turn = static_cast<SHORT>(HIWORD(wParam));
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}
+
+HWND Add(HWND parent, const char* className, DWORD style, int x) {
+    return CreateWindowExA(0, className, "", WS_CHILD | WS_VISIBLE | style, x, 0, 100, 100, parent, nullptr, nullptr,
+                           nullptr);
+}
+
+}  // namespace
+
+TEST(Wheel, TurnsWhatIsUnderThePointer) {
+    HWND parent = MakeTopLevel("Wheel");
+    HWND children[2];
+    for (int i = 0; i < 2; ++i) {
+        children[i] = Add(parent, "BUTTON", BS_PUSHBUTTON, 100 * i);
+        SetWindowLongPtrA(children[i], GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Note));
+    }
+    SetFocus(children[0]);
+    for (HWND child : {children[1], children[0]}) {
+        RECT place = {};
+        GetWindowRect(child, &place);
+        QWheelEvent event({50, 50}, {place.left + 50.0, place.top + 50.0}, {}, {0, -240}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(desktop::Desktop::Get().Find(child)->widget, &event);
+        ASSERT_TRUE(ServeUntil([child] { return turned == child; }));
+        EXPECT_EQ(turn, -240);
+    }
+    DestroyWindow(parent);
+}
+
+TEST(ListFocus, IsDrawnBehindTheSelection) {
+    HWND parent = MakeTopLevel("List");
+    SetWindowLongPtrA(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Note));
+    HWND list = Add(parent, "LISTBOX", LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS, 0);
+    SetFocus(list);
+    for (int row = 0; row < 3; ++row) {
+        SendMessageA(list, LB_INSERTSTRING, 0, reinterpret_cast<LPARAM>("row"));
+    }
+    for (const WPARAM row : {2U, 1U, 0U}) {
+        drawnState = 0;
+        SendMessageA(list, LB_SETCURSEL, row, 0);
+        EXPECT_EQ(drawnState, static_cast<UINT>(ODS_SELECTED | ODS_FOCUS)) << row;
+    }
+    DestroyWindow(parent);
+}
+
+TEST(Paste, WhatTheCodePageLacksIsABlank) {
+    HWND parent = MakeTopLevel("Paste");
+    HWND edit = Add(parent, "EDIT", ES_AUTOHSCROLL, 0);
+    QGuiApplication::clipboard()->setText(QStringLiteral("a?\u0416\U0001F600\u00E9z"));
+    SendMessageA(edit, WM_PASTE, 0, 0);
+    char text[20] = "";
+    GetWindowTextA(edit, text, sizeof text);
+    EXPECT_STREQ(text, "a?  \xE9z");
+    DestroyWindow(parent);
+}

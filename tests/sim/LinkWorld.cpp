@@ -223,9 +223,9 @@ bool LinkWorld::Connected() {
     const std::size_t index = starts.size() - 1;
     standing = false;
     peer.Stopped(false);
-    peer.Released();
+    peer.Enter();
     const bool connected = link.Connect("COM1");
-    peer.Released();
+    peer.Leave();
     starts[index].endUs = Now();
     starts[index].began = connected;
     return connected;
@@ -275,8 +275,9 @@ void LinkWorld::StopOperation() {
     mustEndWithMessage = false;
     // Of a stop beside a start it is not known here which comes first.
     peer.Stopped(!options.secondStarter);
+    peer.Enter();
     link.StopOperation();
-    peer.Released();
+    peer.Leave();
 }
 
 GroupId LinkWorld::AnyGroup() {
@@ -297,7 +298,7 @@ bool LinkWorld::StartOperation(WORD operation, GroupId group) {
     standing = false;
     peer.Note("        operation " + std::to_string(operation) + " for " + std::to_string(group));
     peer.Stopped(false);
-    peer.Released();
+    peer.Enter();
     bool began = false;
     switch (operation) {
         case OP_GET_ALL: began = link.GetAllTitles(); break;
@@ -306,7 +307,7 @@ bool LinkWorld::StartOperation(WORD operation, GroupId group) {
         case OP_SEND_ALL: began = link.SendAllTitles(); break;
         default: began = link.SendGroup(group); break;
     }
-    peer.Released();
+    peer.Leave();
     starts[index].endUs = Now();
     starts[index].began = began;
     // A void frame ends an operation without a word, and of two starts at once the later one ends the earlier.
@@ -441,8 +442,9 @@ void LinkWorld::CheckSentRange() {
     }
     // Of two starts at once it is not known here which was the later.
     const Start last = *found;
-    if (Now() < last.beginUs + kQuickestSendUs) {
-        return;  // the end of the one before
+    // It may be the end of the one before; to a thread that stands still, for any time.
+    if (Now() < last.beginUs + kQuickestSendUs || (options.stalls && options.secondStarter)) {
+        return;
     }
     const bool refused = peer.RefusedAt() >= last.endUs;
     for (auto other = starts.rbegin(); other != starts.rend(); ++other) {

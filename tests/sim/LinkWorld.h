@@ -64,8 +64,12 @@ public:
     SerialLine& Line() { return *line; }
     // Every fault off, and the unit ready.
     void Calm();
-    // The queue of the link was emptied by a stop, a start or the end of an operation: the next request may come at once.
-    void Released() { released = true; }
+    // Around each start and stop, which empty the link's queue: the next request may come at once.
+    void Enter() { ++calls; }
+    void Leave() {
+        --calls;
+        released = true;
+    }
     // From the beginning of a stop until the next start nothing may be asked.
     void Stopped(bool isStopped) { stoppedAt = isStopped ? std::optional(simulation.Now()) : std::nullopt; }
 
@@ -102,6 +106,7 @@ private:
     std::deque<std::string> dialogue;  // the latest lines
     std::string lastRequest;
     std::uint64_t lastRequestTime = 0;
+    int calls = 0;
     bool released = true;
     std::optional<std::uint64_t> stoppedAt;
     std::uint64_t refusedAt = 0;

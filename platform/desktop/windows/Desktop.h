@@ -127,6 +127,9 @@ private:
     bool KeyMessage(const InputEvent& event, MSG& message) const;
     bool MouseMessage(const InputEvent& event, MSG& message);
     void TakeOff(const InputEvent& event, const MSG& message);
+    void AddKeyElsewhere(int virtualKey, bool down);
+    // Shift, Ctrl and Alt are as an event tells, but for `except`, the key of the event itself.
+    void FollowModifiers(Qt::KeyboardModifiers modifiers, int except = 0);
     bool FilterEvent(ScreenWindow& window, QEvent& event);
     bool FilterInputMethod(ScreenWindow& window, QInputMethodEvent& event);
     void KeepPopupInFront(HWND disabled);

@@ -42,14 +42,20 @@ TEST_F(FrontTest, AboutBoxAndClosingQuestion) {
 }
 
 TEST_F(FrontTest, ASecondCopyBringsTheFirstForward) {
-    Process other("xmessage", {"-name", "elsewhere", "elsewhere"}, NextOutputs("other"));
-    ASSERT_TRUE(WaitForWindow("elsewhere$|^xmessage"));
-    Xdotool("search --onlyvisible --name '^elsewhere$|^xmessage$' windowactivate");
-    ASSERT_TRUE(
-        WaitUntil([] { return Xdotool("getactivewindow getwindowname", true).find("ORVANE") == std::string::npos; }));
-    Process second(TESSELIA_PROGRAM, {}, NextOutputs("second"));
-    EXPECT_EQ(second.End(), 0) << second.Errors();
-    EXPECT_TRUE(WaitUntilActive(kTitle));
+    Process other("xmessage", {"-title", "elsewhere", "elsewhere"}, NextOutputs("other"));
+    ASSERT_TRUE(WaitForWindow("elsewhere"));
+    // The window itself, and what stands above it.
+    for (const char* front : {kTitle, "Select Font"}) {
+        Xdotool("search --onlyvisible --name '^elsewhere$' windowactivate");
+        ASSERT_TRUE(WaitUntilActive("elsewhere"));
+        Process second(TESSELIA_PROGRAM, {}, NextOutputs("second"));
+        EXPECT_EQ(second.End(), 0) << second.Errors();
+        EXPECT_TRUE(WaitUntilActive(front));
+        Xdotool("search --name '^" + std::string(kTitle) + "$' windowactivate --sync");
+        EXPECT_TRUE(WaitUntilActive(front));
+        Xdotool(front == kTitle ? "key alt+t key f" : "key Escape");
+        ASSERT_TRUE(WaitUntilActive(front == kTitle ? "Select Font" : kTitle));
+    }
 }
 
 TEST_F(FrontTest, CannotBeDraggedSmallerThanItsLeast) {

@@ -62,10 +62,10 @@ protected:
                "x" + std::to_string(rect.bottom - rect.top);
     }
     static std::string Centred(int width, int height) {
-        RECT desktop = {};
-        GetWindowRect(GetDesktopWindow(), &desktop);
-        return std::to_string((desktop.right - width) / 2) + "," + std::to_string((desktop.bottom - height) / 2) + " " +
-               std::to_string(width) + "x" + std::to_string(height);
+        const RECT screen = ScreenOf(nullptr);
+        return std::to_string((screen.left + screen.right - width) / 2) + "," +
+               std::to_string((screen.top + screen.bottom - height) / 2) + " " + std::to_string(width) + "x" +
+               std::to_string(height);
     }
     LOGFONTA ListFont() const {
         LOGFONTA font = {};

@@ -118,8 +118,7 @@ void CalculateClient(ScreenWindow& window, bool asNew, const RECT* before) {
 }
 
 void AskMinMax(HWND window, MINMAXINFO& info) {
-    RECT screen{};
-    GetWindowRect(GetDesktopWindow(), &screen);
+    const RECT screen = WorkAreaAround(window);
     info = {};
     info.ptMaxSize = {screen.right - screen.left, screen.bottom - screen.top};
     info.ptMaxPosition = {screen.left, screen.top};

@@ -239,12 +239,6 @@ TEST_F(SessionTest, TypingGoesOnDuringAFetch) {
     End();
 }
 
-TEST_F(SessionTest, NoUnitAtAllIsTold) {
-    Start(kError);
-    Press("Return", kTitle);
-    End();
-}
-
 TEST_F(SessionTest, AnEditOutlivesTheUnit) {
     StartWithTitles();
     EditFirstGroup("Kept");
@@ -310,8 +304,16 @@ TEST_F(SessionTest, ClosesInEveryState) {
     Xdotool("type --delay 20 'half a ti'");
     End();
     EXPECT_EQ(TitleOf(GroupKind::kDisc, 1, 0), "Harbour in March");
-    // With a box that nobody answers.
-    StartTheUnit({"--menu"});
-    Start(kError);
-    Terminate();
+    // When the session or the terminal goes, the last time behind a box that nobody answers.
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        StartTheUnit(signal == SIGTERM ? std::vector<std::string>{"--menu"} : std::vector<std::string>{});
+        Start(signal == SIGTERM ? kError : kTitle);
+        const int left = 100 + 10 * signal;
+        Xdotool("search --name '^" + std::string(kTitle) + "$' windowmove --sync " + std::to_string(left) + " 99");
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        program->Signal(signal);
+        EXPECT_EQ(program->End(kEndLimit), 0) << program->Errors();
+        // The frame is a pixel wide.
+        EXPECT_NE(Settings().find("PosX=" + std::to_string(left - 1)), std::string::npos) << Settings();
+    }
 }

@@ -85,12 +85,12 @@ TEST_F(MenuTest, KeysOpenItAndChoose) {
                     "main WM_MENUSELECT item 40009 flags 0x0080", "main WM_MENUSELECT item 40017 flags 0x0080"}) +
              end + Lines({"* main WM_COMMAND id 40017 code 0 from nobody"})},
         {"past the separator and round",
-         {{VK_MENU, 'E'}, {VK_DOWN}, {VK_DOWN}, {VK_ESCAPE}, {VK_ESCAPE}},
+         {{VK_MENU, 'E'}, {VK_DOWN}, {VK_DOWN}, {VK_DOWN}, {VK_RETURN}},
          begin +
              Lines({"main WM_MENUSELECT item 1 flags 0x0090", "main WM_INITMENUPOPUP position 1",
                     "main WM_MENUSELECT item 40004 flags 0x0081", "main WM_MENUSELECT item 40005 flags 0x0080",
-                    "main WM_MENUSELECT item 40004 flags 0x0081"}) +
-             end},
+                    "main WM_MENUSELECT item 40004 flags 0x0081", "main WM_MENUSELECT item 40005 flags 0x0080"}) +
+             end + Lines({"* main WM_COMMAND id 40005 code 0 from nobody"})},
     };
     for (const auto& menuCase : cases) {
         for (const std::initializer_list<int>& keys : menuCase.keys) {

@@ -224,6 +224,9 @@ void FollowGeometry(HWND handle) {
             outer = ToRect(QRect(corner, window->Size()));
         }
         window->widgetPlace = now;
+        if (frame != window->frame && HasStyle(handle, WS_THICKFRAME)) {
+            LimitSize(*window);
+        }
         TakeOver(handle, outer, frame, newKind);
     } else if (newKind) {
         TellSize(handle);

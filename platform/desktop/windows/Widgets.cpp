@@ -150,8 +150,6 @@ void PlaceWidget(ScreenWindow& window) {
     }
 }
 
-namespace {
-
 void LimitSize(const ScreenWindow& window) {
     if (!HasStyle(window.handle, WS_THICKFRAME)) {
         window.widget->setFixedSize(window.widget->size());
@@ -163,8 +161,6 @@ void LimitSize(const ScreenWindow& window) {
     window.widget->setMinimumSize(bounds.ptMinTrackSize.x - frame.left() - frame.right(),
                                   bounds.ptMinTrackSize.y - frame.top() - frame.bottom());
 }
-
-}  // namespace
 
 void ShowWidget(ScreenWindow& window) {
     const bool show = HasStyle(window.handle, WS_VISIBLE);

@@ -48,6 +48,9 @@ public:
     // Gives the focus to the control that lost it last, if there was one.
     void RestoreFocus();
 
+    // Commits the title that is being edited, if there is one.
+    void EndInlineEdits() const;
+
     // Ends the link and every thread, and lets all titles go. May run twice.
     void Destroy();
 
@@ -92,7 +95,6 @@ private:
 
     HWND Control(int id) const { return GetDlgItem(hDlg, id); }
     GroupId GetSelectedGroup() const;
-    void EndInlineEdits() const;
     void SetControlsEnabled(BOOL enabled);
     void PushRanges();
     // Have the list filled anew, with that group selected or shown.

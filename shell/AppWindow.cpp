@@ -79,6 +79,7 @@ LRESULT AppWindow::Dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         case WM_SIZE: OnSize(wParam, static_cast<SHORT>(low), static_cast<SHORT>(high)); return 0;
         case WM_SETFOCUS: OnSetFocus(); return 0;
         case WM_CLOSE: OnClose(); return 0;
+        case WM_ENDSESSION: OnEndSession(wParam != 0); return 0;
         case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_COMMAND: OnCommand(LOWORD(wParam)); return 0;
         case WM_MENUSELECT: OnMenuSelect(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HMENU>(lParam)); return 0;
@@ -147,6 +148,17 @@ void AppWindow::OnClose() {
     if (messageService && messageService->ShowInfo(IDS_ASK_CLOSE, MB_YESNO | MB_ICONQUESTION) == IDYES) {
         DestroyWindow(hWnd);
     }
+}
+
+// The system may end the process as soon as this returns. Otherwise the message loop ends, and any box that stands before
+// it: whoever has opened that goes on behind it and needs all that is here.
+void AppWindow::OnEndSession(bool ends) {
+    if (!ends || !hasStarted || !editorPane) {
+        return;
+    }
+    editorPane->EndInlineEdits();
+    SaveSettings();
+    PostQuitMessage(0);
 }
 
 void AppWindow::OnSize(WPARAM kind, int width, int height) {

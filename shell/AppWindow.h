@@ -40,6 +40,7 @@ private:
     void OnDestroy();
     void Shutdown();
     void OnClose();
+    void OnEndSession(bool ends);
     void OnSize(WPARAM kind, int width, int height);
     void OnSetFocus();
     static void OnGetMinMaxInfo(MINMAXINFO* info);

@@ -82,6 +82,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previousInstance, LPSTR /*comma
             ShowWindow(window, showCommand);
             UpdateWindow(window);
             result = RunMessageLoop(window, accelerators);
+            // At the end of the session the window is still there.
+            if (IsWindow(window)) {
+                DestroyWindow(window);
+            }
         }
     }
     delete theApp;

@@ -38,8 +38,11 @@ void PlaceWindow(HWND window, int width, int height, int x, int y) {
 }
 
 void CenterWindow(HWND window, int width, int height) {
-    RECT desktop = {};
-    if (GetWindowRect(GetDesktopWindow(), &desktop)) {
-        MoveWindow(window, (desktop.right - width) / 2, (desktop.bottom - height) / 2, width, height, TRUE);
+    MONITORINFO primary = {};
+    primary.cbSize = sizeof primary;
+    if (GetMonitorInfoA(MonitorFromWindow(nullptr, MONITOR_DEFAULTTOPRIMARY), &primary)) {
+        const RECT& screen = primary.rcMonitor;
+        MoveWindow(window, (screen.left + screen.right - width) / 2, (screen.top + screen.bottom - height) / 2, width,
+                   height, TRUE);
     }
 }

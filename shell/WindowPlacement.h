@@ -15,7 +15,7 @@ inline constexpr int kDefaultY = -450;
 // else centres it in that size. So what was stored before a change of the display never hides the window.
 void PlaceWindow(HWND window, int width, int height, int x, int y);
 
-// Centres the window on the whole desktop.
+// Centres the window on the whole primary screen.
 void CenterWindow(HWND window, int width, int height);
 
 // What a task bar with that rectangle leaves of the desktop. The bar may stand at any edge; its rectangle reaches over that

@@ -1,5 +1,8 @@
 #include "PortLink.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -27,8 +30,12 @@ std::string DefaultPortsFolder() {
     if (configuration.starts_with('/')) {
         return configuration + "/tesselia/ports";
     }
-    const std::string home = Environment("HOME");
-    return home.empty() ? "" : home + "/.config/tesselia/ports";
+    std::string home = Environment("HOME");
+    if (!home.starts_with('/')) {
+        const passwd* const user = getpwuid(geteuid());  // NOLINT(concurrency-mt-unsafe): the program has one thread
+        home = user && user->pw_dir ? user->pw_dir : "";
+    }
+    return home.starts_with('/') ? home + "/.config/tesselia/ports" : "";
 }
 
 PortLink::~PortLink() {

@@ -2,10 +2,12 @@
 #include <windows.h>
 
 #include "RunWithDesktop.h"
+#include "SessionEnd.h"
 
 namespace {
 
 int RunProgram(int, char**) {
+    desktop::FollowSessionEnd();
     char noCommandLine[] = "";
     return WinMain(GetModuleHandleA(nullptr), nullptr, noCommandLine, SW_SHOWNORMAL);
 }

@@ -12,6 +12,7 @@
 #include "ListAccess.h"
 #include "MenuBar.h"
 #include "Resources.h"
+#include "UserFolders.h"
 
 namespace {
 
@@ -27,6 +28,8 @@ int RunWithDesktop(int argc, char** argv, int (*body)(int argc, char** argv)) {
         std::fprintf(stderr, "%s needs a display: neither DISPLAY nor WAYLAND_DISPLAY names one\n", argv[0]);
         return 1;
     }
+    // For what Qt keeps of its own below it.
+    qputenv("HOME", QByteArray::fromStdString(kernel::HomeFolder()));
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setApplicationName("tesselia");

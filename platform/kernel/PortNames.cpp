@@ -7,24 +7,15 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-#include <cstdlib>
 #include <memory>
 #include <utility>
+
+#include "UserFolders.h"
 
 namespace kernel {
 namespace {
 
 constexpr int kBuiltInPorts = 4;
-
-std::string ConfigurationFolder() {
-    // A relative folder there is invalid and to be ignored.
-    const char* folder = std::getenv("XDG_CONFIG_HOME");
-    if (folder && folder[0] == '/') {
-        return folder;
-    }
-    const char* home = std::getenv("HOME");
-    return home && *home ? std::string(home) + "/.config" : std::string();
-}
 
 // The numbers behind a prefix of the names in a folder, in order: ttyUSB10 is not before ttyUSB2.
 std::vector<unsigned> NumbersBehind(const std::string& folder, std::string_view prefix) {

@@ -1,11 +1,8 @@
 #include "ProgramTesting.h"
 
-#include <csignal>
 #include <cstdlib>
 
 namespace {
-
-constexpr std::chrono::seconds kEndLimit{6};
 
 bool IsOpen(const std::string& name) {
     return !VisibleWindows("^" + name + "$").empty();
@@ -44,11 +41,6 @@ void ProgramTest::End() {
     ASSERT_TRUE(WaitUntilActive("Tesselia Message"));
     Xdotool("key y");
     EXPECT_EQ(program->End(kEndLimit), 0) << program->Errors();
-}
-
-void ProgramTest::Terminate() {
-    program->Signal(SIGTERM);
-    EXPECT_NE(program->End(kEndLimit), Process::kStillRunning);
 }
 
 std::string ProgramTest::Settings() const {

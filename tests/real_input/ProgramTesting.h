@@ -10,6 +10,8 @@
 #include "EndToEndTest.h"
 #include "RealScreen.h"
 
+inline constexpr std::chrono::seconds kEndLimit{6};
+
 inline constexpr char kTitle[] = "ORVANE HDD/CD recorder - Tesselia";
 
 // The visible window of exactly that name has the keys.
@@ -28,8 +30,6 @@ protected:
     void Start(const std::string& front = kTitle);
     // Has it closed by the user, who says yes, and expects it to be gone within a few seconds.
     void End();
-    // As when the user's session ends.
-    void Terminate();
 
     // The file that holds them.
     std::string Settings() const;

@@ -87,14 +87,17 @@ bool RealScreen::Start() {
     const std::string number = server->Output();
     setenv("DISPLAY", (":" + number.substr(0, number.find('\n'))).c_str(), 1);
     manager = std::make_unique<Process>("openbox", std::vector<std::string>{}, path + "/manager");
-    return WaitUntil(
-        [] { return Run("xprop -root _NET_SUPPORTING_WM_CHECK").output.find("window id") != std::string::npos; },
-        kStartLimit);
+    return WaitUntil([] { return Shell("xprop -root _NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; },
+                     kStartLimit);
 }
 
 RealScreen::~RealScreen() {
     manager.reset();
     server.reset();
+}
+
+std::string Shell(const std::string& command) {
+    return Run(command).output;
 }
 
 std::string Xdotool(const std::string& arguments, bool mayFail) {

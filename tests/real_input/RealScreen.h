@@ -32,6 +32,9 @@ private:
 // The one screen, made by main.
 extern RealScreen* theScreen;
 
+// Runs a command line and gives what it prints.
+std::string Shell(const std::string& command);
+
 // Runs xdotool with these arguments, "key ctrl+c" say, and gives what it prints. Fails the test if it fails, unless that is
 // an answer.
 std::string Xdotool(const std::string& arguments, bool mayFail = false);

@@ -37,12 +37,11 @@ int Height(HWND window) {
 }  // namespace
 
 TEST_F(MainWindowTest, StartsCentredUnderItsTitle) {
-    RECT desktop = {};
-    GetWindowRect(GetDesktopWindow(), &desktop);
+    const RECT screen = ScreenOf(nullptr);
     RECT rect = {};
     GetWindowRect(main, &rect);
-    const int left = (desktop.right - 600) / 2;
-    const int top = (desktop.bottom - 450) / 2;
+    const int left = (screen.left + screen.right - 600) / 2;
+    const int top = (screen.top + screen.bottom - 450) / 2;
     EXPECT_EQ(Rect(rect), Rect({left, top, left + 600, top + 450}));
     EXPECT_EQ(WindowText(main), Text(IDS_TITLE));
     const LONG_PTR style = GetWindowLongPtrA(main, GWL_STYLE);
@@ -246,8 +245,10 @@ TEST(WindowPlacementTest, AWindowStaysWhereItsCentreIsSeen) {
     if (GetWindowRect(FindWindowA("Shell_TrayWnd", nullptr), &bar)) {
         seen = DesktopWithoutBar(desktop, bar);
     }
-    const RECT centred = {(desktop.right - 200) / 2, (desktop.bottom - 100) / 2, (desktop.right - 200) / 2 + 200,
-                          (desktop.bottom - 100) / 2 + 100};
+    const RECT screen = ScreenOf(nullptr);
+    const int left = (screen.left + screen.right - 200) / 2;
+    const int top = (screen.top + screen.bottom - 100) / 2;
+    const RECT centred = {left, top, left + 200, top + 100};
     const auto placed = [&](LONG x, LONG y) {
         PlaceWindow(window, 200, 100, x, y);
         RECT rect = {};

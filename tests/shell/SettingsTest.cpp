@@ -62,10 +62,10 @@ protected:
                "x" + std::to_string(rect.bottom - rect.top);
     }
     static std::string Centred(int width, int height) {
-        RECT desktop = {};
-        GetWindowRect(GetDesktopWindow(), &desktop);
-        return std::to_string((desktop.right - width) / 2) + "," + std::to_string((desktop.bottom - height) / 2) + " " +
-               std::to_string(width) + "x" + std::to_string(height);
+        const RECT screen = ScreenOf(nullptr);
+        return std::to_string((screen.left + screen.right - width) / 2) + "," +
+               std::to_string((screen.top + screen.bottom - height) / 2) + " " + std::to_string(width) + "x" +
+               std::to_string(height);
     }
     LOGFONTA ListFont() const {
         LOGFONTA font = {};
@@ -176,15 +176,26 @@ TEST_F(SettingsTest, WhatIsMissingOrOddTakesItsDefaultAlone) {
     Close();
 }
 
-TEST_F(SettingsTest, ASizeBeyondAllScreensIsNoHarm) {
-    {
-        Key key(kMainKey);
-        key.Set("SizeX", 2147483647);
-        key.Set("SizeY", -2147483647 - 1);
-        key.Set("PosX", -1073741000);
-        key.Set("PosY", -1073741000);
-    }
+TEST_F(SettingsTest, TheEndOfTheSessionCommitsAndSaves) {
     Open();
-    EXPECT_TRUE(IsWindowVisible(main));
+    Connect();
+    AddDisc(3, 1);
+    Refill(3);
+    MoveWindow(main, 40, 60, 510, 380, TRUE);
+    SetFocus(Control(IDC_GROUP_LIST));
+    Command(IDM_ENTER);
+    constexpr int kEditorId = 102;
+    SetWindowTextA(GetDlgItem(Control(IDC_GROUP_LIST), kEditorId), "Typed");
+    EXPECT_NE(SendMessageA(main, WM_QUERYENDSESSION, 0, 0), 0);
+    SendMessageA(main, WM_ENDSESSION, FALSE, 0);
+    EXPECT_EQ(Title(3, 0), "Disc 3");
+    // The system may end the process right behind it.
+    SendMessageA(main, WM_ENDSESSION, TRUE, 0);
+    EXPECT_EQ(Title(3, 0), "Typed");
+    EXPECT_EQ(Key(kMainKey).Number("PosX"), 40);
+    MSG message = {};
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageA(&message);
+    }
     Close();
 }

@@ -78,7 +78,7 @@ POINT PlaceOf(const kernel::DialogTemplate& dialog, const RECT& pixels, HWND par
     if ((dialog.style & WS_CHILD) != 0) {
         return {pixels.left, pixels.top};
     }
-    const RECT screen = WorkArea();
+    const RECT screen = WorkAreaAround(parent);
     POINT place{pixels.left, pixels.top};
     if ((dialog.style & DS_CENTER) != 0) {
         return {(screen.left + screen.right - (pixels.right - pixels.left)) / 2,

@@ -108,7 +108,7 @@ int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style) {
     const std::vector<BoxButton> buttons = ButtonsOf(style);
     HICON icon = IconOfStyle(style);
     const BoxLayout layout = Arrange(ToQString(text), icon != nullptr, static_cast<int>(buttons.size()));
-    const RECT screen = WorkArea();
+    const RECT screen = WorkAreaAround(owner);
     const POINT place{(screen.left + screen.right - layout.client.width()) / 2,
                       (screen.top + screen.bottom - layout.client.height()) / 2};
     auto disabled = std::make_unique<OwnerDisabled>(owner);

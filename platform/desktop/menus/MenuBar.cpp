@@ -34,6 +34,20 @@ public:
             default: return QProxyStyle::styleHint(hint, option, widget, result);
         }
     }
+    // Styles leave the highlight of a greyed item out.
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (element == CE_MenuItem && item != nullptr && item->state.testFlag(State_Selected) &&
+            !item->state.testFlag(State_Enabled)) {
+            QStyleOptionMenuItem highlight = *item;
+            highlight.state |= State_Enabled;
+            highlight.palette.setCurrentColorGroup(QPalette::Active);
+            highlight.text.clear();
+            QProxyStyle::drawControl(element, &highlight, painter, widget);
+        }
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
 };
 
 QStyle* StyleOfMenus() {

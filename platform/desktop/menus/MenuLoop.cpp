@@ -133,6 +133,9 @@ void MenuLoop::SelectItem(int item) {
     if (item >= 0) {
         const MenuEntry& entry = PopupMenu()->entries[static_cast<std::size_t>(item)];
         TellSelected(entry, entry.id, PopupMenu()->handle);
+    } else {
+        // What the window shows about an item must not outlast its highlight.
+        SelectBar(barItem);
     }
 }
 
@@ -300,7 +303,10 @@ void MenuLoop::PopupKey(const MSG& message) {
         case VK_HOME: Step(-1, 1); break;
         case VK_END: Step(count, -1); break;
         case VK_RETURN: Choose(); break;
-        case VK_ESCAPE: Close(); break;
+        case VK_ESCAPE:
+            Close();
+            SelectBar(barItem);
+            break;
         default: TranslateMessage(&message); break;
     }
 }

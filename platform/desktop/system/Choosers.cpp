@@ -32,6 +32,7 @@ bool ShowAndWait(QDialog& dialog, HWND owner, const std::function<void()>& look)
         Desktop::Get().Find(owner) != nullptr ? Desktop::Get().Root(Desktop::Get().Find(owner))->handle : nullptr;
     QObject::connect(&dialog, &QDialog::finished, WakeLoop);
     PutAbove(dialog, owner);
+    const Desktop::Chooser before = Desktop::Get().SetChooser({&dialog, root});
     dialog.show();
     dialog.activateWindow();
     MSG message;
@@ -47,6 +48,7 @@ bool ShowAndWait(QDialog& dialog, HWND owner, const std::function<void()>& look)
         }
     }
     const bool accepted = !dialog.isVisible() && dialog.result() == QDialog::Accepted;
+    Desktop::Get().SetChooser(before);
     ownerDisabled.Restore();
     dialog.hide();
     if (root != nullptr && IsWindow(root)) {

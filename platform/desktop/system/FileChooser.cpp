@@ -170,7 +170,7 @@ private:
 
     bool Ask(const std::string& caption, const std::string& text, UINT style) {
         dialog.setEnabled(false);
-        const int answer = MessageBoxA(nullptr, text.c_str(), caption.c_str(), style);
+        const int answer = MessageBoxA(chooser.hwndOwner, text.c_str(), caption.c_str(), style);
         dialog.setEnabled(true);
         dialog.activateWindow();
         return answer == IDYES;

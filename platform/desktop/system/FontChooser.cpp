@@ -1,8 +1,13 @@
 // The chooser for fonts: Qt's own.
 #include <commdlg.h>
 
+#include <QFontDatabase>
 #include <QFontDialog>
+#include <QFontInfo>
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "Choosers.h"
 #include "GdiObjects.h"
@@ -18,6 +23,27 @@ void KeepFace(LOGFONTA& chosen, const LOGFONTA& before) {
     chosen.lfPitchAndFamily = before.lfPitchAndFamily;
 }
 
+// The dialog looks for the style by its name and takes any other where the family has none of that name: a plain style may
+// be called Regular, Normal or Book.
+QFont WithStyleName(QFont font) {
+    const QString family = QFontInfo(font).family();
+    const QStringList styles = QFontDatabase::styles(family);
+    const auto distance = [&](const QString& style) {
+        constexpr int kSlant = 1000;
+        constexpr int kAnySize = 12;
+        const QFont candidate = QFontDatabase::font(family, style, kAnySize);
+        const int slant = candidate.italic() != font.italic() ? kSlant : 0;
+        // Of two alike the one with the longer name is condensed.
+        return std::pair(slant + std::abs(candidate.weight() - font.weight()), style.size());
+    };
+    const auto nearest = std::min_element(styles.begin(), styles.end(),
+                                          [&](const QString& a, const QString& b) { return distance(a) < distance(b); });
+    if (nearest != styles.end()) {
+        font.setStyleName(*nearest);
+    }
+    return font;
+}
+
 }  // namespace
 
 }  // namespace desktop
@@ -31,14 +57,15 @@ BOOL ChooseFontA(CHOOSEFONTA* chooser) {
     const bool hasFirst = (chooser->Flags & CF_INITTOLOGFONTSTRUCT) != 0;
     const LOGFONTA before = *chooser->lpLogFont;
     const QFont first = hasFirst ? drawing::MakeFont(before) : QFont();
-    dialog.setCurrentFont(first);
+    dialog.setCurrentFont(desktop::WithStyleName(first));
     const QString firstFamily = dialog.currentFont().family();
     if (!desktop::ShowAndWait(dialog, chooser->hwndOwner)) {
         return FALSE;
     }
     const QFont font = dialog.selectedFont();
     LOGFONTA chosen = drawing::DescribeFont(font);
-    if (hasFirst && font.family() == firstFamily) {
+    // Without a face there is nothing to keep: who gets none back takes it for no choice.
+    if (hasFirst && before.lfFaceName[0] != '\0' && font.family() == firstFamily) {
         desktop::KeepFace(chosen, before);
     }
     *chooser->lpLogFont = chosen;

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <optional>
 
+#include "UserFolders.h"
+
 namespace desktop {
 
 namespace {
@@ -134,10 +136,8 @@ bool RegistryFile::Save() {
 }
 
 RegistryFile& UserRegistry() {
-    // A relative folder in the variable is invalid and to be ignored.
-    const QString configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    const QString folder = configured.startsWith('/') ? configured : qEnvironmentVariable("HOME") + "/.config";
-    static RegistryFile& file = *new RegistryFile(folder + "/tesselia/registry.ini");
+    const QString folder = QString::fromStdString(kernel::ConfigurationFolder());
+    static RegistryFile& file = *new RegistryFile(folder.isEmpty() ? folder : folder + "/tesselia/registry.ini");
     return file;
 }
 

@@ -159,12 +159,19 @@ void Desktop::LeaveFocus(ScreenWindow& window) {
 }
 
 void Desktop::KeepPopupInFront(HWND disabled) {
+    if (disabled == nullptr) {
+        return;
+    }
     for (const ScreenWindow* other : topLevel) {
         if (other->owner == disabled && HasStyle(other->handle, WS_VISIBLE) && IsUsable(other)) {
             other->widget->raise();
             AskForActivation(*other->widget);
             return;
         }
+    }
+    if (chooser.owner == disabled) {
+        chooser.dialog->raise();
+        AskForActivation(*chooser.dialog);
     }
 }
 
@@ -192,8 +199,11 @@ void Desktop::FollowWindowSystem() {
     awaitsActivation = false;
     ScreenWindow* window = FindByWidget(widget);
     const bool wasElsewhere = isElsewhere;
-    isElsewhere = window == nullptr && active != nullptr && HasStyle(active, WS_VISIBLE);
-    if (window == nullptr) {
+    const bool isChooser = widget != nullptr && widget == chooser.dialog;
+    isElsewhere = window == nullptr && !isChooser && active != nullptr && HasStyle(active, WS_VISIBLE);
+    if (isChooser && !widget->isEnabled()) {
+        KeepPopupInFront(chooser.owner);
+    } else if (window == nullptr) {
         Deactivate();
         ReleaseKeys();
     } else if (wasElsewhere && active == window->handle) {

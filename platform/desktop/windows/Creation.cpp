@@ -26,8 +26,7 @@ RECT FirstPlace(HWND handle, const CREATESTRUCTA& create, bool isChild) {
     int y = create.y;
     int width = create.cx;
     int height = create.cy;
-    RECT screen;
-    GetWindowRect(GetDesktopWindow(), &screen);
+    const RECT screen = WorkAreaAround(nullptr);
     if (x == CW_USEDEFAULT) {
         x = screen.left + kDefaultOffset;
         y = screen.top + kDefaultOffset;

@@ -137,6 +137,7 @@ LRESULT Desktop::DefaultProcedure(HWND handle, UINT message, WPARAM wParam, LPAR
         case WM_NCCALCSIZE: DefaultClient(window, *reinterpret_cast<RECT*>(lParam)); return 0;
         case WM_NCHITTEST: return HitTest(window, lParam);
         case WM_NCPAINT: PaintDefaultFrame(handle); return 0;
+        case WM_QUERYENDSESSION: return TRUE;
         case WM_ERASEBKGND: return Erase(handle, reinterpret_cast<HDC>(wParam));
         case WM_PAINT: return Paint(handle);
         case WM_SETREDRAW: return SetRedraw(window, wParam != 0);

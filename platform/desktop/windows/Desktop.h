@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "DesktopParts.h"
@@ -99,6 +100,12 @@ public:
     void SyncFocus();
     // Until the window system has done it, no window at all may be active; that is none of the program's business.
     void AskForActivation(QWidget& widget);
+    // A dialog of Qt's above a disabled window. Returns the one before it, which is put back when it closes.
+    struct Chooser {
+        QWidget* dialog = nullptr;
+        HWND owner = nullptr;
+    };
+    Chooser SetChooser(Chooser now) { return std::exchange(chooser, now); }
     void FollowWindowSystem();
     // The window is going, or is hidden or disabled: who has the focus or is active instead?
     void LeaveFocus(ScreenWindow& window);
@@ -127,6 +134,9 @@ private:
     bool KeyMessage(const InputEvent& event, MSG& message) const;
     bool MouseMessage(const InputEvent& event, MSG& message);
     void TakeOff(const InputEvent& event, const MSG& message);
+    void AddKeyElsewhere(int virtualKey, bool down);
+    // Shift, Ctrl and Alt are as an event tells, but for `except`, the key of the event itself.
+    void FollowModifiers(Qt::KeyboardModifiers modifiers, int except = 0);
     bool FilterEvent(ScreenWindow& window, QEvent& event);
     bool FilterInputMethod(ScreenWindow& window, QInputMethodEvent& event);
     void KeepPopupInFront(HWND disabled);
@@ -140,6 +150,7 @@ private:
     MSG lastKey{};         // the key message fetched last
     std::string lastText;  // and what it means
     const QObject* lastActiveWidget = nullptr;
+    Chooser chooser;
     bool awaitsActivation = false;
     DWORD awaitedSinceMs = 0;
     const QEvent* given = nullptr;  // the event that goes to a widget on purpose

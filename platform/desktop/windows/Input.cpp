@@ -113,14 +113,30 @@ void Desktop::AddInput(InputEvent event) {
     MessageQueue::Current()->ScreenHas(key ? QS_KEY : QS_MOUSE);
 }
 
+void Desktop::AddKeyElsewhere(int virtualKey, bool down) {
+    InputEvent key{};
+    key.kind = InputEvent::Kind::kKey;
+    key.message = down ? WM_KEYDOWN : WM_KEYUP;
+    key.virtualKey = virtualKey;
+    key.elsewhere = true;
+    AddInput(std::move(key));
+}
+
 void Desktop::ReleaseKeys() {
     for (const int key : keyboardNow.Held()) {
-        InputEvent release{};
-        release.kind = InputEvent::Kind::kKey;
-        release.message = WM_KEYUP;
-        release.virtualKey = key;
-        release.elsewhere = true;
-        AddInput(std::move(release));
+        AddKeyElsewhere(key, false);
+    }
+}
+
+// A window manager keeps the rest of a chord that is its own, such as the release of Alt behind Alt+F4.
+void Desktop::FollowModifiers(Qt::KeyboardModifiers modifiers, int except) {
+    constexpr std::pair<int, Qt::KeyboardModifier> kModifiers[] = {
+        {VK_SHIFT, Qt::ShiftModifier}, {VK_CONTROL, Qt::ControlModifier}, {VK_MENU, Qt::AltModifier}};
+    for (const auto& [key, modifier] : kModifiers) {
+        const bool down = modifiers.testFlag(modifier);
+        if (key != except && keyboardNow.IsDown(key) != down) {
+            AddKeyElsewhere(key, down);
+        }
     }
 }
 
@@ -304,6 +320,7 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
         case QEvent::KeyRelease: {
             const auto& key = static_cast<QKeyEvent&>(event);
             InputEvent made = KeyInput(key);
+            FollowModifiers(key.modifiers(), made.virtualKey);
             // A release belongs to the auto-repeat of the next press.
             if ((made.message == WM_KEYDOWN || !key.isAutoRepeat()) &&
                 (made.kind == InputEvent::Kind::kKey || !made.text.empty())) {
@@ -316,6 +333,7 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
         case QEvent::MouseButtonDblClick:
         case QEvent::MouseMove: {
             const auto& mouse = static_cast<QMouseEvent&>(event);
+            FollowModifiers(mouse.modifiers());
             InputEvent made{};
             made.kind = InputEvent::Kind::kMouse;
             made.topLevel = root.handle;
@@ -329,6 +347,7 @@ bool Desktop::FilterEvent(ScreenWindow& window, QEvent& event) {
         }
         case QEvent::Wheel: {
             const auto& wheel = static_cast<QWheelEvent&>(event);
+            FollowModifiers(wheel.modifiers());
             InputEvent made{};
             made.kind = InputEvent::Kind::kWheel;
             made.topLevel = root.handle;

@@ -118,8 +118,7 @@ void CalculateClient(ScreenWindow& window, bool asNew, const RECT* before) {
 }
 
 void AskMinMax(HWND window, MINMAXINFO& info) {
-    RECT screen{};
-    GetWindowRect(GetDesktopWindow(), &screen);
+    const RECT screen = WorkAreaAround(window);
     info = {};
     info.ptMaxSize = {screen.right - screen.left, screen.bottom - screen.top};
     info.ptMaxPosition = {screen.left, screen.top};
@@ -208,18 +207,27 @@ void FollowGeometry(HWND handle) {
     const bool newKind = TakeOverKind(*window);
     const QMargins frame = FrameOf(*window);
     const QRect now = window->widget->geometry();
-    const RECT outer = ToRect(now.marginsAdded(frame));
+    RECT outer = ToRect(now.marginsAdded(frame));
+    const bool moved = now.topLeft() != window->widgetPlace.topLeft();
+    const bool sized = now.size() != window->widgetPlace.size();
     if (window->sizeKind == SIZE_MINIMIZED) {
         if (newKind) {
             TellSize(handle);
         }
-    } else if (now != window->widgetPlace) {
+    } else if (moved || sized || frame != window->frame) {
+        // The frame comes around the window with its first showing, and the window manager may have a place of its own for
+        // it. A window that may be sized keeps its outer size, and what is inside shrinks; any other keeps its inside.
+        const bool hasOwnPlace = moved || window->movedUnframed;
+        window->movedUnframed = hasOwnPlace && frame.isNull();
+        if (!sized && frame != window->frame && HasStyle(handle, WS_THICKFRAME)) {
+            const QPoint corner = ToQt(hasOwnPlace ? outer : window->place).topLeft();
+            outer = ToRect(QRect(corner, window->Size()));
+        }
         window->widgetPlace = now;
+        if (frame != window->frame && HasStyle(handle, WS_THICKFRAME)) {
+            LimitSize(*window);
+        }
         TakeOver(handle, outer, frame, newKind);
-    } else if (frame != window->frame) {
-        // The frame has become known: a window that may be sized keeps its place, and what is inside shrinks; any other
-        // keeps its inside.
-        TakeOver(handle, HasStyle(handle, WS_THICKFRAME) ? window->place : outer, frame, newKind);
     } else if (newKind) {
         TellSize(handle);
     }

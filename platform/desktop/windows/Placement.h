@@ -41,8 +41,9 @@ void TellMove(HWND window);
 // The window system has moved or sized a top-level window, or has told the size of its frame.
 void FollowGeometry(HWND window);
 
-// What the desktop leaves of the primary screen.
+// What the desktop leaves of all screens, and of the one that a window is on, as MonitorFromWindow tells it.
 RECT WorkArea();
+RECT WorkAreaAround(HWND window);
 
 bool IsVisibleOnScreen(const ScreenWindow& window);
 

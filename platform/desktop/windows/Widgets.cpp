@@ -108,7 +108,18 @@ HWND HandleOfWidget(const QObject& widget) {
 }
 
 RECT WorkArea() {
-    return ToRect(QGuiApplication::primaryScreen()->availableGeometry());
+    QRect area;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        area |= screen->availableGeometry();
+    }
+    return ToRect(area);
+}
+
+RECT WorkAreaAround(HWND window) {
+    MONITORINFO info{};
+    info.cbSize = sizeof info;
+    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &info);
+    return info.rcWork;
 }
 
 void PlaceWidget(ScreenWindow& window) {
@@ -139,8 +150,6 @@ void PlaceWidget(ScreenWindow& window) {
     }
 }
 
-namespace {
-
 void LimitSize(const ScreenWindow& window) {
     if (!HasStyle(window.handle, WS_THICKFRAME)) {
         window.widget->setFixedSize(window.widget->size());
@@ -152,8 +161,6 @@ void LimitSize(const ScreenWindow& window) {
     window.widget->setMinimumSize(bounds.ptMinTrackSize.x - frame.left() - frame.right(),
                                   bounds.ptMinTrackSize.y - frame.top() - frame.bottom());
 }
-
-}  // namespace
 
 void ShowWidget(ScreenWindow& window) {
     const bool show = HasStyle(window.handle, WS_VISIBLE);
@@ -179,3 +186,22 @@ void StackWidgets(const std::vector<ScreenWindow*>& siblings) {
 }
 
 }  // namespace desktop
+
+HMONITOR MonitorFromWindow(HWND handle, DWORD) {
+    const desktop::Desktop& desktop = desktop::Desktop::Get();
+    const desktop::ScreenWindow* root = desktop.Root(desktop.Find(handle));
+    QScreen* screen = root != nullptr ? QGuiApplication::screenAt(WindowOnScreen(*root).center()) : nullptr;
+    return reinterpret_cast<HMONITOR>(screen != nullptr ? screen : QGuiApplication::primaryScreen());
+}
+
+BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* info) {
+    auto* screen = reinterpret_cast<QScreen*>(monitor);
+    // It may have been taken away.
+    if (info->cbSize != sizeof *info || !QGuiApplication::screens().contains(screen)) {
+        return FALSE;
+    }
+    info->rcMonitor = desktop::ToRect(screen->geometry());
+    info->rcWork = desktop::ToRect(screen->availableGeometry());
+    info->dwFlags = 0;
+    return TRUE;
+}

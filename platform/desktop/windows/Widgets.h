@@ -23,6 +23,8 @@ HWND HandleOfWidget(const QObject& widget);
 // Brings place, visibility and enabling of the window to its widget.
 void PlaceWidget(ScreenWindow& window);
 void ShowWidget(ScreenWindow& window);
+// Tells the window system how small the user may make a top-level window; without a frame to size it by, it stays as it is.
+void LimitSize(const ScreenWindow& window);
 // Brings the order of siblings, front first, to their widgets.
 void StackWidgets(const std::vector<ScreenWindow*>& siblings);
 

@@ -50,6 +50,7 @@ using HRSRC = struct HrsrcTag*;
 using HDC = struct HdcTag*;
 using HKEY = struct HkeyTag*;
 using HIMC = struct HimcTag*;
+using HMONITOR = struct HmonitorTag*;
 
 // What SelectObject and DeleteObject take: a pen, a brush, a font or a region.
 using HGDIOBJ = void*;

@@ -52,7 +52,9 @@ inline constexpr UINT WM_SETTEXT = 0x000C;
 inline constexpr UINT WM_GETTEXT = 0x000D;
 inline constexpr UINT WM_GETTEXTLENGTH = 0x000E;
 inline constexpr UINT WM_PAINT = 0x000F;
+inline constexpr UINT WM_QUERYENDSESSION = 0x0011;
 inline constexpr UINT WM_ERASEBKGND = 0x0014;
+inline constexpr UINT WM_ENDSESSION = 0x0016;  // also when SIGTERM, SIGHUP or SIGINT asks the program to end
 inline constexpr UINT WM_SHOWWINDOW = 0x0018;
 inline constexpr UINT WM_ACTIVATEAPP = 0x001C;
 inline constexpr UINT WM_GETMINMAXINFO = 0x0024;
@@ -198,9 +200,21 @@ inline constexpr UINT GW_HWNDPREV = 3;
 inline constexpr UINT GW_OWNER = 4;
 inline constexpr UINT GW_CHILD = 5;
 HWND GetWindow(HWND window, UINT relation);
-// Its rectangle is the work area of the primary screen, which is all that a program may use of it: desktops here tell no
-// place of their bars.
+// Its rectangle reaches over the work areas of all screens, where Windows tells the primary screen's alone: desktops here
+// have no bar to look for, and windows keep their place on any screen.
 HWND GetDesktopWindow();
+
+struct MONITORINFO {
+    DWORD cbSize;
+    RECT rcMonitor;
+    RECT rcWork;
+    DWORD dwFlags;  // always 0 here
+};
+inline constexpr DWORD MONITOR_DEFAULTTOPRIMARY = 1;
+// The screen that the middle of the window lies on; the primary one for no window, and for one that is on none.
+HMONITOR MonitorFromWindow(HWND window, DWORD otherwise);
+BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* info);
+
 // Among the windows of this process. FindWindowExA without a parent and a child also finds the main window of another copy
 // of the program by its title; only SetForegroundWindow knows what to do with such a handle.
 HWND FindWindowA(LPCSTR className, LPCSTR title);

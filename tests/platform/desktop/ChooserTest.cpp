@@ -285,19 +285,24 @@ TEST_F(Chooser, AFontGoesInAndComesOut) {
     EXPECT_FALSE(ChooseFontA(&chooser));
     EXPECT_EQ(std::memcmp(&font, &before, sizeof font), 0);
 
-    user.In<QFontDialog>([](QFontDialog& dialog) {
-        QFont chosen = dialog.currentFont();
-        chosen.setPointSize(18);
-        dialog.setCurrentFont(chosen);
-        dialog.accept();
-    });
-    EXPECT_TRUE(ChooseFontA(&chooser));
-    EXPECT_EQ(font.lfHeight, -24);
-    // The face stays although another stands in for it here.
-    EXPECT_STREQ(font.lfFaceName, "MS UI Gothic");
-    EXPECT_EQ(font.lfCharSet, SHIFTJIS_CHARSET);
-
+    // Another size alone changes nothing else. The face stays although another stands in for it here, unless there is none.
     const QString family = FamilyWithBold();
+    ASSERT_TRUE(QFontDatabase::styles(family).contains("Book")) << "the upright style has a name of its own";
+    for (const std::string& face : {std::string("MS UI Gothic"), family.toStdString(), std::string()}) {
+        font = before;
+        std::strcpy(font.lfFaceName, face.c_str());
+        user.In<QFontDialog>([](QFontDialog& dialog) {
+            dialog.findChildren<QLineEdit*>().at(2)->setText("18");
+            dialog.accept();
+        });
+        EXPECT_TRUE(ChooseFontA(&chooser));
+        EXPECT_EQ(font.lfHeight, -24);
+        EXPECT_EQ(font.lfItalic, 0) << face;
+        EXPECT_EQ(font.lfWeight, FW_NORMAL);
+        EXPECT_EQ(font.lfFaceName, face.empty() ? std::string(font.lfFaceName) : face);
+        EXPECT_STRNE(font.lfFaceName, "");
+    }
+
     user.In<QFontDialog>([family](QFontDialog& dialog) {
         QFont chosen(family, 18, QFont::Bold);
         dialog.setCurrentFont(chosen);

@@ -32,13 +32,13 @@ bool ServeUntil(const std::function<bool()>& condition) {
     return true;
 }
 
-HWND MakeTopLevel(const char* title) {
+HWND MakeTopLevel(const char* title, HMENU menu) {
     WNDCLASSEXA windowClass{};
     windowClass.cbSize = sizeof windowClass;
     windowClass.lpfnWndProc = DefWindowProcA;
     windowClass.lpszClassName = "DesktopTest";
     RegisterClassExA(&windowClass);
-    return CreateWindowExA(0, "DesktopTest", title, WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 200, nullptr, nullptr,
+    return CreateWindowExA(0, "DesktopTest", title, WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 200, nullptr, menu,
                            nullptr, nullptr);
 }
 

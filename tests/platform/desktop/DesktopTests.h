@@ -9,4 +9,4 @@
 bool ServeUntil(const std::function<bool()>& condition);
 
 // A visible window without a procedure of its own.
-HWND MakeTopLevel(const char* title);
+HWND MakeTopLevel(const char* title, HMENU menu = nullptr);

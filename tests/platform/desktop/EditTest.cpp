@@ -54,13 +54,6 @@ protected:
         return State();
     }
 
-    // Real keys, which take their way through the queue.
-    void ExpectByKeys(std::initializer_list<int> keys, const std::string& state) {
-        PressKeys(keys);
-        PumpUntil([&] { return State() == state; });
-        EXPECT_EQ(State(), state);
-    }
-
     MessageLog log{{WM_COMMAND}};
     HWND main = nullptr;
     HWND edit = nullptr;
@@ -143,21 +136,6 @@ TEST_F(EditTest, Clipboard) {
     Select(99, 99);
     EXPECT_EQ(Do(WM_PASTE), "someso 6-6");
     EXPECT_EQ(Do(WM_UNDO), "some 4-4");
-}
-
-TEST_F(EditTest, RealKeys) {
-    ExpectByKeys({'A'}, "a 1-1");
-    ExpectByKeys({VK_SHIFT, 'B'}, "aB 2-2");
-    ExpectByKeys({VK_SHIFT, VK_LEFT}, "aB 1-2");
-    ExpectByKeys({VK_CONTROL, 'C'}, "aB 1-2");
-    ExpectByKeys({VK_END}, "aB 2-2");
-    ExpectByKeys({VK_CONTROL, 'V'}, "aBB 3-3");
-    ExpectByKeys({VK_SHIFT, VK_HOME}, "aBB 0-3");
-    ExpectByKeys({VK_CONTROL, 'X'}, " 0-0");
-    ExpectByKeys({VK_CONTROL, 'V'}, "aBB 3-3");
-    ExpectByKeys({VK_BACK}, "aB 2-2");
-    PressKeys({VK_CONTROL, 'Z'});
-    EXPECT_TRUE(PumpUntil([&] { return WindowText(edit) == "aBB"; })) << WindowText(edit);
 }
 
 TEST_F(EditTest, NumbersAlone) {

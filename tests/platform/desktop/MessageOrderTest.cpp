@@ -254,17 +254,3 @@ TEST_F(MessageOrderTest, MinimiseAndMaximise) {
     EXPECT_EQ(GetWindowLongPtrA(main, GWL_STYLE) & static_cast<LONG_PTR>(WS_MAXIMIZE), 0);
     EXPECT_EQ(log.Take(), SizeLine("main", 0));
 }
-
-TEST_F(MessageOrderTest, TextIsSetAndReadByMessages) {
-    MakeAndShow();
-    log.Record({WM_SETTEXT, WM_GETTEXT});
-    SetWindowTextA(button, "&Go");
-    EXPECT_EQ(log.Take(), Lines({"button WM_SETTEXT"}));
-    EXPECT_EQ(WindowText(button), "&Go");
-    EXPECT_EQ(log.Take(), Lines({"button WM_GETTEXT"}));
-    SetWindowTextA(main, "main's");
-    EXPECT_EQ(WindowText(main), "main's");
-    char small[4];
-    EXPECT_EQ(GetWindowTextA(main, small, sizeof small), 3);
-    EXPECT_STREQ(small, "mai");
-}

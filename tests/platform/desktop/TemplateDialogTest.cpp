@@ -181,10 +181,9 @@ TEST_F(TemplateDialogTest, ControlsAreWhereTheTemplateHasThem) {
     EXPECT_EQ(client.right, across(201));
     EXPECT_EQ(client.bottom, down(85));
 
-    // In the middle of the screen, as far as whole pixels allow.
-    RECT screen = {};
+    // In the middle of its owner's screen, as far as whole pixels allow.
+    const RECT screen = ScreenOf(main);
     RECT frame = {};
-    GetWindowRect(GetDesktopWindow(), &screen);
     GetWindowRect(dialog, &frame);
     EXPECT_LE(std::abs(frame.left + frame.right - screen.left - screen.right), 2);
     EXPECT_LE(std::abs(frame.top + frame.bottom - screen.top - screen.bottom), 2);

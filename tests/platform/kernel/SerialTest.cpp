@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <time.h>
@@ -13,6 +14,7 @@
 #include "PortNames.h"
 #include "TestSupport.h"
 #include "Time.h"
+#include "UserFolders.h"
 
 namespace {
 
@@ -246,6 +248,8 @@ TEST_F(Serial, NamesLeadToDevices) {
     fs::create_symlink(far.Device(), folder.Path() / ".config/tesselia/ports/com4");
     EXPECT_EQ(kernel::PortDevice(4), folder.Path().string() + "/.config/tesselia/ports/com4");
     EXPECT_EQ(kernel::PortDevice(1), "/dev/ttyS0");
+    const EnvironmentVariable relative("HOME", "here");
+    EXPECT_EQ(kernel::ConfigurationFolder(), std::string(getpwuid(geteuid())->pw_dir) + "/.config");
 }
 
 TEST_F(Serial, UsbAdaptersStandInOrderOfTheirNumbers) {

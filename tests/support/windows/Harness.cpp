@@ -115,6 +115,13 @@ void PostDrag(HWND window, int x, int y, int xRelease, int yRelease) {
     PostMessageA(window, WM_LBUTTONUP, 0, MAKELPARAM(static_cast<WORD>(xRelease), static_cast<WORD>(yRelease)));
 }
 
+RECT ScreenOf(HWND window) {
+    MONITORINFO info = {};
+    info.cbSize = sizeof info;
+    EXPECT_TRUE(GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &info));
+    return info.rcMonitor;
+}
+
 std::string WindowText(HWND window) {
     char text[1024] = "";
     GetWindowTextA(window, text, sizeof text);

@@ -54,6 +54,9 @@ void PostDrag(HWND window, int x, int y, int xRelease, int yRelease);
 // Deletes a key below HKEY_LOCAL_MACHINE, with all keys below it. The layer, which cannot delete, starts an empty registry.
 void ClearRegistry(const char* key);
 
+// The screen that the window is on, the primary one for null.
+RECT ScreenOf(HWND window);
+
 // The text of a window, at most 1023 bytes.
 std::string WindowText(HWND window);
 

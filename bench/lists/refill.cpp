@@ -93,8 +93,8 @@ void MeasureSteps(ListsHost& host) {
     // Some list boxes select a row by that press.
     SendMessageA(host.Groups(), LB_SETCURSEL, 0, 0);
     std::vector<double> times;
-    for (int ticks = 0; ticks < 10 * kGroups && ListsHost::Selected(host.Groups()) < kGroups - 1; ++ticks) {
-        const int before = ListsHost::Selected(host.Groups());
+    for (int ticks = 0; ticks < 10 * kGroups && SelectedRowOf(host.Groups()) < kGroups - 1; ++ticks) {
+        const int before = SelectedRowOf(host.Groups());
         const Watch watch;
         SendMessageA(host.Groups(), WM_TIMER, 0, 0);
         MSG message;
@@ -104,7 +104,7 @@ void MeasureSteps(ListsHost& host) {
         }
         UpdateWindow(host.Groups());
         UpdateWindow(host.Tracks());
-        if (ListsHost::Selected(host.Groups()) != before) {
+        if (SelectedRowOf(host.Groups()) != before) {
             times.push_back(watch.Milliseconds());
         }
     }

@@ -87,15 +87,19 @@ TEST(Sender, RepeatsOnceAndTimesOut) {
 
 TEST(Sender, DoesNotRepeatWhatWasAnsweredDuringThePause) {
     RunConnected([](LinkHarness& run) {
-        run.unit.Answer(kMenuQuery, {"", "", UnitStatus("FF")});
+        run.unit.Answer(kReadyQuery, {"", "", UnitStatus("40")});
         ASSERT_TRUE(run.Ends(run.link.GetAllTitles(), PackResult(OP_GET_ALL, RC_STATUS, ST_TIMEOUT)));
         const std::vector<Sent>& frames = run.unit.Frames();
         const std::uint64_t repeatAfter = frames.back().timeUs - frames[frames.size() - 2].timeUs;
-        run.unit.SetDelay(repeatAfter - 60'000);
-        const std::size_t before = run.unit.Count(kMenuQuery);
+        const std::size_t before = run.unit.Count(kReadyQuery);
         ASSERT_TRUE(run.link.GetAllTitles());
-        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "52000"; }, 10000));
-        EXPECT_EQ(run.unit.Count(kMenuQuery), before + 1);
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "52060"; }, 10000));
+        run.unit.SetDelay(repeatAfter - 60'000);
+        // The next step begins while the sender still stands in the pause before the repeat.
+        ASSERT_TRUE(run.WaitUntil([&] { return run.LastFrame() == "50100300000000000000"; }, 10000));
+        run.Pass(400);
+        EXPECT_EQ(run.unit.Count(kReadyQuery), before + 1);
+        EXPECT_EQ(run.unit.Count(MapQuery(kMapDiscs, 0)), 1U);
     });
 }
 

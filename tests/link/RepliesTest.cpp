@@ -293,6 +293,15 @@ TEST(Writing, HearsARefusalUntilTheNextMap) {
             ASSERT_TRUE(run.WaitForResult(OP_SEND_GROUP));
             EXPECT_TRUE(run.HasResult(PackResult(OP_SEND_ALL, RC_TITLE_WRITE, ST_BAD_REPLY)));
             EXPECT_TRUE(run.store.IsEdited(AlbumGroup(1), 0));
+
+            // Of a send that was cut off nothing is told any more.
+            run.unit.Answer(map, {""});
+            ASSERT_TRUE(run.link.SendAllTitles());
+            ASSERT_TRUE(run.WaitUntil([&] { return run.unit.Count(map) == 3; }, 20000));
+            run.unit.Answer(kReadyQuery, {UnitBlock("0602") + "\r" + UnitStatus("40")});
+            run.posted.clear();
+            ASSERT_TRUE(run.Ends(run.link.GetOneGroup(AlbumGroup(2)), OP_GET_GROUP));
+            EXPECT_EQ(run.Results(), 1U);
         });
     }
 }

@@ -206,8 +206,8 @@ void EditorPane::EditDisplayRanges() {
     RequestAllGroups();
 }
 
+// What runs ends with its port. A stop would wait a second for a reply that nobody needs.
 void EditorPane::Reconnect() {
-    CutOffLink();
     scanning = false;
     firstConnect = false;
     ScanNextPort(ST_OK);

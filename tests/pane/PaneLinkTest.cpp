@@ -117,7 +117,7 @@ TEST_F(SearchTest, WithoutAnyPortTheUserIsToldOnceAndMayGoOn) {
     scripted::OpenPorts({8});
     Command(IDM_CONNECTION);
     EXPECT_EQ(scripted::Take(),
-              "StopOperation\nConnect COM1\nConnect COM2\nConnect COM3\nConnect COM4\nConnect COM5\n"
+              "Connect COM1\nConnect COM2\nConnect COM3\nConnect COM4\nConnect COM5\n"
               "Connect COM6\nConnect COM7\nConnect COM8\n");
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
     ASSERT_TRUE(PumpAll());
@@ -145,7 +145,7 @@ TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
     scripted::Take();
     Command(IDM_CONNECTION);
     EXPECT_FALSE(AreControlsEnabled());
-    EXPECT_EQ(scripted::Take(), "StopOperation\nConnect COM1\n");
+    EXPECT_EQ(scripted::Take(), "Connect COM1\n");
     BoxReader box(IDS_INFO_CAPTION);
     scripted::PostResult(Pane(), OP_CONNECT);
     ASSERT_TRUE(PumpAll());

@@ -119,9 +119,21 @@ TEST_F(SearchTest, WithoutAnyPortTheUserIsToldOnceAndMayGoOn) {
     EXPECT_EQ(scripted::Take(),
               "Connect COM1\nConnect COM2\nConnect COM3\nConnect COM4\nConnect COM5\n"
               "Connect COM6\nConnect COM7\nConnect COM8\n");
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(refusal.Texts(), Text(IDS_ERROR_NO_GROUPS) + "\n" + Text(IDS_ERROR_NO_CONNECTION) + "\n");
+    const std::string told = Text(IDS_ERROR_NO_GROUPS) + "\n" + Text(IDS_ERROR_NO_CONNECTION) + "\n";
+    for (const BYTE status : {ST_BAD_CHECKSUM, ST_TIMEOUT}) {
+        scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, status);
+        ASSERT_TRUE(PumpAll());
+        EXPECT_EQ(refusal.Texts(), told) << "once for the whole search";
+        EXPECT_TRUE(AreControlsEnabled());
+    }
+    // The last port is open still, and a unit that was switched on since answers there.
+    Command(IDM_GET_ALL);
+    EXPECT_EQ(scripted::Take(), "StopOperation\nGetAllTitles\n");
+    AddDisc(4, 1);
+    scripted::PostResult(Pane(), OP_GET_ALL);
+    Settle();
+    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|4|Disc 4\n");
+    EXPECT_EQ(refusal.Texts(), told);
 }
 
 TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {

@@ -126,11 +126,8 @@ void EditorPane::GroupWorkerStep(LPARAM pane) {
 // On the watcher's own thread, since the start of an operation waits for the end of the one before. The link refuses what is
 // outside the ranges.
 void EditorPane::FetchSelectedTracks() {
-    if (watchArmed == 0 || fetchedGroup == currentGroup) {
-        return;
-    }
     const LockGuard guard(watchLock);
-    if (watchArmed == 0) {
+    if (watchArmed == 0 || fetchedGroup == currentGroup) {
         return;
     }
     const GroupId group = currentGroup;

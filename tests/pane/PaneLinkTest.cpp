@@ -211,6 +211,8 @@ TEST_F(LinkEventsTest, ProgressIsTold) {
     }
     SendMessageA(Pane(), WM_USER, UC_MESSAGE_LINE, IDS_CONNECTED);
     EXPECT_EQ(Line(), Text(IDS_CONNECTED));
+    SendMessageA(Pane(), WM_USER, UC_MESSAGE_LINE, -1);
+    EXPECT_EQ(Line(), Text(IDS_CONNECTED)) << "no text, and not an empty one";
 }
 
 TEST_F(LinkEventsTest, ResultsAreToldAndLeadOn) {

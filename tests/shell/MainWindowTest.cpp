@@ -166,6 +166,10 @@ TEST_F(MainWindowTest, LaysOutThePane) {
         EXPECT_EQ(PlaceOf(Control(IDC_TRACK_LIST)), size.tracks);
     }
     EXPECT_EQ(WindowText(Control(IDC_MESSAGE_LINE)), "");
+    // Screen readers tell the lists apart.
+    EXPECT_GT(WindowText(Control(IDC_GROUP_LIST)), "");
+    EXPECT_GT(WindowText(Control(IDC_TRACK_LIST)), "");
+    EXPECT_NE(WindowText(Control(IDC_GROUP_LIST)), WindowText(Control(IDC_TRACK_LIST)));
 }
 
 TEST_F(MainWindowTest, TabVisitsTheControlsInReadingOrder) {

@@ -16,7 +16,6 @@ struct Outcome {
     BYTE code;
     BYTE status;
     UINT box;      // the text of the box that it shows; 0 for none
-    bool isInfo;   // under the caption of an information
     bool isBlank;  // the line is empty afterwards
     const char* calls;
 };
@@ -48,11 +47,9 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     // Each reply that cannot be read is told; the port is left once.
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT, RC_MODEL, ST_TIMEOUT);
     EXPECT_EQ(scripted::Take(), "Connect COM3\nConnect COM4\nConnect COM5\n");
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_OK, 0);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT, RC_MODEL, ST_OK);
     EXPECT_EQ(scripted::Take(), "") << "found, of whatever model";
     scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kCheckingStatus);
     EXPECT_EQ(Line(), Text(IDS_CHECKING_STATUS));
@@ -64,11 +61,9 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
 
     SetFocus(Control(IDC_TRACK_LIST));
     Command(IDM_CONNECTION);
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT, RC_MODEL, ST_TIMEOUT);
     BoxReader box(IDS_INFO_CAPTION);
-    scripted::PostResult(Pane(), OP_CONNECT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT);
     EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST)) << "behind several ports it is where it was";
 }
 
@@ -81,11 +76,9 @@ TEST_F(SearchTest, ADialogThatStandsKeepsTheFocus) {
         DialogAnswer cancel(caption.c_str(), IDCANCEL, [&](HWND dialog) {
             field = GetDlgItem(dialog, IDC_DISC_TO);
             SetFocus(field);
-            scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-            EXPECT_TRUE(PumpAll());
+            Hear(OP_CONNECT, RC_MODEL, ST_TIMEOUT);
             EXPECT_EQ(GetFocus(), field) << "at the next port";
-            scripted::PostResult(Pane(), OP_CONNECT);
-            EXPECT_TRUE(PumpAll());
+            Hear(OP_CONNECT);
             EXPECT_EQ(GetFocus(), field) << "and when the main unit was found";
         });
         Command(IDM_OPTION);
@@ -121,8 +114,7 @@ TEST_F(SearchTest, WithoutAnyPortTheUserIsToldOnceAndMayGoOn) {
               "Connect COM6\nConnect COM7\nConnect COM8\n");
     const std::string told = Text(IDS_ERROR_NO_GROUPS) + "\n" + Text(IDS_ERROR_NO_CONNECTION) + "\n";
     for (const BYTE status : {ST_BAD_CHECKSUM, ST_TIMEOUT}) {
-        scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, status);
-        ASSERT_TRUE(PumpAll());
+        Hear(OP_CONNECT, RC_MODEL, status);
         EXPECT_EQ(refusal.Texts(), told) << "once for the whole search";
         EXPECT_TRUE(AreControlsEnabled());
     }
@@ -148,8 +140,7 @@ TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
     for (const auto& unit : cases) {
         scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kCheckingStatus);
         BoxReader box(IDS_ERROR_CAPTION);
-        scripted::PostResult(Pane(), OP_CONNECT, unit.status == ST_BUSY ? RC_COMMAND : RC_STATUS, unit.status);
-        ASSERT_TRUE(PumpAll());
+        Hear(OP_CONNECT, unit.status == ST_BUSY ? RC_COMMAND : RC_STATUS, unit.status);
         EXPECT_EQ(box.Texts(), Text(unit.text) + "\n") << int{unit.status};
         EXPECT_EQ(Line(), "");
         EXPECT_TRUE(AreControlsEnabled());
@@ -159,8 +150,7 @@ TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
     EXPECT_FALSE(AreControlsEnabled());
     EXPECT_EQ(scripted::Take(), "Connect COM1\n");
     BoxReader box(IDS_INFO_CAPTION);
-    scripted::PostResult(Pane(), OP_CONNECT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT);
     EXPECT_EQ(box.Texts(), Text(IDS_CONNECTED) + "\n");
     EXPECT_TRUE(AreControlsEnabled());
     EXPECT_EQ(scripted::Take(), "") << "a second time no titles are fetched";
@@ -218,30 +208,27 @@ TEST_F(LinkEventsTest, ProgressIsTold) {
 TEST_F(LinkEventsTest, ResultsAreToldAndLeadOn) {
     constexpr UINT kStatus = IDS_ERROR_NO_STATUS;
     const Outcome outcomes[] = {
-        {OP_GET_ALL, RC_STATUS, ST_FOREIGN, kStatus, false, true, ""},
-        {OP_GET_ALL, RC_COMMAND, ST_MENU_MODE, IDS_ERROR_MENU_MODE, false, true, ""},
-        {OP_GET_ALL, RC_MAP, ST_BAD_REPLY, IDS_ERROR_NO_GROUPS, false, true, ""},
-        {OP_GET_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_GET_ALL, RC_TITLE_WRITE, ST_TIMEOUT, 0, false, false, ""},
-        {OP_GET_ALL, RC_STATUS, ST_OK, 0, false, false, ""},
-        {OP_GET_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_SEND_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_GET_ALL, 0, ST_OK, 0, false, true, "GetGroupTracks 2\n"},
-        {OP_GET_TRACKS, RC_STATUS, ST_FOREIGN, kStatus, false, true, ""},
-        {OP_GET_GROUP, RC_COMMAND, ST_FOREIGN, kStatus, false, true, ""},
-        {OP_GET_TRACKS, RC_TITLE_READ, ST_FOREIGN, IDS_ERROR_NO_TRACKS, false, false, ""},
-        {OP_SEND_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, false, ""},
-        {OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY, IDS_ERROR_NOT_UPDATED, false, false, ""},
-        {OP_GET_TRACKS, RC_MAP, ST_FOREIGN, IDS_ERROR_NO_TRACKS, false, true, ""},
-        {OP_SEND_GROUP, RC_MAP, ST_FOREIGN, IDS_ERROR_NOT_UPDATED, false, true, ""},
-        {OP_SEND_GROUP, RC_MAP, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_GET_GROUP, RC_TITLE_READ, ST_OK, 0, false, false, ""},
-        {OP_CONNECT, RC_MAP, ST_TIMEOUT, 0, false, false, ""},
-        {0x7777, 0, ST_OK, 0, false, false, ""},
-        {OP_GET_TRACKS, 0, ST_OK, 0, false, true, ""},
-        {OP_GET_GROUP, 0, ST_OK, 0, false, true, ""},
-        {OP_SEND_ALL, 0, ST_OK, 0, false, true, ""},
-        {OP_SEND_GROUP, 0, ST_OK, 0, false, true, ""},
+        {OP_GET_ALL, RC_STATUS, ST_FOREIGN, kStatus, true, ""},
+        {OP_GET_ALL, RC_MAP, ST_BAD_REPLY, IDS_ERROR_NO_GROUPS, true, ""},
+        {OP_GET_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, true, ""},
+        {OP_GET_ALL, RC_TITLE_WRITE, ST_TIMEOUT, 0, false, ""},
+        {OP_GET_ALL, RC_STATUS, ST_OK, 0, false, ""},
+        {OP_GET_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, true, ""},
+        {OP_SEND_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, true, ""},
+        {OP_GET_ALL, 0, ST_OK, 0, true, "GetGroupTracks 2\n"},
+        {OP_GET_TRACKS, RC_STATUS, ST_FOREIGN, kStatus, true, ""},
+        {OP_GET_GROUP, RC_COMMAND, ST_FOREIGN, kStatus, true, ""},
+        {OP_GET_TRACKS, RC_TITLE_READ, ST_FOREIGN, IDS_ERROR_NO_TRACKS, false, ""},
+        {OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY, IDS_ERROR_NOT_UPDATED, false, ""},
+        {OP_GET_TRACKS, RC_MAP, ST_FOREIGN, IDS_ERROR_NO_TRACKS, true, ""},
+        {OP_SEND_GROUP, RC_MAP, ST_FOREIGN, IDS_ERROR_NOT_UPDATED, true, ""},
+        {OP_GET_GROUP, RC_TITLE_READ, ST_OK, 0, false, ""},
+        {OP_CONNECT, RC_MAP, ST_TIMEOUT, 0, false, ""},
+        {0x7777, 0, ST_OK, 0, false, ""},
+        {OP_GET_TRACKS, 0, ST_OK, 0, true, ""},
+        {OP_GET_GROUP, 0, ST_OK, 0, true, ""},
+        {OP_SEND_ALL, 0, ST_OK, 0, true, ""},
+        {OP_SEND_GROUP, 0, ST_OK, 0, true, ""},
     };
     AddDisc(1, 2);
     AddDisc(2, 2);
@@ -290,8 +277,7 @@ TEST_F(LinkEventsTest, TheTracksOfASelectedGroupAreFetched) {
     Command(IDM_GET_GROUP);
     scripted::Take();
     BoxReader box(IDS_ERROR_CAPTION);
-    scripted::PostResult(Pane(), OP_GET_GROUP, RC_TITLE_READ, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_GET_GROUP, RC_TITLE_READ, ST_TIMEOUT);
     Select(0);
     Sleep(50);
     ASSERT_TRUE(PumpAll());
@@ -322,7 +308,6 @@ TEST_F(LinkEventsTest, TheEndOfWhatWasCutOffIsNotTheEndOfWhatFollows) {
 TEST_F(LinkEventsTest, AnswersGoOnWhileABoxStands) {
     BoxReader boxes(IDS_ERROR_CAPTION, 2);
     scripted::PostResult(Pane(), OP_GET_ALL, RC_MAP, ST_TIMEOUT);
-    scripted::PostResult(Pane(), OP_GET_TRACKS, RC_STATUS, ST_TRAY_OPEN);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_GET_TRACKS, RC_STATUS, ST_TRAY_OPEN);
     EXPECT_EQ(boxes.Texts(), Text(IDS_ERROR_TRAY_OPEN) + "\n" + Text(IDS_ERROR_TIME_OUT) + "\n") << "the later one on top";
 }

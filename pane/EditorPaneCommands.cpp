@@ -47,11 +47,9 @@ void EditorPane::OnToolCommand(WORD command) {
 
 // --- Transfers
 
-// What runs is cut off before titles are thrown away, so that nothing of it arrives behind.
 void EditorPane::BeginTransfer() {
     EndInlineEdits();
-    CutOffLink();
-    assert(watchArmed == 0 && !deviceLink->IsOperationActive());
+    Disarm();
     fetchedGroup = -1;
     currentGroup = GetSelectedGroup();
 }
@@ -64,31 +62,27 @@ void EditorPane::OnTransferCommand(WORD command) {
     if (!titleStore || !groupList || !trackList || !deviceLink) {
         return;
     }
+    BeginTransfer();
     // The link would refuse, and what runs would have been cut off for nothing.
-    if ((command == IDM_GET_GROUP || command == IDM_SEND_GROUP) && GetSelectedGroup() < 0) {
+    if ((command == IDM_GET_GROUP || command == IDM_SEND_GROUP) && currentGroup < 0) {
         return;
     }
+    // What runs is cut off before titles are thrown away, so that nothing of it arrives behind.
+    CutOffLink();
+    assert(watchArmed == 0 && !deviceLink->IsOperationActive());
     switch (command) {
         case IDM_GET_GROUP:
-            BeginTransfer();
             titleStore->ClearGroup(currentGroup);
             deviceLink->GetOneGroup(currentGroup);
             break;
         case IDM_GET_ALL:
-            BeginTransfer();
             titleStore->ResetAll();
             groupList->ClearRows();
             trackList->ClearRows();
             RequestAllGroups();
             break;
-        case IDM_SEND_GROUP:
-            BeginTransfer();
-            deviceLink->SendGroup(currentGroup);
-            break;
-        case IDM_SEND_ALL:
-            BeginTransfer();
-            deviceLink->SendAllTitles();
-            break;
+        case IDM_SEND_GROUP: deviceLink->SendGroup(currentGroup); break;
+        case IDM_SEND_ALL: deviceLink->SendAllTitles(); break;
         default: break;
     }
 }
@@ -206,8 +200,8 @@ void EditorPane::EditDisplayRanges() {
     RequestAllGroups();
 }
 
+// What runs ends with its port. A stop would wait a second for a reply that nobody needs.
 void EditorPane::Reconnect() {
-    CutOffLink();
     scanning = false;
     firstConnect = false;
     ScanNextPort(ST_OK);

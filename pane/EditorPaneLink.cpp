@@ -69,13 +69,18 @@ void EditorPane::ScanNextPort(BYTE status) {
         // Whatever answers as a main unit is one. The link goes on by itself.
         return;
     }
+    if (scanning && scanPortNumber > kLastPort) {
+        // The user has been told.
+        return;
+    }
     SetControlsEnabled(FALSE);
     if (!scanning) {
         scanning = true;
         scanPortNumber = 0;
     }
-    // A port may have failed more than once; that is not the next one's failure.
-    if (deviceLink) {
+    // A port may have failed more than once; that is not the next one's failure. The last port stays open, so that a unit
+    // that is switched on later can be asked for its titles.
+    if (deviceLink && scanPortNumber < kLastPort) {
         deviceLink->Disconnect();
         DropLinkMessages();
     }
@@ -121,11 +126,8 @@ void EditorPane::GroupWorkerStep(LPARAM pane) {
 // On the watcher's own thread, since the start of an operation waits for the end of the one before. The link refuses what is
 // outside the ranges.
 void EditorPane::FetchSelectedTracks() {
-    if (watchArmed == 0 || fetchedGroup == currentGroup) {
-        return;
-    }
     const LockGuard guard(watchLock);
-    if (watchArmed == 0) {
+    if (watchArmed == 0 || fetchedGroup == currentGroup) {
         return;
     }
     const GroupId group = currentGroup;

@@ -50,6 +50,9 @@ void MessageLine::Set(int textId, GroupId group, TrackNo track) {
 void MessageLine::OnTimer() {
     KillTimer(hDlg, kTimer);
     lineDirty = false;
+    if (lineTextId < 0) {
+        return;
+    }
     const std::string text = Text(lineTextId) + Title(lineGroup, lineTrack);
     HWND control = GetDlgItem(hDlg, id);
     SendMessageA(control, WM_SETREDRAW, FALSE, 0);

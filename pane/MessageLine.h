@@ -15,7 +15,7 @@ public:
     // Shows nothing of its own until it is first set.
     void Attach(HWND dialog, int controlId);
 
-    // A text by its string id, and which title it is about: 0 or below for none.
+    // A text by its string id, a negative one draws nothing; and which title it is about: 0 or below for none.
     void Set(int textId, GroupId group, TrackNo track);
     // Another text about the same title.
     void SetText(int textId) { Set(textId, lineGroup, lineTrack); }

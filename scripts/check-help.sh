@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Whether the user's guide is whole and true to the program: every link and picture leads somewhere, both languages have the same
-# pages, the page about messages has the very text of each message of resources/tesselia.rc, and each menu command is named. Then
-# copies of the guide are broken in every way that the check is there for, and each has to be found.
+# pages, the page about messages has the very text of each message of resources/tesselia.rc, each menu command is named, and text
+# stands out from its background on a light and on a dark desktop. Then copies of the guide are broken in every way that the check
+# is there for, and each has to be found.
 #
 #   scripts/check-help.sh              the pages
 #   scripts/check-help.sh BIN...       and the compiled guides in these folders of Windows programs: every file, byte for byte

@@ -19,6 +19,10 @@ TAGS = set("html head meta title link body h1 h2 h3 p b i a ul ol li table tr th
 VOID_TAGS = {"meta", "link", "img", "hr"}
 # A translation has the same of these in the same order.
 SHAPE_TAGS = set("h1 h2 h3 p ul ol li table tr th td img pre hr".split())
+# Of text on its background, for eyes that are not the best.
+LEAST_CONTRAST = 4.5
+# The text and its background where the style names none: a light desktop's and a dark one's.
+PALETTES = {"light": ("#000000", "#ffffff"), "dark": ("#ffffff", "#232323")}
 # What is shown elsewhere than in a box or on the message line.
 OTHER_STRINGS = re.compile(r"IDS_(TITLE|ABOUT_TITLE|VERSION|NOTICE|MODEL_\w+|HELP_\w+|RANGES_\w+)$")
 
@@ -54,6 +58,8 @@ class Page(HTMLParser):
             self.shape.append(f"{tag} {given['src']}" if tag == "img" and given.get("src") else tag)
         if tag == "a" and "href" in given:
             self.links.append(given["href"] or "")
+            if any(outer in ("th", "pre") for outer, _ in self.open):
+                self.faults.append("has a link, whose colour is the desktop's, on a background of the style's")
             self.shape.append(f"a {given['href']}")
         if tag == "a" and "name" in given:
             self.anchors.add(given["name"])
@@ -134,6 +140,30 @@ def check_project(folder, pages, faults, where):
         faults.append(f"{where}/Tesselia.hhp: its title is not that of the first page")
 
 
+def contrast(one, other):
+    def luminance(color):
+        parts = [int(color[at:at + 2], 16) / 255 for at in (1, 3, 5)]
+        linear = [part / 12.92 if part <= 0.04045 else ((part + 0.055) / 1.055) ** 2.4 for part in parts]
+        return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2]
+
+    dark, light = sorted((luminance(one), luminance(other)))
+    return (light + 0.05) / (dark + 0.05)
+
+
+def check_style(path, where, faults):
+    """Every pair of text and background in which the style has a say, on a light and on a dark desktop."""
+    text = path.read_text(encoding="utf-8")
+    for selectors, body in re.findall(r"([^{}]+)\{([^{}]*)\}", text):
+        given = dict(re.findall(r"([\w-]+)\s*:\s*([^;]+?)\s*(?:;|$)", body))
+        colors = [value for name, value in given.items() if name in ("color", "background-color")]
+        if "background" in given or not all(re.fullmatch("#[0-9a-f]{6}", color) for color in colors):
+            faults.append(f"{where}/{path.name}: {selectors.strip()} has a colour that is not understood")
+            continue
+        for palette, (ink, paper) in PALETTES.items() if colors else ():
+            if contrast(given.get("color", ink), given.get("background-color", paper)) < LEAST_CONTRAST:
+                faults.append(f"{where}/{path.name}: {selectors.strip()} is hard to read on a {palette} desktop")
+
+
 def check_language(folder, where, messages, commands, faults):
     files = {path.name for path in folder.iterdir()}
     pages = {path.name: Page(path) for path in sorted(folder.glob("*.html"))}
@@ -164,6 +194,8 @@ def check_language(folder, where, messages, commands, faults):
         used |= new
         ahead += new
     faults += [f"{where}/{name}: nothing leads to it" for name in sorted(files - used)]
+    for style in folder.glob("*.css"):
+        check_style(style, where, faults)
     for picture in folder.glob("*.png"):
         content = picture.read_bytes()
         if not content.startswith(b"\x89PNG\r\n\x1a\n") or not content.endswith(b"IEND\xaeB`\x82"):
@@ -224,6 +256,12 @@ def breakages(root):
     yield "a picture gone", lambda copy: (copy / "help/ja/main.png").unlink(), "main.png is not there"
     yield "half a picture", lambda copy: (copy / "help/ja/main.png").write_bytes(b"\x89PNG\r\n\x1a\n"), "no whole picture"
     yield "the style gone", lambda copy: (copy / "help/en/guide.css").unlink(), "guide.css is not there"
+    yield "a dim head", lambda copy: change(copy / "help/en/guide.css", "color: #000000; text", "text"), "th is hard to read"
+    yield "a dim heading", lambda copy: change(copy / "help/ja/guide.css", "16pt;", "16pt; color: #1f5f99;"), "h1 is hard to read"
+    yield "a pale text", lambda copy: change(copy / "help/en/guide.css", "9pt;", "9pt; color: #999999;"), "nav is hard to read"
+    yield "a colour's name", lambda copy: change(copy / "help/en/guide.css", "#f2f2f2", "silver"), "colour that is not understood"
+    yield ("a link in a head", lambda copy: change(
+        copy / "help/en/keys.html", "<th>Key</th>", '<th><a href="edit.html">Key</a></th>'), "has a link, whose")
     yield "a page on its own", lambda copy: (copy / "help/en/x.html").write_text("<p></p>"), "x.html: nothing leads to it"
     yield "an open element", lambda copy: change(copy / "help/en/send.html", "</ul>", ""), "closes <"
     yield "a script", lambda copy: change(copy / "help/en/send.html", "<hr>", "<script></script>"), "has <script>"

@@ -6,6 +6,7 @@
 #include "AppWindow.h"
 #include "Harness.h"
 #include "PaneTesting.h"
+#include "ScriptedChooser.h"
 #include "ScriptedLink.h"
 #include "TitleStore.h"
 #include "resource.h"
@@ -64,22 +65,30 @@ TEST_F(PaneCommandsTest, TransfersCutOffWhatRunsAndCommitWhatIsTyped) {
             EXPECT_EQ(Title(2, 2), "Typed & sent");
             EXPECT_EQ(scripted::Store()->IsEdited(2, 2), 1) << "until the main unit has it";
         }
+        if (transfer.command == IDM_GET_GROUP) {
+            EXPECT_EQ(scripted::Store()->IsKnown(2, 0), 0);
+            EXPECT_EQ(Title(1, 1), "Disc 1, Track 1") << "of another group";
+            EXPECT_FALSE(CanUndo());
+        }
     }
     EXPECT_EQ(Rows(IDC_GROUP_LIST), "");
     EXPECT_EQ(Rows(IDC_TRACK_LIST), "");
     EXPECT_EQ(scripted::Store()->IsKnown(1, 0), 0) << "Get All Title empties the store";
 }
 
-TEST_F(PaneCommandsTest, WithoutAGroupNothingIsCutOff) {
-    Command(IDM_GET_ALL);
-    scripted::PostProgress(Pane(), OP_GET_ALL, LinkStep::kReadingDiscs, 1);
-    const std::string line = Line();
-    scripted::Take();
+TEST_F(PaneCommandsTest, WithoutAGroupNothingIsCutOffAndNoTracksAreFetchedFromThenOn) {
+    scripted::Store()->ResetAll();
     for (const int command : {IDM_SEND_GROUP, IDM_GET_GROUP}) {
+        Command(IDM_STOP);
+        scripted::PostProgress(Pane(), OP_GET_ALL, LinkStep::kReadingDiscs, 1);
+        const std::string line = Line();
+        scripted::Take();
         Command(static_cast<WORD>(command));
-        EXPECT_EQ(scripted::Take(), "") << "the titles have still to come";
+        SendMessageA(Pane(), WM_USER, UC_GROUP_CHANGED, 1);
+        Sleep(50);
+        EXPECT_EQ(scripted::Take(), "") << command;
+        EXPECT_EQ(Line(), line);
     }
-    EXPECT_EQ(Line(), line);
 }
 
 TEST_F(PaneCommandsTest, AGroupStaysSelectedWhileItsRowIsFilledAnew) {
@@ -94,14 +103,6 @@ TEST_F(PaneCommandsTest, AGroupStaysSelectedWhileItsRowIsFilledAnew) {
     Settle();
     EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Disc 1\nDsc|2|Disc 2\nAlb|1|Album 1\n");
     EXPECT_EQ(Selected(IDC_GROUP_LIST), 2);
-}
-
-TEST_F(PaneCommandsTest, GetOneGroupForgetsThatGroupAlone) {
-    scripted::Store()->EditTitle(2, 1, "Not sent");
-    Command(IDM_GET_GROUP);
-    EXPECT_EQ(scripted::Store()->IsKnown(2, 0), 0);
-    EXPECT_EQ(Title(1, 1), "Disc 1, Track 1");
-    EXPECT_FALSE(CanUndo());
 }
 
 TEST_F(PaneCommandsTest, ButtonsTakeTheSameRoad) {
@@ -127,63 +128,81 @@ TEST_F(PaneCommandsTest, StopShowsWhatHasCome) {
     EXPECT_EQ(scripted::Take(), "StopOperation\n") << "nothing is fetched by itself";
 }
 
-TEST_F(PaneCommandsTest, EnterOpensAndClosesTheEditorOfTheListInFocus) {
-    SetFocus(Control(IDC_GROUP_LIST));
-    Type(IDC_GROUP_LIST, "Second");
-    Enter();
-    EXPECT_EQ(Editor(IDC_GROUP_LIST), nullptr);
-    EXPECT_EQ(Title(2, 0), "Second");
-    EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST));
-    Type(IDC_TRACK_LIST, "First track");
-    Enter();
-    EXPECT_EQ(Title(2, 1), "First track");
-    EXPECT_EQ(Selected(IDC_TRACK_LIST), 1);
-}
+TEST_F(PaneCommandsTest, UndoShowsInEitherListWhatItPutsBack) {
+    const std::string groups = Rows(IDC_GROUP_LIST);
+    const std::string tracks = Rows(IDC_TRACK_LIST);
+    const std::string editedGroups = "Dsc|1|Disc 1\nDsc|2|One && two\nAlb|1|Album 1\n";
+    const std::string editedTracks = "Tr|1|Disc 2, Track 1\nTr|2|One && two\nTr|3|Disc 2, Track 3\n";
+    const struct {
+        int list;
+        int open;  // the list with another title's editor when Undo comes
+        int openRow;
+    } edits[] = {
+        {IDC_GROUP_LIST, IDC_TRACK_LIST, 0}, {IDC_TRACK_LIST, IDC_GROUP_LIST, 1}, {IDC_GROUP_LIST, IDC_GROUP_LIST, 1}};
+    for (const auto& edit : edits) {
+        SelectIn(edit.list, 1);
+        Type(edit.list, "One & two");
+        Enter();
+        EXPECT_EQ(Rows(IDC_GROUP_LIST), edit.list == IDC_GROUP_LIST ? editedGroups : groups);
+        EXPECT_EQ(Rows(IDC_TRACK_LIST), edit.list == IDC_TRACK_LIST ? editedTracks : tracks);
+        SelectIn(edit.open, edit.openRow);
+        Type(edit.open, "Never meant");
+        EXPECT_TRUE(CanUndo());
+        Command(IDM_UNDO);
+        EXPECT_EQ(Editor(edit.open), nullptr);
+        EXPECT_EQ(Rows(IDC_GROUP_LIST), groups);
+        EXPECT_EQ(Rows(IDC_TRACK_LIST), tracks);
+        EXPECT_EQ(Title(2, 0) + Title(2, 1) + Title(2, 2), "Disc 2Disc 2, Track 1Disc 2, Track 2");
+        EXPECT_EQ(Selected(edit.list), 1);
+        EXPECT_EQ(GetFocus(), Control(edit.list));
+        EXPECT_FALSE(CanUndo()) << "what was never meant is no edit";
+    }
 
-TEST_F(PaneCommandsTest, UndoPutsTheLastTextBackAndThrowsAnOpenEditorAway) {
-    EXPECT_FALSE(CanUndo());
+    // The track's group comes back, and its tracks are on their way.
     SelectTrack(2);
     Type(IDC_TRACK_LIST, "One");
     Enter();
-    Select(0);
     Refill(1);
-    Type(IDC_GROUP_LIST, "Two & three");
-    Enter();
-    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Two && three\nDsc|2|Disc 2\nAlb|1|Album 1\n");
-
-    SetFocus(Control(IDC_GROUP_LIST));
-    Type(IDC_GROUP_LIST, "Never meant");
-    EXPECT_TRUE(CanUndo());
-    Command(IDM_UNDO);
-    EXPECT_EQ(Editor(IDC_GROUP_LIST), nullptr);
-    EXPECT_EQ(Title(1, 0), "Disc 1");
-    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|1|Disc 1\nDsc|2|Disc 2\nAlb|1|Album 1\n");
-    EXPECT_EQ(GetFocus(), Control(IDC_GROUP_LIST));
-
-    // The track's group comes back, and its tracks are on their way.
-    scripted::Take();
     Command(IDM_UNDO);
     EXPECT_EQ(Title(2, 3), "Disc 2, Track 3");
     EXPECT_EQ(Selected(IDC_GROUP_LIST), 1);
     EXPECT_EQ(GetFocus(), Control(IDC_GROUP_LIST));
     EXPECT_TRUE(Asked("GetGroupTracks 2\n"));
-    EXPECT_FALSE(CanUndo());
-    Command(IDM_UNDO);
-    Enter();
-    EXPECT_NE(Editor(IDC_GROUP_LIST), nullptr) << "edits are committed again";
+    EXPECT_EQ(Rows(IDC_TRACK_LIST), tracks);
 }
 
-TEST_F(PaneCommandsTest, UndoOfAShownTrackGoesToItsRow) {
-    SelectTrack(2);
-    Type(IDC_TRACK_LIST, "One");
-    SetFocus(Control(IDC_GROUP_LIST));
-    ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(Title(2, 3), "One");
-    SelectTrack(0);
-    Command(IDM_UNDO);
-    EXPECT_EQ(Selected(IDC_TRACK_LIST), 2);
-    EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST));
-    EXPECT_EQ(Rows(IDC_TRACK_LIST), "Tr|1|Disc 2, Track 1\nTr|2|Disc 2, Track 2\nTr|3|Disc 2, Track 3\n");
+TEST_F(PaneCommandsTest, AMenuLeftByAltGivesTheKeysBack) {
+    Select(0);
+    PressKeys({VK_MENU, 'E'});
+    PressKeys({VK_MENU});
+    PressKeys({VK_DOWN});
+    EXPECT_TRUE(PumpUntil([this] { return Selected(IDC_GROUP_LIST) == 1; }));
+    EXPECT_EQ(BarText(), " ");
+    EXPECT_FALSE(IsGrayed(IDM_UNDO)) << "its key works without the menu";
+}
+
+TEST_F(PaneCommandsTest, TheChosenFontReachesBothLists) {
+    const std::string groups = Rows(IDC_GROUP_LIST);
+    const std::string tracks = Rows(IDC_TRACK_LIST);
+    AddDisc(3, 1);
+    for (const bool isOk : {false, true}) {
+        scripted::onFont = [&](CHOOSEFONTA& chooser) {
+            EXPECT_EQ(chooser.hwndOwner, Pane());
+            EXPECT_EQ(chooser.Flags, static_cast<DWORD>(CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT));
+            EXPECT_EQ(chooser.lpLogFont->lfHeight, FontOf(IDC_GROUP_LIST).lfHeight) << "it begins with what is shown";
+            chooser.lpLogFont->lfHeight = isOk ? -40 : chooser.lpLogFont->lfHeight;
+            return isOk;
+        };
+        Command(IDM_FONT);
+        scripted::onFont = {};
+        for (const int list : {IDC_GROUP_LIST, IDC_TRACK_LIST}) {
+            EXPECT_EQ(FontOf(list).lfHeight == -40, isOk) << list;
+            EXPECT_EQ(SendMessageA(Control(list), LB_GETITEMHEIGHT, 1, 0) >= 40, isOk) << list;
+        }
+        EXPECT_EQ(Rows(IDC_GROUP_LIST) != groups, isOk) << "what is new in the store shows";
+        EXPECT_EQ(Rows(IDC_TRACK_LIST), tracks);
+        EXPECT_EQ(Selected(IDC_GROUP_LIST), 1);
+    }
 }
 
 TEST_F(PaneCommandsTest, ClearActsOnTheTitleInFocus) {

@@ -16,7 +16,6 @@ struct Outcome {
     BYTE code;
     BYTE status;
     UINT box;      // the text of the box that it shows; 0 for none
-    bool isInfo;   // under the caption of an information
     bool isBlank;  // the line is empty afterwards
     const char* calls;
 };
@@ -39,20 +38,20 @@ protected:
 };
 
 TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
-    scripted::OpenPorts({2, 5, 7});
+    scripted::OpenPorts({7, 8});
     Open();
-    EXPECT_EQ(scripted::Take(), "Connect COM1\nConnect COM2\n") << "what does not open is passed over";
+    EXPECT_EQ(scripted::Take(),
+              "Connect COM1\nConnect COM2\nConnect COM3\nConnect COM4\nConnect COM5\nConnect COM6\nConnect COM7\n")
+        << "what does not open is passed over";
     EXPECT_FALSE(AreControlsEnabled());
     scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kFindingModel);
     EXPECT_EQ(Line(), Text(IDS_SEARCHING));
     // Each reply that cannot be read is told; the port is left once.
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
     scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_BAD_CHECKSUM);
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(scripted::Take(), "Connect COM3\nConnect COM4\nConnect COM5\n");
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_OK, 0);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT, RC_MODEL, ST_TIMEOUT);
+    EXPECT_EQ(scripted::Take(), "Connect COM8\n");
+    Hear(OP_CONNECT, RC_MODEL, ST_OK);
     EXPECT_EQ(scripted::Take(), "") << "found, of whatever model";
     scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kCheckingStatus);
     EXPECT_EQ(Line(), Text(IDS_CHECKING_STATUS));
@@ -64,11 +63,9 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
 
     SetFocus(Control(IDC_TRACK_LIST));
     Command(IDM_CONNECTION);
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT, RC_MODEL, ST_TIMEOUT);
     BoxReader box(IDS_INFO_CAPTION);
-    scripted::PostResult(Pane(), OP_CONNECT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT);
     EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST)) << "behind several ports it is where it was";
 }
 
@@ -81,11 +78,9 @@ TEST_F(SearchTest, ADialogThatStandsKeepsTheFocus) {
         DialogAnswer cancel(caption.c_str(), IDCANCEL, [&](HWND dialog) {
             field = GetDlgItem(dialog, IDC_DISC_TO);
             SetFocus(field);
-            scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-            EXPECT_TRUE(PumpAll());
+            Hear(OP_CONNECT, RC_MODEL, ST_TIMEOUT);
             EXPECT_EQ(GetFocus(), field) << "at the next port";
-            scripted::PostResult(Pane(), OP_CONNECT);
-            EXPECT_TRUE(PumpAll());
+            Hear(OP_CONNECT);
             EXPECT_EQ(GetFocus(), field) << "and when the main unit was found";
         });
         Command(IDM_OPTION);
@@ -117,11 +112,22 @@ TEST_F(SearchTest, WithoutAnyPortTheUserIsToldOnceAndMayGoOn) {
     scripted::OpenPorts({8});
     Command(IDM_CONNECTION);
     EXPECT_EQ(scripted::Take(),
-              "StopOperation\nConnect COM1\nConnect COM2\nConnect COM3\nConnect COM4\nConnect COM5\n"
+              "Connect COM1\nConnect COM2\nConnect COM3\nConnect COM4\nConnect COM5\n"
               "Connect COM6\nConnect COM7\nConnect COM8\n");
-    scripted::PostResult(Pane(), OP_CONNECT, RC_MODEL, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
-    EXPECT_EQ(refusal.Texts(), Text(IDS_ERROR_NO_GROUPS) + "\n" + Text(IDS_ERROR_NO_CONNECTION) + "\n");
+    const std::string told = Text(IDS_ERROR_NO_GROUPS) + "\n" + Text(IDS_ERROR_NO_CONNECTION) + "\n";
+    for (const BYTE status : {ST_BAD_CHECKSUM, ST_TIMEOUT}) {
+        Hear(OP_CONNECT, RC_MODEL, status);
+        EXPECT_EQ(refusal.Texts(), told) << "once for the whole search";
+        EXPECT_TRUE(AreControlsEnabled());
+    }
+    // The last port is open still, and a unit that was switched on since answers there.
+    Command(IDM_GET_ALL);
+    EXPECT_EQ(scripted::Take(), "StopOperation\nGetAllTitles\n");
+    AddDisc(4, 1);
+    scripted::PostResult(Pane(), OP_GET_ALL);
+    Settle();
+    EXPECT_EQ(Rows(IDC_GROUP_LIST), "Dsc|4|Disc 4\n");
+    EXPECT_EQ(refusal.Texts(), told);
 }
 
 TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
@@ -136,8 +142,7 @@ TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
     for (const auto& unit : cases) {
         scripted::PostProgress(Pane(), OP_CONNECT, LinkStep::kCheckingStatus);
         BoxReader box(IDS_ERROR_CAPTION);
-        scripted::PostResult(Pane(), OP_CONNECT, unit.status == ST_BUSY ? RC_COMMAND : RC_STATUS, unit.status);
-        ASSERT_TRUE(PumpAll());
+        Hear(OP_CONNECT, unit.status == ST_BUSY ? RC_COMMAND : RC_STATUS, unit.status);
         EXPECT_EQ(box.Texts(), Text(unit.text) + "\n") << int{unit.status};
         EXPECT_EQ(Line(), "");
         EXPECT_TRUE(AreControlsEnabled());
@@ -145,10 +150,9 @@ TEST_F(SearchTest, AUnitThatIsNotReadySaysWhy) {
     scripted::Take();
     Command(IDM_CONNECTION);
     EXPECT_FALSE(AreControlsEnabled());
-    EXPECT_EQ(scripted::Take(), "StopOperation\nConnect COM1\n");
+    EXPECT_EQ(scripted::Take(), "Connect COM1\n");
     BoxReader box(IDS_INFO_CAPTION);
-    scripted::PostResult(Pane(), OP_CONNECT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_CONNECT);
     EXPECT_EQ(box.Texts(), Text(IDS_CONNECTED) + "\n");
     EXPECT_TRUE(AreControlsEnabled());
     EXPECT_EQ(scripted::Take(), "") << "a second time no titles are fetched";
@@ -199,35 +203,34 @@ TEST_F(LinkEventsTest, ProgressIsTold) {
     }
     SendMessageA(Pane(), WM_USER, UC_MESSAGE_LINE, IDS_CONNECTED);
     EXPECT_EQ(Line(), Text(IDS_CONNECTED));
+    SendMessageA(Pane(), WM_USER, UC_MESSAGE_LINE, -1);
+    EXPECT_EQ(Line(), Text(IDS_CONNECTED)) << "no text, and not an empty one";
 }
 
 TEST_F(LinkEventsTest, ResultsAreToldAndLeadOn) {
     constexpr UINT kStatus = IDS_ERROR_NO_STATUS;
     const Outcome outcomes[] = {
-        {OP_GET_ALL, RC_STATUS, ST_FOREIGN, kStatus, false, true, ""},
-        {OP_GET_ALL, RC_COMMAND, ST_MENU_MODE, IDS_ERROR_MENU_MODE, false, true, ""},
-        {OP_GET_ALL, RC_MAP, ST_BAD_REPLY, IDS_ERROR_NO_GROUPS, false, true, ""},
-        {OP_GET_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_GET_ALL, RC_TITLE_WRITE, ST_TIMEOUT, 0, false, false, ""},
-        {OP_GET_ALL, RC_STATUS, ST_OK, 0, false, false, ""},
-        {OP_GET_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_SEND_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_GET_ALL, 0, ST_OK, 0, false, true, "GetGroupTracks 2\n"},
-        {OP_GET_TRACKS, RC_STATUS, ST_FOREIGN, kStatus, false, true, ""},
-        {OP_GET_GROUP, RC_COMMAND, ST_FOREIGN, kStatus, false, true, ""},
-        {OP_GET_TRACKS, RC_TITLE_READ, ST_FOREIGN, IDS_ERROR_NO_TRACKS, false, false, ""},
-        {OP_SEND_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, false, ""},
-        {OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY, IDS_ERROR_NOT_UPDATED, false, false, ""},
-        {OP_GET_TRACKS, RC_MAP, ST_FOREIGN, IDS_ERROR_NO_TRACKS, false, true, ""},
-        {OP_SEND_GROUP, RC_MAP, ST_FOREIGN, IDS_ERROR_NOT_UPDATED, false, true, ""},
-        {OP_SEND_GROUP, RC_MAP, ST_TIMEOUT, IDS_ERROR_TIME_OUT, false, true, ""},
-        {OP_GET_GROUP, RC_TITLE_READ, ST_OK, 0, false, false, ""},
-        {OP_CONNECT, RC_MAP, ST_TIMEOUT, 0, false, false, ""},
-        {0x7777, 0, ST_OK, 0, false, false, ""},
-        {OP_GET_TRACKS, 0, ST_OK, 0, false, true, ""},
-        {OP_GET_GROUP, 0, ST_OK, 0, false, true, ""},
-        {OP_SEND_ALL, 0, ST_OK, 0, false, true, ""},
-        {OP_SEND_GROUP, 0, ST_OK, 0, false, true, ""},
+        {OP_GET_ALL, RC_STATUS, ST_FOREIGN, kStatus, true, ""},
+        {OP_GET_ALL, RC_MAP, ST_BAD_REPLY, IDS_ERROR_NO_GROUPS, true, ""},
+        {OP_GET_ALL, RC_TITLE_READ, ST_TIMEOUT, IDS_ERROR_TIME_OUT, true, ""},
+        {OP_GET_ALL, RC_TITLE_WRITE, ST_TIMEOUT, 0, false, ""},
+        {OP_GET_ALL, RC_STATUS, ST_OK, 0, false, ""},
+        {OP_GET_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, true, ""},
+        {OP_SEND_ALL, 0, ST_TIMEOUT, IDS_ERROR_TIME_OUT, true, ""},
+        {OP_GET_ALL, 0, ST_OK, 0, true, "GetGroupTracks 2\n"},
+        {OP_GET_TRACKS, RC_STATUS, ST_FOREIGN, kStatus, true, ""},
+        {OP_GET_GROUP, RC_COMMAND, ST_FOREIGN, kStatus, true, ""},
+        {OP_GET_TRACKS, RC_TITLE_READ, ST_FOREIGN, IDS_ERROR_NO_TRACKS, false, ""},
+        {OP_SEND_GROUP, RC_TITLE_WRITE, ST_BAD_REPLY, IDS_ERROR_NOT_UPDATED, false, ""},
+        {OP_GET_TRACKS, RC_MAP, ST_FOREIGN, IDS_ERROR_NO_TRACKS, true, ""},
+        {OP_SEND_GROUP, RC_MAP, ST_FOREIGN, IDS_ERROR_NOT_UPDATED, true, ""},
+        {OP_GET_GROUP, RC_TITLE_READ, ST_OK, 0, false, ""},
+        {OP_CONNECT, RC_MAP, ST_TIMEOUT, 0, false, ""},
+        {0x7777, 0, ST_OK, 0, false, ""},
+        {OP_GET_TRACKS, 0, ST_OK, 0, true, ""},
+        {OP_GET_GROUP, 0, ST_OK, 0, true, ""},
+        {OP_SEND_ALL, 0, ST_OK, 0, true, ""},
+        {OP_SEND_GROUP, 0, ST_OK, 0, true, ""},
     };
     AddDisc(1, 2);
     AddDisc(2, 2);
@@ -276,8 +279,7 @@ TEST_F(LinkEventsTest, TheTracksOfASelectedGroupAreFetched) {
     Command(IDM_GET_GROUP);
     scripted::Take();
     BoxReader box(IDS_ERROR_CAPTION);
-    scripted::PostResult(Pane(), OP_GET_GROUP, RC_TITLE_READ, ST_TIMEOUT);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_GET_GROUP, RC_TITLE_READ, ST_TIMEOUT);
     Select(0);
     Sleep(50);
     ASSERT_TRUE(PumpAll());
@@ -308,7 +310,6 @@ TEST_F(LinkEventsTest, TheEndOfWhatWasCutOffIsNotTheEndOfWhatFollows) {
 TEST_F(LinkEventsTest, AnswersGoOnWhileABoxStands) {
     BoxReader boxes(IDS_ERROR_CAPTION, 2);
     scripted::PostResult(Pane(), OP_GET_ALL, RC_MAP, ST_TIMEOUT);
-    scripted::PostResult(Pane(), OP_GET_TRACKS, RC_STATUS, ST_TRAY_OPEN);
-    ASSERT_TRUE(PumpAll());
+    Hear(OP_GET_TRACKS, RC_STATUS, ST_TRAY_OPEN);
     EXPECT_EQ(boxes.Texts(), Text(IDS_ERROR_TRAY_OPEN) + "\n" + Text(IDS_ERROR_TIME_OUT) + "\n") << "the later one on top";
 }

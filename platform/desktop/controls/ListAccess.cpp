@@ -89,6 +89,12 @@ public:
         }
     }
 
+    // A list shows its own text nowhere.
+    QString text(QAccessible::Text kind) const override {
+        const ScreenWindow* window = Desktop::Get().Find(HandleOfWidget(*widget()));
+        return kind == QAccessible::Name && window != nullptr ? ToQString(window->text) : QAccessibleWidget::text(kind);
+    }
+
     int childCount() const override { return Count() + QAccessibleWidget::childCount(); }
 
     QAccessibleInterface* child(int index) const override {

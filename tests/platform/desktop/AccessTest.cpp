@@ -38,6 +38,8 @@ protected:
 TEST_F(Access, RowsAreReadWithTheirFields) {
     QAccessibleInterface* rows = Of(list);
     ASSERT_EQ(rows->role(), QAccessible::List);
+    SetWindowTextA(list, "Groups");
+    EXPECT_EQ(NameOf(rows), "Groups");
     ASSERT_EQ(rows->childCount(), 3);
     EXPECT_EQ(NameOf(rows->child(0)), "Dsc 1 Sea & Sand");
     EXPECT_EQ(NameOf(rows->child(1)), "Dsc 2");

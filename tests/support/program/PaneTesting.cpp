@@ -81,6 +81,17 @@ void PaneTest::Command(WORD command) {
     Settle();
 }
 
+void PaneTest::Hear(WORD operation, BYTE code, BYTE status) {
+    scripted::PostResult(Pane(), operation, code, status);
+    EXPECT_TRUE(PumpAll());
+}
+
+LOGFONTA PaneTest::FontOf(int list) const {
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(Control(list), WM_GETFONT, 0, 0)), sizeof font, &font);
+    return font;
+}
+
 std::string PaneTest::Line() const {
     EXPECT_TRUE(PumpAll());
     // The line is drawn by a timer.

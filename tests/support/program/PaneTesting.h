@@ -47,9 +47,12 @@ protected:
     void SelectIn(int list, int row);
     // By its menu, and what comes of it.
     void Command(WORD command);
+    // What the link says at its end, and what comes of it.
+    void Hear(WORD operation, BYTE code = 0, BYTE status = ST_OK);
 
     std::string Rows(int list) const { return RowsOf(Control(list)); }
     int Selected(int list) const { return SelectedRowOf(Control(list)); }
+    LOGFONTA FontOf(int list) const;
     // What the message line says once everything is served.
     std::string Line() const;
     // Waits until the link was asked for exactly that since the last scripted::Take.

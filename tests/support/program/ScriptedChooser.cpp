@@ -53,4 +53,8 @@ BOOL CALLBACK SaveFile(OPENFILENAMEA* chooser) {
     return Answer(chooser, true);
 }
 
+BOOL CALLBACK PickFont(CHOOSEFONTA* chooser) {
+    return onFont && onFont(*chooser) ? TRUE : FALSE;
+}
+
 }  // namespace scripted

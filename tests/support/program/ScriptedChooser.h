@@ -1,11 +1,12 @@
-// Stands in for the platform's file chooser: writes down what it is given, and answers at once. Whatever is linked with it
-// has this one in place of the platform's.
+// Stands in for the platform's choosers of files and fonts: writes down what it is given, and answers at once. Whatever is
+// linked with it has these in place of the platform's.
 #pragma once
 
 #include <windows.h>
 
 #include <commdlg.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -29,8 +30,12 @@ void AnswerChooser(std::optional<std::string> path);
 // What the chooser was last given, if it was opened since the last call.
 std::optional<ChooserRequest> TakeChooserRequest();
 
-// The two calls.
+// The user in front of the font chooser; true for OK. Without one it is cancelled.
+inline std::function<bool(CHOOSEFONTA& chooser)> onFont;
+
+// The calls.
 BOOL CALLBACK OpenFile(OPENFILENAMEA* chooser);
 BOOL CALLBACK SaveFile(OPENFILENAMEA* chooser);
+BOOL CALLBACK PickFont(CHOOSEFONTA* chooser);
 
 }  // namespace scripted

@@ -1,4 +1,5 @@
-// The program's calls of the chooser come here, and not to the layer, whose object file is not taken from its library then.
+// The program's calls of the choosers come here, and not to the layer, whose object files are not taken from its library
+// then.
 #include "ScriptedChooser.h"
 
 BOOL GetOpenFileNameA(OPENFILENAMEA* chooser) {
@@ -7,4 +8,8 @@ BOOL GetOpenFileNameA(OPENFILENAMEA* chooser) {
 
 BOOL GetSaveFileNameA(OPENFILENAMEA* chooser) {
     return scripted::SaveFile(chooser);
+}
+
+BOOL ChooseFontA(CHOOSEFONTA* chooser) {
+    return scripted::PickFont(chooser);
 }

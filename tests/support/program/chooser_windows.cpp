@@ -7,5 +7,8 @@ using Chooser = BOOL(CALLBACK*)(OPENFILENAMEA*);
 extern Chooser openFile asm("__imp_GetOpenFileNameA");
 extern Chooser saveFile asm("__imp_GetSaveFileNameA");
 
+extern BOOL(CALLBACK* pickFont)(CHOOSEFONTA*) asm("__imp_ChooseFontA");
+
 Chooser openFile = scripted::OpenFile;
 Chooser saveFile = scripted::SaveFile;
+BOOL(CALLBACK* pickFont)(CHOOSEFONTA*) = scripted::PickFont;

@@ -28,7 +28,7 @@ struct LinkResult {
     std::uint16_t operation = 0;  // 0 for a void frame
     std::uint8_t code = 0;        // RC_
     std::uint8_t status = ST_OK;  // ST_
-    std::uint32_t data = 0;       // depends on the code: model, status, command, map kind or title
+    std::uint32_t data = 0;       // depends on the code: model, status, map kind or title
 };
 
 // Order of calling: SetPaneWindow, SetTitleStore and SetDisplayRanges, then Connect, then, once the connect has ended with

@@ -108,10 +108,7 @@ bool DeviceLink::ReadFrame(FrameKind kind, std::string_view frame) {
             result.code = RC_STATUS;
             result.data = request.arg1 << 16 | HexAt(frame, kStatusValueOffset, 2);
             return true;
-        case FrameKind::kCommand:
-            result.code = RC_COMMAND;
-            result.data = request.arg1;
-            return true;
+        case FrameKind::kCommand: result.code = RC_COMMAND; return true;
         case FrameKind::kMap: return ReadMapReply(request, frame);
         case FrameKind::kTitleRead: return ReadTitleReply(request, frame);
         default: return ReadWriteReply(request, frame);

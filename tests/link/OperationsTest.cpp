@@ -81,6 +81,7 @@ TEST(GetAll, GoesOnWhenTheUnitRefusesTheMaps) {
         EXPECT_EQ(run.FramesSinceConnect(),
                   After(kStatusCheck, {"50100300000000000000", "50100301000000000000", "50100520010000000000"}));
         EXPECT_EQ(run.Results(), 1U);
+        EXPECT_EQ(ProgressNumbers(run), (std::vector<WPARAM>{139265, 270337, 401409, 466945}));
     });
 }
 
@@ -93,6 +94,10 @@ TEST(GetGroup, ReadsTheOwnTitleUnlessItIsKnown) {
         run.posted.clear();
         ASSERT_TRUE(run.Ends(run.link.GetOneGroup(AlbumGroup(2)), OP_GET_GROUP));
         EXPECT_EQ(run.FramesSinceConnect().size(), 5U);
+        run.posted.clear();
+        run.link.SetDisplayRanges({.trackFrom = 0, .trackTo = 0});
+        ASSERT_TRUE(run.Ends(run.link.GetOneGroup(AlbumGroup(3)), OP_GET_GROUP));
+        EXPECT_EQ(ProgressNumbers(run), std::vector<WPARAM>{139265});
     });
 }
 

@@ -55,6 +55,12 @@ TEST(StatusCheck, FollowsTheUnitsValues) {
                 EXPECT_EQ(run.Results(), 1U) << each.what;
                 EXPECT_EQ(run.link.IsOperationActive(), each.standsIdle) << each.what;
             }
+            // Each question but the first waits for 100 ms, and each frame for 120; commands do not.
+            const auto& frames = run.unit.Frames();
+            for (std::size_t i = 1; i < frames.size(); ++i) {
+                const bool poll = frames[i].frame == kReadyQuery && frames[i - 1].frame == kReadyQuery;
+                EXPECT_GE(frames[i].timeUs - frames[i - 1].timeUs, poll ? 220'000U : 120'000U) << each.what;
+            }
             Texts asked = run.FramesSinceConnect();
             EXPECT_EQ(asked.front(), "52060");
             asked.erase(asked.begin());

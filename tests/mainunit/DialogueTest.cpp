@@ -57,14 +57,5 @@ TEST(Dialogue, NamesReplies) {
     }
 }
 
-TEST(Dialogue, WritesALineOfTimeDirectionMeaningAndBytes) {
-    EXPECT_EQ(Dialogue::RequestLine(12'345, std::string("\x11") + "000\x03"),
-              "   12.345 > ModelQuery                                        11 30 30 30 03");
-    EXPECT_EQ(Dialogue::ReplyLine(7, "\x06"), "    0.007 < 1 byte, no sound frame                            06");
-    const std::string refused = Dialogue::RequestLine(0, "\xFF", "bytes outside a frame");
-    EXPECT_NE(refused.find("> 1 byte (bytes outside a frame) "), std::string::npos) << refused;
-    EXPECT_EQ(refused.substr(refused.size() - 3), " FF");
-}
-
 }  // namespace
 }  // namespace mainunit

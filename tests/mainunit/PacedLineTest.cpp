@@ -36,21 +36,6 @@ TEST(PacedLine, OrdersByDueTimeButCutsNoChunk) {
     EXPECT_EQ(line.Take(1000 * kByteNs).bytes, "late");
 }
 
-TEST(PacedLine, TakesNoTimeUnpaced) {
-    PacedLine line(0);
-    EXPECT_EQ(line.ArrivalNs(24, 7), 7);
-    line.Add("abc", 7);
-    EXPECT_EQ(line.NextNs(), 7);
-    EXPECT_EQ(line.Take(7).bytes, "abc");
-}
-
-TEST(PacedLine, CountsTheTimeOfWhatComesIn) {
-    PacedLine line(10'000);
-    EXPECT_EQ(line.ArrivalNs(4, 0), 4 * kByteNs);
-    EXPECT_EQ(line.ArrivalNs(2, 1 * kByteNs), 6 * kByteNs) << "behind the bytes before";
-    EXPECT_EQ(line.ArrivalNs(1, 50 * kByteNs), 51 * kByteNs);
-}
-
 TEST(PacedLine, HoldsNoMoreThanItsLimit) {
     PacedLine line(10'000);
     const std::string block(1024, 'x');

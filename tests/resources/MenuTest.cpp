@@ -1,4 +1,4 @@
-// The menu and the accelerators.
+// The menu.
 #include <string>
 #include <vector>
 
@@ -65,19 +65,6 @@ TEST(MenuResource, HasEveryItemInBothLanguages) {
         AddRows(*menu, rows);
         EXPECT_EQ(rows, ExpectedMenu(language == kEnglish ? "Version Info(&A)..." : "ﾊﾞｰｼﾞｮﾝ情報(&A)..."));
     }
-}
-
-TEST(AcceleratorResource, ServesBothLanguagesFromOneTable) {
-    EXPECT_TRUE(Found(RT_ACCELERATOR, 107, kEnglish).empty());
-    const auto table = kernel::ParseAccelerators(Found(RT_ACCELERATOR, 107, kJapanese));
-    ASSERT_TRUE(table);
-    ASSERT_EQ(table->size(), 2u);
-    EXPECT_EQ((*table)[0].fVirt, FVIRTKEY | FNOINVERT | FCONTROL);
-    EXPECT_EQ((*table)[0].key, 'U');
-    EXPECT_EQ((*table)[0].cmd, 40004);
-    EXPECT_EQ((*table)[1].fVirt, FVIRTKEY | FNOINVERT);
-    EXPECT_EQ((*table)[1].key, VK_RETURN);
-    EXPECT_EQ((*table)[1].cmd, 40007);
 }
 
 }  // namespace

@@ -73,14 +73,6 @@ TEST(Time, TicksCountAndATimeoutComesAtItsTimeAndASignalBeforeIt) {
     });
 }
 
-// Time jumps to the next thing that happens, and to nothing else.
-TEST(Time, DaysPassAtOnce) {
-    Simulation simulation({.jitterMs = 0});
-    ExpectDone(simulation, [&] { Sleep(24 * 3600 * 1000); }, 25 * kHour);
-    EXPECT_EQ(simulation.Now(), 24 * kHour);
-    EXPECT_LE(simulation.Switches(), 3U);
-}
-
 TEST(Time, CallbacksComeInOrderAndBeforeTheThreadsOfTheirMoment) {
     Simulation simulation({.jitterMs = 0});
     std::vector<std::pair<int, std::uint64_t>> events;

@@ -17,7 +17,8 @@ struct LinkRequest {
     bool IsFree() const { return kind == kFree; }
 };
 
-// A ring of entries, of which one is current; a free entry ends the queue. It is planned as a whole, then worked through.
+// A ring of entries. One of them is current, and a free one ends the queue. It is planned as a whole and then worked
+// through.
 class RequestRing {
 public:
     static constexpr std::uint32_t kSize = 1998;

@@ -220,8 +220,8 @@ bool DeviceLink::FillStep(Action action) {
             break;
         case Action::kWriteTitles:
             if (titleStore != nullptr) {
-                writesOpen = true;
                 TitlePlanner(*titleStore, ranges).PlanWrites(operationGroup, ring);
+                writesOpen = writesOpen || !ring.Current().IsFree();
             }
             break;
     }

@@ -39,7 +39,7 @@ inline constexpr BYTE ST_MENU_MODE = 36;    // the unit is in MENU mode
 inline constexpr BYTE ST_FOREIGN = 225;     // the reply does not answer the request on the line; never posted
 inline constexpr BYTE ST_LAST = 255;        // success, and the last reply of the queue; never posted
 
-// What an operation is doing. There is no step 3, and kProbing reports as kReadingGroup.
+// What an operation is doing. The number 3 is not used. LM_PROGRESS reports kProbing as kReadingGroup.
 enum class LinkStep : BYTE {
     kNone = 0,
     kFindingModel = 1,

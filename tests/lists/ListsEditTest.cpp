@@ -186,7 +186,7 @@ TEST_F(ListsEditTest, OtherWaysToEndAnEditCommitAndStay) {
         EXPECT_EQ(Title(side, 2), other);
         EXPECT_EQ(Now(side), "2, focus") << "the row that the user clicked";
 
-        // Escape is no key of the editor.
+        // The editor ignores Escape.
         Type(side, "Still there");
         PressKeys({VK_ESCAPE});
         PressKeys({VK_TAB});

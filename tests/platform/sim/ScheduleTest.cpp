@@ -132,7 +132,7 @@ TEST(Schedule, TheSeedDrawsWhomASignalLetsGo) {
     EXPECT_EQ(drawn.size(), 3U);
 }
 
-// The runtime of the language keeps exceptions by thread of the system, of which there is one.
+// The C++ runtime keeps exceptions for each system thread, and all threads of a simulation share one.
 TEST(Schedule, ExceptionsBelongToTheirThread) {
     Simulation simulation({});
     ExpectDone(simulation, [] {

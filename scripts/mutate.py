@@ -23,11 +23,21 @@ RESULTS = WORK / "results.json"
 FLAGS = "-O1 -Wno-parentheses"
 # What tests a folder, and what stands on it, with the fastest first. The last is left to what has passed all before.
 SIMULATION = ["sim_run", "--seeds", "40"]
+# Window tests run in one process here, which is much faster than a process for each.
+WINDOWS = [["lists_tests"], ["pane_tests"], ["shell_tests"]]
+# The real program, by keys and mouse, on a screen of its own for each case.
+REAL_INPUT = ["real_input_tests", "-j2"]
 PROGRAMS = {
     "store": [["store_tests"], ["link_tests"], SIMULATION],
     "link": [["link_tests"], SIMULATION],
     "files": [["files_tests"]],
+    "lists": [*WINDOWS, REAL_INPUT],
+    "pane": [*reversed(WINDOWS), REAL_INPUT],
+    "shell": [["shell_tests"], ["pane_tests"], REAL_INPUT],
+    "platform/desktop": [["window_tests"], ["desktop_tests"], ["drawing_tests"], *WINDOWS, REAL_INPUT],
 }
+# What ctest has to run, by the prefix of its cases.
+CASES = {"real_input_tests": r"^real\."}
 # On real threads and a pseudo terminal: the simulation has a line and threads of its own.
 REAL_LINE = ["link_thread_tests"]
 MORE_PROGRAMS = {"link/SerialPort.cpp": [REAL_LINE], "link/WorkerThread.cpp": [REAL_LINE]}
@@ -85,11 +95,11 @@ def mutated(text, edits):
     return text
 
 
-def draw(seed):
+def draw(seed, folders):
     """Endless faults, each once: a line first, so that long tables of constants do not push out everything else."""
     lines = []
-    for folder in PROGRAMS:
-        for path in sorted(TREE.glob(folder + "/*.cpp")):
+    for folder in folders:
+        for path in sorted(TREE.glob(folder + "/**/*.cpp")):
             name = str(path.relative_to(TREE))
             if name not in LEFT_OUT:
                 lines += [(name, edits) for edits in mutations(path.read_text()).values()]
@@ -123,9 +133,20 @@ def limit_memory():
     resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
 
 
+def command(program):
+    name, *options = program
+    if name in CASES:
+        return ["ctest", "--test-dir", str(BUILD), "-R", CASES[name], "--stop-on-failure", *options]
+    # The help is looked for beside the folder of the program, so this one stands in a folder of its own.
+    folder = "tests/platform/desktop/program/bin" if name == "desktop_tests" else "bin"
+    options = ["--gtest_fail_fast", *options] if name.endswith("_tests") else options
+    return [str(BUILD / folder / name), *options]
+
+
 def passes(program, seconds):
     process = subprocess.Popen(
-        [str(BUILD / "bin" / program[0]), *program[1:]],
+        command(program),
+        env=os.environ | {"LANG": "en_US.UTF-8"},
         stdin=subprocess.DEVNULL,
         stdout=subprocess.DEVNULL,
         stderr=subprocess.DEVNULL,
@@ -144,11 +165,15 @@ def passes(program, seconds):
         process.wait()
 
 
+def folder_of(name):
+    return next(folder for folder in PROGRAMS if name.startswith(folder + "/"))
+
+
 def programs_for(name):
-    return PROGRAMS[name.split("/")[0]] + MORE_PROGRAMS.get(name, [])
+    return PROGRAMS[folder_of(name)] + MORE_PROGRAMS.get(name, [])
 
 
-def prepare():
+def prepare(folders):
     """Gives a time limit for each program, from its time on the true sources."""
     copy_tree()
     subprocess.run(
@@ -157,7 +182,8 @@ def prepare():
         stdout=subprocess.DEVNULL,
     )
     limits = {}
-    for program in sum([*PROGRAMS.values(), *MORE_PROGRAMS.values()], []):
+    more = [programs for name, programs in MORE_PROGRAMS.items() if folder_of(name) in folders]
+    for program in sum([*(PROGRAMS[folder] for folder in folders), *more], []):
         if program[0] in limits:
             continue
         built, log = build(program[0])
@@ -215,8 +241,8 @@ def report(judged):
     for name, edits in survivors:
         place, before, after = describe(name, edits)
         print(f"{place}\n    before  {before}\n    after   {after}")
-    for folder in PROGRAMS:
-        own = [caught for name, _, caught in judged if name.startswith(folder + "/")]
+    for folder in sorted({folder_of(name) for name, _, _ in judged}):
+        own = [caught for name, _, caught in judged if folder_of(name) == folder]
         by = {program: own.count(program) for program in sorted(set(filter(None, own)))}
         print(f"{folder}: {len(own) - own.count(None)} of {len(own)} caught", *(f"{n} by {p}" for p, n in by.items()), sep=", ")
     print(f"all: {len(judged) - len(survivors)} of {len(judged)} caught")
@@ -230,15 +256,20 @@ def main():
         fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
     except OSError:
         sys.exit("Another run works in build/mutate")
-    limits = prepare()
     if sys.argv[1] == "--again":
         last = json.loads(RESULTS.read_text())
+        limits = prepare(sorted({folder_of(name) for name, _, _ in last}))
         # Where the source has changed the places are no longer the same.
         kept = [(name, edits) for name, edits, text in last if (ROOT / name).read_text() == text]
         report(run(iter(kept), limits, len(kept)))
         return
+    folders = sys.argv[3:] or list(PROGRAMS)
+    unknown = [folder for folder in folders if folder not in PROGRAMS]
+    if unknown:
+        sys.exit(f"No tests are known for {' '.join(unknown)}; there are {' '.join(PROGRAMS)}")
+    limits = prepare(folders)
     wanted = int(sys.argv[2])
-    survivors = report(run(draw(int(sys.argv[1])), limits, wanted))
+    survivors = report(run(draw(int(sys.argv[1]), folders), limits, wanted))
     RESULTS.write_text(json.dumps([(name, edits, (ROOT / name).read_text()) for name, edits in survivors]))
 
 

@@ -31,11 +31,13 @@ PROGRAMS = {
     "store": [["store_tests"], ["link_tests"], SIMULATION],
     "link": [["link_tests"], SIMULATION],
     "files": [["files_tests"]],
-    "lists": [*WINDOWS, REAL_INPUT],
-    "pane": [*reversed(WINDOWS), REAL_INPUT],
-    "shell": [["shell_tests"], ["pane_tests"], REAL_INPUT],
-    "platform/desktop": [["window_tests"], ["desktop_tests"], ["drawing_tests"], *WINDOWS, REAL_INPUT],
+    "lists": WINDOWS,
+    "pane": [*reversed(WINDOWS)],
+    "shell": [["shell_tests"], ["pane_tests"]],
+    "platform/desktop": [["window_tests"], ["desktop_tests"], ["drawing_tests"], *WINDOWS],
 }
+# Minutes for each fault, so these are left to the survivors.
+AGAIN = {"lists": [REAL_INPUT], "pane": [REAL_INPUT], "shell": [REAL_INPUT], "platform/desktop": [REAL_INPUT]}
 # What ctest has to run, by the prefix of its cases.
 CASES = {"real_input_tests": r"^real\."}
 # On real threads and a pseudo terminal: the simulation has a line and threads of its own.
@@ -95,14 +97,16 @@ def mutated(text, edits):
     return text
 
 
+def sources(folders):
+    paths = [path for folder in folders for path in sorted((ROOT / folder).glob("**/*.cpp"))]
+    return [name for name in (str(path.relative_to(ROOT)) for path in paths) if name not in LEFT_OUT]
+
+
 def draw(seed, folders):
     """Endless faults, each once: a line first, so that long tables of constants do not push out everything else."""
     lines = []
-    for folder in folders:
-        for path in sorted(TREE.glob(folder + "/**/*.cpp")):
-            name = str(path.relative_to(TREE))
-            if name not in LEFT_OUT:
-                lines += [(name, edits) for edits in mutations(path.read_text()).values()]
+    for name in sources(folders):
+        lines += [(name, edits) for edits in mutations((TREE / name).read_text()).values()]
     numbers = random.Random(seed)
     while lines:
         name, faults = numbers.choice(lines)
@@ -169,11 +173,12 @@ def folder_of(name):
     return next(folder for folder in PROGRAMS if name.startswith(folder + "/"))
 
 
-def programs_for(name):
-    return PROGRAMS[folder_of(name)] + MORE_PROGRAMS.get(name, [])
+def programs_for(name, again):
+    folder = folder_of(name)
+    return PROGRAMS[folder] + MORE_PROGRAMS.get(name, []) + (AGAIN.get(folder, []) if again else [])
 
 
-def prepare(folders):
+def prepare(names, again):
     """Gives a time limit for each program, from its time on the true sources."""
     copy_tree()
     subprocess.run(
@@ -182,8 +187,7 @@ def prepare(folders):
         stdout=subprocess.DEVNULL,
     )
     limits = {}
-    more = [programs for name, programs in MORE_PROGRAMS.items() if folder_of(name) in folders]
-    for program in sum([*(PROGRAMS[folder] for folder in folders), *more], []):
+    for program in sum((programs_for(name, again) for name in names), []):
         if program[0] in limits:
             continue
         built, log = build(program[0])
@@ -195,11 +199,11 @@ def prepare(folders):
     return limits
 
 
-def judge(name, edits, limits):
+def judge(name, edits, limits, again):
     """Who catches the fault: a program, None, or "" for the compiler."""
     path = TREE / name
     path.write_text(mutated((ROOT / name).read_text(), edits))
-    for program in programs_for(name):
+    for program in programs_for(name, again):
         if not build(program[0])[0]:
             return ""
         if not passes(program, limits[program[0]]):
@@ -215,7 +219,7 @@ def describe(name, edits):
     return f"{name}:{line + 1}", before, after
 
 
-def run(faults, limits, wanted):
+def run(faults, limits, wanted, again):
     """Takes as many as count. Sorted by file, so that mostly one file is compiled for each."""
     judged = []
     last = None
@@ -227,7 +231,7 @@ def run(faults, limits, wanted):
             if last not in (None, name):
                 (TREE / last).write_bytes((ROOT / last).read_bytes())
             last = name
-            caught = judge(name, edits, limits)
+            caught = judge(name, edits, limits, again)
             place, before, after = describe(name, edits)
             verdict = "survived" if caught is None else f"caught by {caught}" if caught else "does not compile"
             print(f"{len(judged) + (caught != '')}/{wanted} {place}: {verdict}\n    {before}\n    {after}", file=sys.stderr)
@@ -258,18 +262,18 @@ def main():
         sys.exit("Another run works in build/mutate")
     if sys.argv[1] == "--again":
         last = json.loads(RESULTS.read_text())
-        limits = prepare(sorted({folder_of(name) for name, _, _ in last}))
+        limits = prepare([name for name, _, _ in last], again=True)
         # Where the source has changed the places are no longer the same.
         kept = [(name, edits) for name, edits, text in last if (ROOT / name).read_text() == text]
-        report(run(iter(kept), limits, len(kept)))
+        report(run(iter(kept), limits, len(kept), again=True))
         return
     folders = sys.argv[3:] or list(PROGRAMS)
     unknown = [folder for folder in folders if folder not in PROGRAMS]
     if unknown:
         sys.exit(f"No tests are known for {' '.join(unknown)}; there are {' '.join(PROGRAMS)}")
-    limits = prepare(folders)
+    limits = prepare(sources(folders), again=False)
     wanted = int(sys.argv[2])
-    survivors = report(run(draw(int(sys.argv[1]), folders), limits, wanted))
+    survivors = report(run(draw(int(sys.argv[1]), folders), limits, wanted, again=False))
     RESULTS.write_text(json.dumps([(name, edits, (ROOT / name).read_text()) for name, edits in survivors]))
 
 

@@ -100,6 +100,9 @@ RECT CListLeft::SelectedRowInWindow() const {
 // The track list hears of it when another row is selected, when the selected row has moved on the screen, and when the group
 // was lost in a refill.
 void CListLeft::NotifySelectedRow(int prevRow) {
+    if (IsRefilling()) {
+        return;
+    }
     const RECT rect = SelectedRowInWindow();
     const bool hasMoved = !EqualRect(&rect, &selRowRect);
     selRowRect = rect;
@@ -110,8 +113,9 @@ void CListLeft::NotifySelectedRow(int prevRow) {
         OnNcPaint(nullptr);
     }
     // While the wheel turns, the tab moves alone: tracks are asked for at the end, not at each notch.
+    const bool keepsTracks = IsTurning() && curGroup >= 0;
     GroupId group = curGroup;
-    if ((!IsTurning() || curGroup < 0) && GetSelectedIds(&group, nullptr) == 0) {
+    if (!keepsTracks && GetSelectedIds(&group, nullptr) == 0) {
         return;
     }
     curGroup = group;

@@ -44,6 +44,7 @@ void CListRight::SetLinkedRow(const RECT& rect, GroupId newGroup) {
         OnNcPaint(nullptr);
     }
     if (isGroupChanged) {
+        EndEdit();
         requests.Cancel();
         SendMessageA(hwnd, LB_RESETCONTENT, 0, 0);
         // Sent, so that the pane works on this group before anything else happens.

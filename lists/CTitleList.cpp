@@ -113,7 +113,7 @@ void CTitleList::RebuildTick() {
 
 // On the thread that asks for refills, so nothing overtakes this one any more once it is found to be the latest.
 void CTitleList::EndRefill(const Refill& refill) {
-    // A press before this was on another row.
+    // The row that was pressed may be another one now.
     clickInClient = false;
     if (requests.End(refill)) {
         const LRESULT count = SendMessageA(hwnd, LB_GETCOUNT, 0, 0);
@@ -166,6 +166,9 @@ void CTitleList::ClearRows() {
 }
 
 int CTitleList::ReplaceRowText(int rowIndex, const char* text) {
+    if (requests.Repeat()) {
+        return 1;
+    }
     const auto row = static_cast<WPARAM>(rowIndex);
     char rowText[kRowTextSize] = "";
     char* field = GetRowText(rowIndex, rowText) ? TitleField(rowText) : nullptr;
@@ -248,8 +251,12 @@ int CTitleList::GetSelectedIds(GroupId* group, TrackNo* track) const {
     return 1;
 }
 
-// The editor is closed first, so that it commits while the row that it was opened on still counts as selected.
+// The editor is closed first, so that it commits while the row that it was opened on still counts as selected. Rows that are
+// only just being filled stand for other titles than those that the user sees; the end of the refill selects again.
 void CTitleList::OnSelChange() {
+    if (IsRefilling()) {
+        return;
+    }
     const auto selected = static_cast<int>(SendMessageA(hwnd, LB_GETCURSEL, 0, 0));
     if (selected == curSel) {
         return;
@@ -259,5 +266,6 @@ void CTitleList::OnSelChange() {
         curSel = selected;
     }
     editArmed = !clickInClient;
+    // An edit that Enter ended has moved the control's selection on.
     PostMessageA(hwnd, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
 }

@@ -131,7 +131,7 @@ int CTitleList::SetTitle(GroupId group, TrackNo track, int rowIndex, const char*
     if (!IsEditable(group, track) || StoreTitle(group, track, text) == 0) {
         return 0;
     }
-    return rowIndex < 0 || ReplaceRowText(rowIndex, text) != 0 ? 1 : 0;
+    return requests.Repeat() || rowIndex < 0 || ReplaceRowText(rowIndex, text) != 0 ? 1 : 0;
 }
 
 void CTitleList::FollowEdit() {

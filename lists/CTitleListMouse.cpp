@@ -14,6 +14,7 @@ constexpr int kFirstInterval = 15;
 constexpr int kShorter = 3;  // each interval is a third of the one before
 constexpr UINT kTickMs = 1;
 
+constexpr UINT_PTR kRepeatTimer = 0;
 constexpr UINT_PTR kTurnTimer = 1;
 constexpr UINT kTurnMs = 150;  // without a notch: the turn is over
 
@@ -93,15 +94,16 @@ void CTitleList::OnLButtonDown(BOOL /*isDouble*/, int x, int y, WPARAM /*keys*/)
     repeatInterval = kFirstInterval;
     repeatCount = 0;
     if (repeatTimer == 0) {
-        repeatTimer = SetTimer(hwnd, 0, kTickMs, nullptr);
+        repeatTimer = SetTimer(hwnd, kRepeatTimer, kTickMs, nullptr);
     }
 }
 
 void CTitleList::OnTimer(UINT_PTR timerId) {
-    if (timerId == kTurnTimer) {
-        EndTurn();
-    }
-    if (timerId != 0) {
+    // The control has timers of its own.
+    if (timerId != kRepeatTimer) {
+        if (timerId == kTurnTimer) {
+            EndTurn();
+        }
         return;
     }
     if (repeatInterval != repeatCount) {
@@ -133,8 +135,8 @@ void CTitleList::MoveSelection(int rows) {
     PostSelChange();
 }
 
-// The rows move only with the selection, a row for each notch. Systems that turn what has the focus tell of the pointer all
-// the same. While a title is edited the rows stand still.
+// The rows move only with the selection, a row for each notch. Windows sends the wheel to the list with the focus, wherever
+// the pointer is. While a title is edited the rows stand still.
 void CTitleList::OnMouseWheel(int turn, int x, int y) {
     RECT window = {};
     GetWindowRect(hwnd, &window);
@@ -172,7 +174,7 @@ void CTitleList::OnMouseMove(int x, int y, WPARAM /*keys*/) {
 
 void CTitleList::EndTracking() {
     if (repeatTimer != 0) {
-        KillTimer(hwnd, 0);
+        KillTimer(hwnd, kRepeatTimer);
         repeatTimer = 0;
         repeatInterval = -1;
         repeatCount = -1;

@@ -15,6 +15,14 @@ void RefillRequests::Cancel() {
     rebuildRequested = false;
 }
 
+bool RefillRequests::Repeat() {
+    const LockGuard guard(lock);
+    if (rebuildRequested) {
+        latest.Add(1);
+    }
+    return rebuildRequested;
+}
+
 void RefillRequests::SetRanges(const DisplayRanges& newRanges) {
     const LockGuard guard(lock);
     ranges = newRanges;

@@ -22,6 +22,9 @@ public:
     // A refill of this group from now on. What a list without groups to choose from makes of the number is its own business.
     void Request(GroupId group);
     void Cancel();
+    // A title has changed: a refill that is wanted or under way begins once more, for it may have read the old text. False
+    // if there is none.
+    bool Repeat();
     // For the refills that are asked for from now on.
     void SetRanges(const DisplayRanges& newRanges);
     bool IsRequested() const;

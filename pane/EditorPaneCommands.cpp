@@ -122,6 +122,10 @@ void EditorPane::UndoLastEdit() {
 
 // Nothing is shown of a group without a row, and of a track whose group is only just being shown.
 void EditorPane::ShowUndone(GroupId group, TrackNo track, const char* text) {
+    if (groupList->IsRefilling()) {
+        RefreshGroups(group);
+        return;
+    }
     const int groupRow = groupList->FindGroupRow(group);
     if (groupRow < 0) {
         return;

@@ -295,6 +295,19 @@ TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
     host.trackList.ClearRows();
     EndEdit(tracks);
     EXPECT_EQ(Title(2, 3), "Typed at once");
+    // Or its row is only just being filled.
+    ASSERT_TRUE(host.Refill(2));
+    Type(tracks, "In the middle");
+    host.trackList.RequestRefill(2);
+    ASSERT_TRUE(host.WhileFilling(host.Tracks(), 1, [&] { EndEdit(tracks); }));
+    ASSERT_TRUE(host.Settle());
+    EXPECT_TRUE(HasRow(tracks, "|3|In the middle\n"));
+    // Or another group is shown.
+    Type(tracks, "Of Disc 2");
+    TurnWheel(host.Groups(), host.Groups(), WHEEL_DELTA);
+    SendMessageA(host.Groups(), WM_TIMER, kTurnTimer, 0);
+    EXPECT_FALSE(IsOpen(tracks));
+    EXPECT_EQ(Title(2, 3), "Of Disc 2");
 }
 
 TEST_F(ListsEditTest, NothingIsEditedWhileTheRowsAreFilled) {
@@ -302,17 +315,21 @@ TEST_F(ListsEditTest, NothingIsEditedWhileTheRowsAreFilled) {
     host.store.ClearGroup(1);
     host.store.StoreReceived(2, 1, nullptr);
     for (const Side& side : sides) {
+        const int trackRow = host.trackList.SelectedRow();
         side.list.RequestRefill(2);
         ASSERT_TRUE(host.WhileFilling(side.window, 2, [&] {
             SendMessageA(side.window, WM_KEYDOWN, VK_DELETE, 0);
             SendMessageA(side.window, WM_KEYDOWN, VK_RETURN, 0);
             EXPECT_FALSE(IsOpen(side));
             EXPECT_EQ(side.list.ApplyTitle(1, "x"), 0);
+            SendMessageA(side.window, WM_KEYDOWN, VK_END, 0);
             SendMessageA(side.window, WM_LBUTTONDOWN, MK_LBUTTON,
                          MAKELPARAM(50, static_cast<WORD>(RowOf(side.window, 1).top + 2)));
         }));
         ASSERT_TRUE(host.Settle());
         EXPECT_EQ(host.store.CanUndo(), 0);
+        EXPECT_EQ(host.groupList.SelectedGroup(), 2) << "nor selected";
+        EXPECT_EQ(host.trackList.SelectedRow(), trackRow);
         Mouse(side, WM_LBUTTONUP, 1);
         EXPECT_FALSE(IsOpen(side)) << "the press was on another title";
     }

@@ -94,7 +94,8 @@ TEST(ListsTest, TheTracksFollowTheSelectedGroup) {
     EXPECT_TRUE(host.requests[0].code == UC_GROUP_CHANGED && host.requests[0].argument == 2);
 
     PressKeys({VK_UP});
-    ASSERT_TRUE(PumpUntil([&] { return RowsOf(host.Tracks()) == "Tr|1|Disc 1, Track 1\nTr|2|Disc 1, Track 2\n"; }));
+    ASSERT_TRUE(PumpUntil([&] { return RowsOf(host.Tracks()) == "Tr|1|Disc 1, Track 1\nTr|2|Disc 1, Track 2\n"; }) &&
+                host.Settle());
 
     // The selection in the tracks is nobody else's business, and stays where it is as long as the group does.
     host.trackList.SelectRow(1);

@@ -415,6 +415,8 @@ void MenuLoop::MouseOnBar(MouseKind kind, int item) {
             ended = true;
         } else if (kind == MouseKind::kPress) {
             Open(false);
+        } else {
+            SelectItem(-1);
         }
         return;
     }

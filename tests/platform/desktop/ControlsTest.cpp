@@ -68,13 +68,20 @@ TEST(ListFocus, IsDrawnBehindTheSelection) {
     DestroyWindow(parent);
 }
 
-TEST(Paste, WhatTheCodePageLacksIsABlank) {
-    HWND parent = MakeTopLevel("Paste");
+TEST(Input, WhatTheCodePageLacksIsABlank) {
+    HWND parent = MakeTopLevel("Input");
     HWND edit = Add(parent, "EDIT", ES_AUTOHSCROLL, 0);
     QGuiApplication::clipboard()->setText(QStringLiteral("a?\u0416\U0001F600\u00E9z"));
     SendMessageA(edit, WM_PASTE, 0, 0);
+    SetFocus(edit);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QStringLiteral("\u0416"));
+    QInputMethodEvent made;
+    made.setCommitString(QStringLiteral("\u0416!"));
+    for (QEvent* event : {static_cast<QEvent*>(&key), static_cast<QEvent*>(&made)}) {
+        QCoreApplication::sendEvent(desktop::Desktop::Get().Find(edit)->widget, event);
+    }
     char text[20] = "";
-    GetWindowTextA(edit, text, sizeof text);
-    EXPECT_STREQ(text, "a?  \xE9z");
+    EXPECT_TRUE(ServeUntil([&] { return GetWindowTextA(edit, text, sizeof text) == 9; }));
+    EXPECT_STREQ(text, "a?  \xE9z  !");
     DestroyWindow(parent);
 }

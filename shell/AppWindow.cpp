@@ -150,8 +150,8 @@ void AppWindow::OnClose() {
     }
 }
 
-// The system may end the process as soon as this returns. Otherwise the message loop ends, and any box that stands before
-// it: whoever has opened that goes on behind it and needs all that is here.
+// The system may end the process as soon as this returns, so everything is saved first. The window goes only after the
+// message loop and every box in it have ended: whoever opened a box still needs the pane.
 void AppWindow::OnEndSession(bool ends) {
     if (!ends || !hasStarted || !editorPane) {
         return;

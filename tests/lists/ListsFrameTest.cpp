@@ -325,7 +325,9 @@ TEST_F(PictureTest, TheSelectedGroupOpensIntoItsTracks) {
         EXPECT_EQ(Edges(top - 17, top + 34), Draw(kTabTop) + Draw(kTabBottom)) << top;
     };
     expectTab();
-    // The tab goes with the row, whoever moves it. Some list boxes scroll by the wheel besides.
+    // The tab goes with the row, whoever moves it.
+    TurnWheel(groups, tracks, -WHEEL_DELTA);
+    EXPECT_EQ(SendMessageA(groups, LB_GETTOPINDEX, 0, 0), 0);
     EXPECT_TRUE(TurnWheel(groups, groups, -WHEEL_DELTA));
     EXPECT_EQ(host.groupList.SelectedRow(), 4);
     expectTab();

@@ -64,7 +64,7 @@ BOOL ChooseFontA(CHOOSEFONTA* chooser) {
     }
     const QFont font = dialog.selectedFont();
     LOGFONTA chosen = drawing::DescribeFont(font);
-    // Without a face there is nothing to keep: who gets none back takes it for no choice.
+    // An empty face is not kept: the program ignores a font without one.
     if (hasFirst && before.lfFaceName[0] != '\0' && font.family() == firstFamily) {
         desktop::KeepFace(chosen, before);
     }

@@ -293,7 +293,7 @@ InputEvent KeyInput(const QKeyEvent& event) {
     input.kind = InputEvent::Kind::kKey;
     input.message = event.type() == QEvent::KeyPress ? WM_KEYDOWN : WM_KEYUP;
     input.virtualKey = VirtualKeyOf(event);
-    input.text = FromQString(event.text());
+    input.text = FromQString(event.text(), ' ');
     if (input.text == std::string(1, kDeleteText)) {
         input.text.clear();
     }
@@ -381,7 +381,7 @@ bool Desktop::FilterInputMethod(ScreenWindow& window, QInputMethodEvent& event) 
     if (!event.commitString().isEmpty()) {
         InputEvent made{};
         made.kind = InputEvent::Kind::kText;
-        made.text = FromQString(event.commitString());
+        made.text = FromQString(event.commitString(), ' ');
         AddInput(std::move(made));
     }
     if (window.native) {

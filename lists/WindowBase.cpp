@@ -89,6 +89,11 @@ LRESULT WindowBase::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     if (message == WM_GETDLGCODE) {
         return OnGetDlgCode(lParam);
     }
+    if (message == WM_MOUSEWHEEL) {
+        // On Windows a list box scrolls by the wheel, wherever the pointer is.
+        OnMouseWheel(SignedHigh(static_cast<LPARAM>(wParam)), SignedLow(lParam), SignedHigh(lParam));
+        return 0;
+    }
     // The handler may detach the object or delete it.
     WNDPROC controlProc = prevWndProc;
     Route(message, wParam, lParam);
@@ -127,7 +132,6 @@ void WindowBase::RouteMouse(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_LBUTTONDOWN: OnLButtonDown(FALSE, x, y, wParam); break;
         case WM_LBUTTONDBLCLK: OnLButtonDown(TRUE, x, y, wParam); break;
         case WM_LBUTTONUP: OnLButtonUp(x, y, wParam); break;
-        case WM_MOUSEWHEEL: OnMouseWheel(SignedHigh(static_cast<LPARAM>(wParam)), x, y); break;
         default: break;
     }
 }

@@ -45,7 +45,6 @@ public:
     void OnLButtonUp(int x, int y, WPARAM keys) override { Tell("up", x, y, keys); }
     void OnMeasureItem(MEASUREITEMSTRUCT* item) override { Tell("measure", Number(item)); }
     void OnMouseMove(int x, int y, WPARAM keys) override { Tell("move", x, y, keys); }
-    void OnMouseWheel(int turn, int x, int y) override { Tell("wheel", turn, x, y); }
     void OnNcCalcSize(int zero, RECT* rect) override { Tell("frame size", zero, Number(rect)); }
     void OnNcDestroy() override {
         Tell("end");
@@ -139,7 +138,6 @@ TEST_F(WindowBaseTest, EachHandlerRunsAheadOfTheControl) {
     EXPECT_EQ(Told(WM_LBUTTONDOWN, 5, place), "down 0 -3 -25536 5\nnative 513\n");
     EXPECT_EQ(Told(WM_LBUTTONUP, 5, place), "up -3 -25536 5\nnative 514\n");
     EXPECT_EQ(Told(WM_LBUTTONDBLCLK, 5, place), "down 1 -3 -25536 5\nnative 515\n");
-    EXPECT_EQ(Told(WM_MOUSEWHEEL, MAKEWPARAM(5, static_cast<WORD>(-120)), place), "wheel -120 -3 -25536\nnative 522\n");
     EXPECT_EQ(Told(WM_KEYDOWN, VK_F4, MAKELPARAM(0x8001, 0xC051)), "key 115 1 -32767 49233\nnative 256\n");
     EXPECT_EQ(Told(WM_KEYUP, VK_F4, 1), "native 257\n");
     EXPECT_EQ(Told(WM_USER + 1, 1, 1), "native 1025\n");

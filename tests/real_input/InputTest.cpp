@@ -234,4 +234,14 @@ TEST_F(InputTest, TheWindowManager) {
         ClientToScreen(main, &corner);
         return client.right == 400 && corner.x >= 200 && corner.x < 210;
     }));
+    // Maximised, frame included, and back in its old place.
+    RECT before = {};
+    RECT now = {};
+    GetWindowRect(main, &before);
+    ShowWindow(main, SW_SHOWMAXIMIZED);
+    EXPECT_TRUE(PumpUntil([&] { return GetWindowRect(main, &now) && now.top == 0 && now.bottom == 768; }))
+        << now.top << " to " << now.bottom;
+    ShowWindow(main, SW_RESTORE);
+    EXPECT_TRUE(PumpUntil([&] { return GetWindowRect(main, &now) && EqualRect(&now, &before); }))
+        << now.left << " " << now.top << " " << now.right << " " << now.bottom;
 }

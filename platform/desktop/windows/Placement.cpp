@@ -40,11 +40,19 @@ ScreenWindow* Find(HWND window) {
 }  // namespace
 
 QMargins FrameOf(const ScreenWindow& window) {
-    if (window.parent != nullptr || window.widget == nullptr || window.widget->windowHandle() == nullptr ||
-        window.widget->isMaximized()) {
+    if (window.parent != nullptr || window.widget == nullptr || window.widget->windowHandle() == nullptr) {
         return {};
     }
-    return window.widget->windowHandle()->frameMargins();
+    const QWindow& screenWindow = *window.widget->windowHandle();
+    const QMargins frame = screenWindow.frameMargins();
+    if (!window.widget->isMaximized()) {
+        return frame;
+    }
+    // It fills the work area and no more, though some window managers tell of borders that they leave out then.
+    const QRect inner = window.widget->geometry();
+    const QRect outer = inner.marginsAdded(frame) & screenWindow.screen()->availableGeometry();
+    return {std::max(inner.left() - outer.left(), 0), std::max(inner.top() - outer.top(), 0),
+            std::max(outer.right() - inner.right(), 0), std::max(outer.bottom() - inner.bottom(), 0)};
 }
 
 RECT WidgetRect(const ScreenWindow& window) {
@@ -185,6 +193,17 @@ void TakeOver(HWND handle, const RECT& place, const QMargins& frame, bool newKin
     }
 }
 
+// The frame comes around a window with its first showing, and the window manager may have a place or a size of its own for
+// it. The window keeps its outer size, and what is inside shrinks, unless the size that it was given fits on the screen.
+RECT InFirstFrame(const ScreenWindow& window, const RECT& outer, bool hasOwnPlace, bool sized) {
+    const QSize screen = window.widget->screen()->availableSize();
+    if (sized && outer.right - outer.left <= screen.width() && outer.bottom - outer.top <= screen.height()) {
+        return outer;
+    }
+    const RECT& corner = hasOwnPlace ? outer : window.place;
+    return {corner.left, corner.top, corner.left + window.Size().width(), corner.top + window.Size().height()};
+}
+
 bool TakeOverKind(ScreenWindow& window) {
     const QWidget& widget = *window.widget;
     const WPARAM kind = widget.isMinimized() ? SIZE_MINIMIZED : widget.isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED;
@@ -207,7 +226,6 @@ void FollowGeometry(HWND handle) {
     const bool newKind = TakeOverKind(*window);
     const QMargins frame = FrameOf(*window);
     const QRect now = window->widget->geometry();
-    RECT outer = ToRect(now.marginsAdded(frame));
     const bool moved = now.topLeft() != window->widgetPlace.topLeft();
     const bool sized = now.size() != window->widgetPlace.size();
     if (window->sizeKind == SIZE_MINIMIZED) {
@@ -215,16 +233,13 @@ void FollowGeometry(HWND handle) {
             TellSize(handle);
         }
     } else if (moved || sized || frame != window->frame) {
-        // The frame comes around the window with its first showing, and the window manager may have a place of its own for
-        // it. A window that may be sized keeps its outer size, and what is inside shrinks; any other keeps its inside.
         const bool hasOwnPlace = moved || window->movedUnframed;
         window->movedUnframed = hasOwnPlace && frame.isNull();
-        if (!sized && frame != window->frame && HasStyle(handle, WS_THICKFRAME)) {
-            const QPoint corner = ToQt(hasOwnPlace ? outer : window->place).topLeft();
-            outer = ToRect(QRect(corner, window->Size()));
-        }
         window->widgetPlace = now;
-        if (frame != window->frame && HasStyle(handle, WS_THICKFRAME)) {
+        RECT outer = ToRect(now.marginsAdded(frame));
+        if (!window->wasFramed && !frame.isNull() && HasStyle(handle, WS_THICKFRAME)) {
+            window->wasFramed = true;
+            outer = InFirstFrame(*window, outer, hasOwnPlace, sized);
             LimitSize(*window);
         }
         TakeOver(handle, outer, frame, newKind);

@@ -36,6 +36,7 @@ struct ScreenWindow {
     // Of a top-level window: what the window system puts around the widget, and where the widget was put last.
     QMargins frame;
     QRect widgetPlace;
+    bool wasFramed = false;      // one that may be sized has got its first frame
     bool movedUnframed = false;  // the window system has moved it, and its frame is not known yet
     // The client area, from the window's corner.
     RECT client{0, 0, 0, 0};

@@ -1,6 +1,7 @@
 // The class "BUTTON": push buttons and group boxes.
 #include <QGroupBox>
 #include <QPushButton>
+#include <QStyleOptionButton>
 
 #include "Controls.h"
 #include "Desktop.h"
@@ -16,6 +17,27 @@ constexpr DWORD kTypeMask = 0x000F;
 DWORD TypeOf(HWND button) {
     return StyleOf(button) & kTypeMask;
 }
+
+// The focus is the layer's, of which Qt knows nothing.
+class PushButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+    void ShowFocus(bool focused) {
+        hasFocus = focused;
+        update();
+    }
+
+protected:
+    void initStyleOption(QStyleOptionButton* option) const override {
+        QPushButton::initStyleOption(option);
+        if (hasFocus) {
+            option->state |= QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange;
+        }
+    }
+
+private:
+    bool hasFocus = false;
+};
 
 bool IsGroupBox(HWND button) {
     return TypeOf(button) == BS_GROUPBOX;
@@ -54,6 +76,12 @@ Press& PressOf(ScreenWindow& window) {
 void ShowPressed(const ScreenWindow& window, bool pressed) {
     if (auto* button = qobject_cast<QPushButton*>(window.widget)) {
         button->setDown(pressed);
+    }
+}
+
+void ShowFocus(const ScreenWindow& window, bool focused) {
+    if (auto* button = dynamic_cast<PushButton*>(window.widget)) {
+        button->ShowFocus(focused);
     }
 }
 
@@ -123,7 +151,7 @@ QWidget* MakeButtonWidget(ScreenWindow& window, QWidget* parent) {
     if (IsGroupBox(window.handle)) {
         window.widget = new QGroupBox(parent);
     } else {
-        auto* button = new QPushButton(parent);
+        auto* button = new PushButton(parent);
         button->setAutoDefault(false);
         window.widget = button;
     }
@@ -166,8 +194,9 @@ LRESULT CALLBACK ButtonProc(HWND handle, UINT message, WPARAM wParam, LPARAM lPa
                 EndPress(handle, true);
             }
             return 0;
+        case WM_SETFOCUS: ShowFocus(*window, true); return 0;
+        case WM_KILLFOCUS: ShowFocus(*window, false); [[fallthrough]];
         case WM_CAPTURECHANGED:
-        case WM_KILLFOCUS:
             PressOf(*window) = {};
             ShowPressed(*window, false);
             return 0;

@@ -59,13 +59,20 @@ BOOL ChooseFontA(CHOOSEFONTA* chooser) {
     const QFont first = hasFirst ? drawing::MakeFont(before) : QFont();
     dialog.setCurrentFont(desktop::WithStyleName(first));
     const QString firstFamily = dialog.currentFont().family();
+    const QString firstStyle = dialog.currentFont().styleName();
     if (!desktop::ShowAndWait(dialog, chooser->hwndOwner)) {
         return FALSE;
     }
     const QFont font = dialog.selectedFont();
     LOGFONTA chosen = drawing::DescribeFont(font);
+    const bool isSameFamily = hasFirst && font.family() == firstFamily;
+    // A family that has no bold style is drawn bold all the same.
+    if (isSameFamily && font.styleName() == firstStyle) {
+        chosen.lfWeight = before.lfWeight;
+        chosen.lfItalic = before.lfItalic;
+    }
     // An empty face is not kept: the program ignores a font without one.
-    if (hasFirst && before.lfFaceName[0] != '\0' && font.family() == firstFamily) {
+    if (isSameFamily && before.lfFaceName[0] != '\0') {
         desktop::KeepFace(chosen, before);
     }
     *chooser->lpLogFont = chosen;

@@ -291,6 +291,9 @@ TEST_F(Chooser, AFontGoesInAndComesOut) {
     for (const std::string& face : {std::string("MS UI Gothic"), family.toStdString(), std::string()}) {
         font = before;
         std::strcpy(font.lfFaceName, face.c_str());
+        // The stand-in has no bold style.
+        font.lfWeight = face == "MS UI Gothic" ? FW_BOLD : FW_NORMAL;
+        const LONG weight = font.lfWeight;
         user.In<QFontDialog>([](QFontDialog& dialog) {
             dialog.findChildren<QLineEdit*>().at(2)->setText("18");
             dialog.accept();
@@ -298,7 +301,7 @@ TEST_F(Chooser, AFontGoesInAndComesOut) {
         EXPECT_TRUE(ChooseFontA(&chooser));
         EXPECT_EQ(font.lfHeight, -24);
         EXPECT_EQ(font.lfItalic, 0) << face;
-        EXPECT_EQ(font.lfWeight, FW_NORMAL);
+        EXPECT_EQ(font.lfWeight, weight) << face;
         EXPECT_EQ(font.lfFaceName, face.empty() ? std::string(font.lfFaceName) : face);
         EXPECT_STRNE(font.lfFaceName, "");
     }

@@ -52,6 +52,19 @@ TEST(Wheel, TurnsWhatIsUnderThePointer) {
     DestroyWindow(parent);
 }
 
+TEST(Focus, ShowsOnAButton) {
+    HWND parent = MakeTopLevel("Focus");
+    HWND button = Add(parent, "BUTTON", BS_PUSHBUTTON, 0);
+    const auto picture = [button](HWND focused) {
+        SetFocus(focused);
+        return desktop::Desktop::Get().Find(button)->widget->grab().toImage();
+    };
+    const QImage without = picture(parent);
+    EXPECT_NE(picture(button), without);
+    EXPECT_EQ(picture(parent), without);
+    DestroyWindow(parent);
+}
+
 TEST(ListFocus, IsDrawnBehindTheSelection) {
     HWND parent = MakeTopLevel("List");
     SetWindowLongPtrA(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Note));

@@ -38,8 +38,8 @@ PROGRAMS = {
 }
 # Minutes for each fault, so these are left to the survivors.
 AGAIN = {"lists": [REAL_INPUT], "pane": [REAL_INPUT], "shell": [REAL_INPUT], "platform/desktop": [REAL_INPUT]}
-# What ctest has to run, by the prefix of its cases.
-CASES = {"real_input_tests": r"^real\."}
+# What ctest has to run. Transfers by the menu mostly wait for the line.
+CASES = {"real_input_tests": r"^real\.(Input|Elsewhere|Front|SessionTest\.T(yped|itles))"}
 # On real threads and a pseudo terminal: the simulation has a line and threads of its own.
 REAL_LINE = ["link_thread_tests"]
 MORE_PROGRAMS = {"link/SerialPort.cpp": [REAL_LINE], "link/WorkerThread.cpp": [REAL_LINE]}

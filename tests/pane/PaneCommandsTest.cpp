@@ -137,8 +137,10 @@ TEST_F(PaneCommandsTest, UndoShowsInEitherListWhatItPutsBack) {
         int list;
         int open;  // the list with another title's editor when Undo comes
         int openRow;
-    } edits[] = {
-        {IDC_GROUP_LIST, IDC_TRACK_LIST, 0}, {IDC_TRACK_LIST, IDC_GROUP_LIST, 1}, {IDC_GROUP_LIST, IDC_GROUP_LIST, 1}};
+    } edits[] = {{IDC_GROUP_LIST, IDC_TRACK_LIST, 0},
+                 {IDC_TRACK_LIST, IDC_GROUP_LIST, 1},
+                 {IDC_GROUP_LIST, IDC_GROUP_LIST, 1},
+                 {IDC_TRACK_LIST, IDC_TRACK_LIST, 2}};
     for (const auto& edit : edits) {
         SelectIn(edit.list, 1);
         Type(edit.list, "One & two");
@@ -155,6 +157,10 @@ TEST_F(PaneCommandsTest, UndoShowsInEitherListWhatItPutsBack) {
         EXPECT_EQ(Title(2, 0) + Title(2, 1) + Title(2, 2), "Disc 2Disc 2, Track 1Disc 2, Track 2");
         EXPECT_EQ(Selected(edit.list), 1);
         EXPECT_EQ(GetFocus(), Control(edit.list));
+        EXPECT_GE(Selected(IDC_TRACK_LIST), 0);
+        Enter();
+        EXPECT_EQ(WindowText(Editor(edit.list)), edit.list == IDC_GROUP_LIST ? "Disc 2" : "Disc 2, Track 2");
+        Enter();
         EXPECT_FALSE(CanUndo()) << "what was never meant is no edit";
     }
 
@@ -187,7 +193,7 @@ TEST_F(PaneCommandsTest, TheChosenFontReachesBothLists) {
     AddDisc(3, 1);
     for (const bool isOk : {false, true}) {
         scripted::onFont = [&](CHOOSEFONTA& chooser) {
-            EXPECT_EQ(chooser.hwndOwner, Pane());
+            EXPECT_TRUE(chooser.hwndOwner == Pane() && chooser.lStructSize == sizeof chooser);
             EXPECT_EQ(chooser.Flags, static_cast<DWORD>(CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT));
             EXPECT_EQ(chooser.lpLogFont->lfHeight, FontOf(IDC_GROUP_LIST).lfHeight) << "it begins with what is shown";
             chooser.lpLogFont->lfHeight = isOk ? -40 : chooser.lpLogFont->lfHeight;

@@ -67,6 +67,7 @@ TEST_F(SearchTest, GoesFromPortToPortUntilAMainUnitAnswers) {
     BoxReader box(IDS_INFO_CAPTION);
     Hear(OP_CONNECT);
     EXPECT_EQ(GetFocus(), Control(IDC_TRACK_LIST)) << "behind several ports it is where it was";
+    EXPECT_EQ(Line(), "");
 }
 
 TEST_F(SearchTest, ADialogThatStandsKeepsTheFocus) {

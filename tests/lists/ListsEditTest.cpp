@@ -308,6 +308,12 @@ TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
     SendMessageA(host.Groups(), WM_TIMER, kTurnTimer, 0);
     EXPECT_FALSE(IsOpen(tracks));
     EXPECT_EQ(Title(2, 3), "Of Disc 2");
+    // A group moves up, too.
+    Select(groups, 1);
+    Type(groups, "For Disc 2");
+    host.store.ClearGroup(1);
+    ASSERT_TRUE(host.Refill(2));
+    EXPECT_EQ(PlaceOf(Editor(groups)).top - PlaceOf(host.Groups()).top, 20 + RowOf(host.Groups(), 0).top);
 }
 
 TEST_F(ListsEditTest, NothingIsEditedWhileTheRowsAreFilled) {

@@ -353,7 +353,12 @@ TEST_F(ListsEditTest, UndoAndFontKeepTheRow) {
         EXPECT_EQ(FontOf(side.window).lfHeight, -40) << "one without a name changes nothing";
         ASSERT_TRUE(host.Refill(2));
         const LRESULT height = SendMessageA(side.window, LB_GETITEMHEIGHT, 2, 0);
-        EXPECT_GT(height, 40);
+        HDC dc = GetDC(side.window);
+        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(side.window, WM_GETFONT, 0, 0)));
+        TEXTMETRICA metrics = {};
+        GetTextMetricsA(dc, &metrics);
+        ReleaseDC(side.window, dc);
+        EXPECT_EQ(height, metrics.tmHeight + metrics.tmExternalLeading + 3);
         Select(side, 2);
         // Before anything is painted.
         EXPECT_EQ(side.list.ReplaceRowText(2, "As before"), 1);

@@ -143,6 +143,9 @@ TEST_F(MainWindowTest, TogglesItsStatusBar) {
         GetClientRect(main, &now);
         return Width(Pane()) == now.right && Width(Bar()) == now.right && Height(Pane()) + Height(Bar()) == now.bottom;
     }));
+    RECT pane = {};
+    RECT bar = {};
+    EXPECT_TRUE(GetWindowRect(Pane(), &pane) && GetWindowRect(Bar(), &bar) && bar.left == pane.left);
 }
 
 TEST_F(MainWindowTest, LaysOutThePane) {

@@ -307,13 +307,13 @@ TEST_F(Chooser, AFontGoesInAndComesOut) {
     }
 
     user.In<QFontDialog>([family](QFontDialog& dialog) {
-        QFont chosen(family, 18, QFont::Bold);
+        QFont chosen(family, 18, QFont::Bold, true);
         dialog.setCurrentFont(chosen);
         dialog.accept();
     });
     EXPECT_TRUE(ChooseFontA(&chooser));
     EXPECT_EQ(font.lfFaceName, family.toStdString());
-    EXPECT_EQ(font.lfWeight, FW_BOLD);
+    EXPECT_TRUE(font.lfWeight == FW_BOLD && font.lfItalic == 1);
     chooser.lStructSize = 60;
     EXPECT_FALSE(ChooseFontA(&chooser));
 }

@@ -1,6 +1,7 @@
 // What the window tests cannot ask of both systems: the wheel, the clipboard, and how a list draws the row with the focus.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QWheelEvent>
@@ -24,6 +25,18 @@ LRESULT CALLBACK Note(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     }
     return DefWindowProcA(window, message, wParam, lParam);
 }
+
+class Painted : public QObject {
+public:
+    explicit Painted(int& count) : count(count) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+private:
+    int& count;
+};
 
 HWND Add(HWND parent, const char* className, DWORD style, int x) {
     return CreateWindowExA(0, className, "", WS_CHILD | WS_VISIBLE | style, x, 0, 100, 100, parent, nullptr, nullptr,
@@ -52,8 +65,8 @@ TEST(Wheel, TurnsWhatIsUnderThePointer) {
     DestroyWindow(parent);
 }
 
-TEST(Focus, ShowsOnAButton) {
-    HWND parent = MakeTopLevel("Focus");
+TEST(Buttons, ShowTheFocusAndThePress) {
+    HWND parent = MakeTopLevel("Buttons");
     HWND button = Add(parent, "BUTTON", BS_PUSHBUTTON, 0);
     const auto picture = [button](HWND focused) {
         SetFocus(focused);
@@ -62,6 +75,30 @@ TEST(Focus, ShowsOnAButton) {
     const QImage without = picture(parent);
     EXPECT_NE(picture(button), without);
     EXPECT_EQ(picture(parent), without);
+    SendMessageA(button, WM_LBUTTONDOWN, 0, 0);
+    for (const int x : {150, 50, 150}) {
+        SendMessageA(button, WM_MOUSEMOVE, 0, MAKELPARAM(x, 50));
+        EXPECT_EQ(static_cast<QAbstractButton*>(desktop::Desktop::Get().Find(button)->widget)->isDown(), x == 50);
+    }
+    DestroyWindow(parent);
+}
+
+TEST(Drawing, ShowsWithoutAPaintMessage) {
+    HWND parent = MakeTopLevel("Drawing");
+    HWND child = Add(parent, "DesktopTest", WS_BORDER, 0);
+    RECT client = {};
+    GetClientRect(child, &client);
+    EXPECT_EQ(client.right, 98) << "within its border";
+    int paints = 0;
+    Painted painted(paints);
+    QWidget* widget = desktop::Desktop::Get().Find(child)->widget;
+    ASSERT_TRUE(ServeUntil([&] { return widget->isVisible(); }));
+    QCoreApplication::processEvents();
+    widget->installEventFilter(&painted);
+    HDC dc = GetDC(child);
+    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNTEXT));
+    ReleaseDC(child, dc);
+    EXPECT_TRUE(ServeUntil([&] { return paints > 0; }));
     DestroyWindow(parent);
 }
 

@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QLockFile>
 #include <QTemporaryDir>
 #include <QTextBrowser>
+#include <QToolBar>
 
 #include "DesktopTests.h"
 #include "Resources.h"
@@ -82,6 +84,10 @@ TEST_F(HelpViewer, IsOpenUntilTheUserOrTheProgramClosesIt) {
     EXPECT_EQ(Call(kGetWinHandle), window);
     ASSERT_NE(Shown(), nullptr);
     EXPECT_EQ(Shown()->windowTitle(), "The guide");
+    EXPECT_TRUE(qobject_cast<QTextBrowser*>(Shown()->focusWidget())) << "keys scroll";
+    for (const QAction* action : Shown()->findChild<QToolBar*>()->actions()) {
+        EXPECT_FALSE(action->shortcut().isEmpty());
+    }
     Shown()->close();
     EXPECT_EQ(Call(kGetWinHandle), nullptr);
     EXPECT_EQ(Call(kDisplayToc), window);

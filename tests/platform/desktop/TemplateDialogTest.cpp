@@ -128,6 +128,12 @@ TEST_F(TemplateDialogTest, Keys) {
     log.Take();
     EXPECT_EQ(command(VK_RETURN), Lines({"dialog WM_COMMAND id 2 code 0 from Cancel"}))
         << "a button that the keyboard has reached is the default";
+    // The focus comes back to where it was, or begins at the first control.
+    SetFocus(GetDlgItem(dialog, IDC_DISC_TO));
+    for (HWND front : {main, dialog}) {
+        ASSERT_TRUE(BringForward(front));
+    }
+    EXPECT_EQ(GetDlgCtrlID(GetFocus()), IDC_DISC_TO);
     DestroyWindow(dialog);
 }
 

@@ -1,9 +1,8 @@
-// Virtual time: the beat of the system, lateness, ticks and callbacks.
+// Virtual time: the beat of the system, lateness and ticks.
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <set>
-#include <vector>
 
 #include "SimTools.h"
 #include "Simulation.h"
@@ -71,28 +70,6 @@ TEST(Time, TicksCountAndATimeoutComesAtItsTimeAndASignalBeforeIt) {
         EXPECT_EQ(simulation.Now(), 5035 * kMs);
         EXPECT_EQ(GetTickCount(), 5035U);
     });
-}
-
-TEST(Time, CallbacksComeInOrderAndBeforeTheThreadsOfTheirMoment) {
-    Simulation simulation({.jitterMs = 0});
-    std::vector<std::pair<int, std::uint64_t>> events;
-    const auto event = [&](int number) { events.emplace_back(number, simulation.Now()); };
-    ExpectDone(simulation, [&] {
-        timeBeginPeriod(1);
-        Thread sleeper([&] {
-            Sleep(10);
-            event(3);
-        });
-        Sleep(5);
-        simulation.At(20 * kMs, [&] { event(4); });
-        simulation.At(10 * kMs, [&] {
-            event(1);
-            simulation.At(1, [&] { event(2); });  // a time that has passed
-        });
-        Sleep(30);
-    });
-    const std::vector<std::pair<int, std::uint64_t>> expected = {{1, 10 * kMs}, {2, 10 * kMs}, {3, 10 * kMs}, {4, 20 * kMs}};
-    EXPECT_EQ(events, expected);
 }
 
 }  // namespace

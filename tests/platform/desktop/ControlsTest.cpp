@@ -99,6 +99,13 @@ TEST(Drawing, ShowsWithoutAPaintMessage) {
     FillRect(dc, &client, GetSysColorBrush(COLOR_BTNTEXT));
     ReleaseDC(child, dc);
     EXPECT_TRUE(ServeUntil([&] { return paints > 0; }));
+    // A window without a wish of its own lies on the screen.
+    HWND placed = CreateWindowExA(0, "DesktopTest", "", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, 0, CW_USEDEFAULT, 0, nullptr,
+                                  nullptr, nullptr, nullptr);
+    RECT place = {};
+    GetWindowRect(placed, &place);
+    EXPECT_TRUE(place.left > 0 && place.top > 0 && place.right > place.left);
+    DestroyWindow(placed);
     DestroyWindow(parent);
 }
 

@@ -91,10 +91,10 @@ TEST(Drawing, ShowsWithoutAPaintMessage) {
     EXPECT_EQ(client.right, 98) << "within its border";
     int paints = 0;
     Painted painted(paints);
-    QWidget* widget = desktop::Desktop::Get().Find(child)->widget;
-    ASSERT_TRUE(ServeUntil([&] { return widget->isVisible(); }));
+    desktop::Desktop::Get().Find(child)->widget->installEventFilter(&painted);
+    ASSERT_TRUE(ServeUntil([&] { return paints > 0; }));
     QCoreApplication::processEvents();
-    widget->installEventFilter(&painted);
+    paints = 0;
     HDC dc = GetDC(child);
     FillRect(dc, &client, GetSysColorBrush(COLOR_BTNTEXT));
     ReleaseDC(child, dc);

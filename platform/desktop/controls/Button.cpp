@@ -18,7 +18,7 @@ DWORD TypeOf(HWND button) {
     return StyleOf(button) & kTypeMask;
 }
 
-// The focus is the layer's, of which Qt knows nothing.
+// Qt does not know which control has the focus of the layer.
 class PushButton : public QPushButton {
 public:
     using QPushButton::QPushButton;

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 using library::GroupKind;
 
 UnitProcess::UnitProcess(const std::vector<std::string>& arguments, const std::string& outputs)
-    : Process(MAINUNIT_PROGRAM, arguments, outputs) {
+    : Process(TESSELIA_BIN "/mainunit", arguments, outputs) {
     EXPECT_TRUE(WaitUntil([this] { return Output().find("ready: ") != std::string::npos; })) << Errors();
 }
 
@@ -70,6 +70,27 @@ void Terminal::Unplug() {
         close(file);
         file = -1;
     }
+}
+
+bool OnWindows() {
+    return std::getenv("TESSELIA_WINDOWS_BUILD") != nullptr;
+}
+
+std::string EndToEndTest::CommandOf(const std::string& program) {
+    const char* windows = std::getenv("TESSELIA_WINDOWS_BUILD");
+    return windows == nullptr ? TESSELIA_BIN "/" + program
+                              : TESSELIA_SCRIPTS "/windows-program.sh " + std::string(windows) + "/" + program + ".exe";
+}
+
+std::unique_ptr<Process> EndToEndTest::StartTested(const std::string& program, const std::vector<std::string>& arguments) {
+    std::vector<std::string> words;
+    std::istringstream command(CommandOf(program));
+    for (std::string word; command >> word;) {
+        words.push_back(word);
+    }
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Process>(words.front(), std::vector<std::string>(words.begin() + 1, words.end()),
+                                     NextOutputs(program));
 }
 
 EndToEndTest::EndToEndTest() {

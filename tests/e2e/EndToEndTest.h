@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,9 @@ private:
     std::string path;
 };
 
+// TESSELIA_WINDOWS_BUILD names a folder with Windows programs, which are tested in place of those of this build.
+bool OnWindows();
+
 class EndToEndTest : public testing::Test {
 protected:
     // A library with Discs 1, 2 and 12, the last without a title, and Albums 7 and 999. No port name leads anywhere.
@@ -59,6 +63,11 @@ protected:
 
     // What the unit has saved.
     library::UnitLibrary Saved() const;
+
+    // Starts "tesselia" or "titlectl".
+    std::unique_ptr<Process> StartTested(const std::string& program, const std::vector<std::string>& arguments);
+    // What a shell calls it by.
+    static std::string CommandOf(const std::string& program);
 
     std::string NextOutputs(const std::string& program);
 

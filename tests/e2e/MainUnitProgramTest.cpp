@@ -62,7 +62,7 @@ private:
 class Program : public Process {
 public:
     Program(const std::vector<std::string>& arguments, const std::string& outputs)
-        : Process(MAINUNIT_PROGRAM, arguments, outputs) {}
+        : Process(TESSELIA_BIN "/mainunit", arguments, outputs) {}
 
     // The path behind "ready: ".
     std::string Path() const {

@@ -27,7 +27,7 @@ protected:
 
     // A run that is told `answer` when it asks.
     int RunAnswering(const std::string& answer, const std::string& arguments) {
-        Process shell("/bin/sh", {"-c", "echo " + answer + " | " TITLECTL_PROGRAM " --port COM1 " + arguments},
+        Process shell("/bin/sh", {"-c", "echo " + answer + " | " + CommandOf("titlectl") + " --port COM1 " + arguments},
                       NextOutputs("titlectl"));
         return End(shell);
     }
@@ -126,10 +126,10 @@ TEST_F(TitlectlFilesTest, MakesNoBackupOfHalfAUnit) {
     AddDiscs(100, 160);
     const std::string file = folder / "backup.json";
     const UnitProcess unit = StartUnit();
-    Process backup = Start({"--port", "COM1", "backup", file});
-    ASSERT_TRUE(backup.WaitForError("  D2 0\n")) << backup.Errors();
+    const auto backup = Start({"--port", "COM1", "backup", file});
+    ASSERT_TRUE(backup->WaitForError("  D2 0")) << backup->Errors();
     unit.Signal(SIGKILL);
-    EXPECT_EQ(End(backup), kTimeOut) << errors;
+    EXPECT_EQ(End(*backup), kTimeOut) << errors;
     EXPECT_FALSE(fs::exists(file));
 }
 
@@ -137,7 +137,7 @@ TEST_F(TitlectlFilesTest, LeavesNoHalfFileOnAFullDisk) {
     const UnitProcess unit = StartUnit();
     const std::string file = folder / "backup.json";
     Process shell("/bin/sh",
-                  {"-c", "(trap '' XFSZ; ulimit -f 0; " TITLECTL_PROGRAM " --port COM1 backup " + file +
+                  {"-c", "(trap '' XFSZ; ulimit -f 0; " + CommandOf("titlectl") + " --port COM1 backup " + file +
                              " 2>&1; echo \"ended with $?\") | cat"},
                   NextOutputs("titlectl"));
     EXPECT_EQ(End(shell), 0);

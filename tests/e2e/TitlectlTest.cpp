@@ -215,24 +215,24 @@ TEST_F(TitlectlTest, NoticesThatTheUnitFallsSilent) {
     AddDiscs(100, 160);
     for (const int signal : {SIGSTOP, SIGKILL}) {
         const UnitProcess unit = StartUnit();
-        Process list = Start({"--port", "COM1", "list"});
-        ASSERT_TRUE(list.WaitForError("  D2 0\n")) << list.Errors();
+        const auto list = Start({"--port", "COM1", "list"});
+        ASSERT_TRUE(list->WaitForError("  D2 0")) << list->Errors();
         unit.Signal(signal);
-        EXPECT_EQ(list.End(), kTimeOut) << list.Errors();
+        EXPECT_EQ(list->End(), kTimeOut) << list->Errors();
         // What came until then is not kept back.
-        EXPECT_TRUE(list.Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list.Output();
-        EXPECT_LT(list.CpuSeconds(), list.WallSeconds() / 4) << "it spins";
+        EXPECT_TRUE(list->Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list->Output();
+        EXPECT_LT(list->CpuSeconds(), list->WallSeconds() / 4) << "it spins";
     }
 }
 
 TEST_F(TitlectlTest, EndsWhenThePortIsPulledOut) {
     Terminal terminal;
     LinkPort("COM1", terminal.Path());
-    Process list = Start({"--port", "COM1", "list"});
+    const auto list = Start({"--port", "COM1", "list"});
     EXPECT_NE(terminal.Receive(5), "");
     terminal.Unplug();
-    EXPECT_EQ(list.End(), kNoUnit) << list.Errors();
-    EXPECT_LT(list.CpuSeconds(), list.WallSeconds() / 4) << "it spins";
+    EXPECT_EQ(list->End(), kNoUnit) << list->Errors();
+    EXPECT_LT(list->CpuSeconds(), list->WallSeconds() / 4) << "it spins";
 }
 
 TEST_F(TitlectlTest, EndsInGoodOrderOnCtrlC) {
@@ -240,22 +240,22 @@ TEST_F(TitlectlTest, EndsInGoodOrderOnCtrlC) {
     constexpr std::chrono::seconds kMostForAStop{3};
     AddDiscs(100, 160);
     const UnitProcess unit = StartUnit();
-    Process list = Start({"--port", "COM1", "list"});
-    ASSERT_TRUE(list.WaitForError("  D2 0\n")) << list.Errors();
-    list.Signal(SIGINT);
-    EXPECT_EQ(list.End(kMostForAStop), kStopped) << list.Errors();
-    EXPECT_TRUE(list.Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list.Output();
-    EXPECT_EQ(list.Output().find("D160"), std::string::npos);
+    const auto list = Start({"--port", "COM1", "list"});
+    ASSERT_TRUE(list->WaitForError("  D2 0")) << list->Errors();
+    list->Signal(SIGINT);
+    EXPECT_EQ(list->End(kMostForAStop), kStopped) << list->Errors();
+    EXPECT_TRUE(list->Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list->Output();
+    EXPECT_EQ(list->Output().find("D160"), std::string::npos);
     EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "1"}), kDone) << errors;
     EXPECT_EQ(output, "D2    1  The Ferry & the Notebook\n");
     EXPECT_EQ(unit.Complaints(), "");
 
     const Terminal silent;
     LinkPort("COM2", silent.Path());
-    Process search = Start({"--port", "COM2", "list"});
+    const auto search = Start({"--port", "COM2", "list"});
     EXPECT_NE(silent.Receive(5), "");
-    search.Signal(SIGINT);
-    EXPECT_EQ(search.End(kMostForAStop), kStopped) << search.Errors();
+    search->Signal(SIGINT);
+    EXPECT_EQ(search->End(kMostForAStop), kStopped) << search->Errors();
 }
 
 }  // namespace

@@ -22,19 +22,15 @@ protected:
     static constexpr int kFile = 13;
     static constexpr int kStopped = 130;
 
-    Process Start(const std::vector<std::string>& arguments) {
-        return Process(TITLECTL_PROGRAM, arguments, NextOutputs("titlectl"));
-    }
+    std::unique_ptr<Process> Start(const std::vector<std::string>& arguments) { return StartTested("titlectl", arguments); }
 
     // A whole run; its exit code.
-    int Run(const std::vector<std::string>& arguments) {
-        Process process = Start(arguments);
-        return End(process);
-    }
+    int Run(const std::vector<std::string>& arguments) { return End(*Start(arguments)); }
 
     int End(Process& process) {
         const int code = process.End();
         output = process.Output();
+        std::erase(output, '\r');
         errors = process.Errors();
         return code;
     }

@@ -46,8 +46,8 @@ TEST_F(FrontTest, ASecondCopyBringsTheFirstForward) {
     for (const char* front : {kTitle, "Select Font"}) {
         Xdotool("search --onlyvisible --name '^elsewhere$' windowactivate");
         ASSERT_TRUE(WaitUntilActive("elsewhere"));
-        Process second(TESSELIA_PROGRAM, {}, NextOutputs("second"));
-        EXPECT_EQ(second.End(), 0) << second.Errors();
+        const auto second = StartTested("tesselia", {});
+        EXPECT_EQ(second->End(), 0) << second->Errors();
         EXPECT_TRUE(WaitUntilActive(front));
         Xdotool("search --name '^" + std::string(kTitle) + "$' windowactivate");
         EXPECT_TRUE(WaitUntilActive(front));
@@ -62,7 +62,7 @@ TEST_F(FrontTest, TheWindowManagerKnowsItsLeastSize) {
 }
 
 TEST(ProgramWithoutScreenTest, SaysSo) {
-    Process program("env", {"-u", "DISPLAY", "-u", "QT_QPA_PLATFORM", TESSELIA_PROGRAM},
+    Process program("env", {"-u", "DISPLAY", "-u", "QT_QPA_PLATFORM", TESSELIA_BIN "/tesselia"},
                     (theScreen->Folder() / "dark").string());
     EXPECT_EQ(program.End(), 1);
     EXPECT_NE(program.Errors().find("needs a display"), std::string::npos) << program.Errors();

@@ -1,6 +1,8 @@
 #include "ProgramTesting.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 
 namespace {
 
@@ -32,7 +34,7 @@ void ProgramTest::StartTheUnit(const std::vector<std::string>& options, const st
 }
 
 void ProgramTest::Start(const std::string& front) {
-    program = std::make_unique<Process>(TESSELIA_PROGRAM, std::vector<std::string>{}, NextOutputs("tesselia"));
+    program = StartTested("tesselia", {});
     ASSERT_TRUE(WaitUntilActive(front)) << program->Errors();
 }
 
@@ -44,5 +46,20 @@ void ProgramTest::End() {
 }
 
 std::string ProgramTest::Settings() const {
-    return ReadFile(folder / "tesselia" / "registry.ini");
+    if (!OnWindows()) {
+        return ReadFile(folder / "tesselia" / "registry.ini");
+    }
+    // Numbers are hexadecimal there.
+    std::string settings;
+    std::ifstream registry(folder / "wine" / "system.reg");
+    bool isOurs = false;
+    for (std::string line; std::getline(registry, line);) {
+        char name[32];
+        unsigned number = 0;
+        isOurs = line.starts_with('[') ? line.find("\\\\Tesselia") != std::string::npos : isOurs;
+        if (isOurs && std::sscanf(line.c_str(), "\"%31[^\"]\"=dword:%x", name, &number) == 2) {
+            settings += std::string(name) + '=' + std::to_string(static_cast<int>(number)) + '\n';
+        }
+    }
+    return settings;
 }

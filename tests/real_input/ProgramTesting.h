@@ -31,7 +31,7 @@ protected:
     // Has it closed by the user, who says yes, and expects it to be gone within a few seconds.
     void End();
 
-    // The file that holds them.
+    // What holds them, a line for each.
     std::string Settings() const;
 
     std::unique_ptr<UnitProcess> unit;

@@ -2,6 +2,7 @@
 // unit, and what goes wrong is told.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -76,7 +77,14 @@ protected:
         Xdotool("key " + keys);
         ASSERT_TRUE(WaitUntilActive(front));
     }
-    void TypePath(const char* name) { Xdotool("type --delay 20 '" + (folder / name).string() + "'"); }
+    void TypePath(const char* name) {
+        std::string path = (folder / name).string();
+        if (OnWindows()) {
+            std::replace(path.begin(), path.end(), '/', '\\');
+            path.insert(0, "Z:");
+        }
+        Xdotool("type --delay 20 '" + path + "'");
+    }
     // A click on the selected row opens its editor at once if the list has just got the focus.
     static void EditFirstGroup(const std::string& text) {
         Click(kStopX, kButtonsY);
@@ -304,6 +312,9 @@ TEST_F(SessionTest, ClosesInEveryState) {
     Xdotool("type --delay 20 'half a ti'");
     End();
     EXPECT_EQ(TitleOf(GroupKind::kDisc, 1, 0), "Harbour in March");
+    if (OnWindows()) {
+        return;
+    }
     // When the session or the terminal goes, the last time behind a box that nobody answers.
     for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         StartTheUnit(signal == SIGTERM ? std::vector<std::string>{"--menu"} : std::vector<std::string>{});

@@ -72,7 +72,7 @@ public:
     int DeleteTitle(GroupId group, TrackNo track);
 
     // `text` has gone out to the main unit for a reachable entry, so the main unit no longer has what an undo would bring
-    // back: the entry is TS_EDITED until the next StoreReceived, whatever is undone. IsSent becomes 1 only if
+    // back: the entry is TS_EDITED until the next StoreReceived, also after an undo. IsSent becomes 1 only if
     // `counts`, which is false if the send that the text belongs to is over.
     int NoteSent(GroupId group, TrackNo track, const char* text, bool counts = true);
     // 1 if the entry's present text was the last to go out since ClearSent.

@@ -127,7 +127,7 @@ TEST_F(TitlectlFilesTest, MakesNoBackupOfHalfAUnit) {
     const std::string file = folder / "backup.json";
     const UnitProcess unit = StartUnit();
     const auto backup = Start({"--port", "COM1", "backup", file});
-    ASSERT_TRUE(backup->WaitForError("  D2 0")) << backup->Errors();
+    ASSERT_TRUE(backup->WaitForError(secondTitle)) << backup->Errors();
     unit.Signal(SIGKILL);
     EXPECT_EQ(End(*backup), kTimeOut) << errors;
     EXPECT_FALSE(fs::exists(file));

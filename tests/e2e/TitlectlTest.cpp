@@ -216,7 +216,7 @@ TEST_F(TitlectlTest, NoticesThatTheUnitFallsSilent) {
     for (const int signal : {SIGSTOP, SIGKILL}) {
         const UnitProcess unit = StartUnit();
         const auto list = Start({"--port", "COM1", "list"});
-        ASSERT_TRUE(list->WaitForError("  D2 0")) << list->Errors();
+        ASSERT_TRUE(list->WaitForError(secondTitle)) << list->Errors();
         unit.Signal(signal);
         EXPECT_EQ(list->End(), kTimeOut) << list->Errors();
         // What came until then is not kept back.
@@ -241,7 +241,7 @@ TEST_F(TitlectlTest, EndsInGoodOrderOnCtrlC) {
     AddDiscs(100, 160);
     const UnitProcess unit = StartUnit();
     const auto list = Start({"--port", "COM1", "list"});
-    ASSERT_TRUE(list->WaitForError("  D2 0")) << list->Errors();
+    ASSERT_TRUE(list->WaitForError(secondTitle)) << list->Errors();
     list->Signal(SIGINT);
     EXPECT_EQ(list->End(kMostForAStop), kStopped) << list->Errors();
     EXPECT_TRUE(list->Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list->Output();

@@ -30,7 +30,9 @@ protected:
     int End(Process& process) {
         const int code = process.End();
         output = process.Output();
-        std::erase(output, '\r');
+        if (OnWindows()) {
+            std::erase(output, '\r');
+        }
         errors = process.Errors();
         return code;
     }
@@ -41,6 +43,8 @@ protected:
         return title != nullptr ? *title : "(none)";
     }
 
+    // A line of the progress.
+    const std::string secondTitle = OnWindows() ? "  D2 0\r\n" : "  D2 0\n";
     std::string output;
     std::string errors;
 };

@@ -240,7 +240,7 @@ constexpr int kRowTop = 71;
 
 class PictureTest : public testing::Test {
 protected:
-    // Finds the font size at which rows are kRowHeight high, whatever fonts the machine has.
+    // Finds the font size at which rows are kRowHeight high, since machines have different fonts.
     void SetUp() override {
         for (int disc = 101; disc <= 130; ++disc) {
             host.AddDisc(disc, 4);

@@ -282,9 +282,13 @@ TEST_F(ListsEditTest, AnEditorDiesOnceWithItsList) {
 TEST_F(ListsEditTest, AnEditStaysWithItsTitleWhenTheRowsChange) {
     Select(tracks, 2);
     Type(tracks, "For track 3");
-    // The first track is gone, so that the others move up.
+    // The first track is gone, so that the others move up, before the selection of the third is through.
     host.store.StoreReceived(2, 1, nullptr);
-    ASSERT_TRUE(host.Refill(2));
+    host.trackList.RequestRefill(2);
+    for (MSG message; host.trackList.IsRefilling();) {
+        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+    ASSERT_TRUE(PumpAll());
     EXPECT_EQ(PlaceOf(Editor(tracks)).top - PlaceOf(host.Tracks()).top, 20 + RowOf(host.Tracks(), 1).top);
     EXPECT_EQ(SelectedRowOf(host.Tracks()), 1);
     EndEdit(tracks);

@@ -19,3 +19,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 # What is delivered carries no symbols; they stay in the object files.
 set(CMAKE_EXE_LINKER_FLAGS_RELWITHDEBINFO_INIT "-s")
+
+# Tests run under wine, and are found when they are run: a machine may build them that cannot run them.
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine.sh)
+set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Runs Windows programs under wine64, on a screen of their own (Xvfb) and with a private set of Windows folders in build/wine.
-# Nothing of the user's is touched. A Windows desktop fills the screen, so that frames, activation and focus are Windows' own and no
-# window manager has a say in them.
+# Runs Windows programs under wine64, or with WINE_BITS=32 under 32-bit wine, on a screen of their own (Xvfb) and with a private set
+# of Windows folders in build/wine or build/wine32. Nothing of the user's is touched. A Windows desktop fills the screen, so that
+# frames, activation and focus are Windows' own and no window manager has a say in them. Exit code 77: this machine runs no 32-bit
+# programs.
 #
 #   scripts/wine.sh PROGRAM.exe [ARGUMENT...]      runs one program and gives its exit code
 #   scripts/wine.sh --session COMMAND [ARGUMENT...] runs a command of this machine; every wine.sh that it calls shares the screen
@@ -11,8 +12,12 @@
 # inside a session too. A program may take WINE_LIMIT seconds (120 if not told); one that takes longer is ended with exit code 124.
 set -euo pipefail
 
+source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+source "$root/scripts/wine-setup.sh"
+cd "$OLDPWD"
+
 run_program() {
-    exec timeout --kill-after=5 "${WINE_LIMIT:-120}" "$WINELOADER" "$@"
+    exec timeout --kill-after=5 "${WINE_LIMIT:-120}" "${loader[@]}" "$@"
 }
 
 # Inside a session everything is there already.
@@ -21,23 +26,15 @@ if [ -n "${TESSELIA_WINE_SESSION:-}" ]; then
     run_program "$@"
 fi
 
-source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
-cd "$OLDPWD"
+[ $# -gt 0 ] || { sed -n '2,14p' "$root/scripts/wine.sh" >&2; exit 2; }
+need_wine
 
-[ $# -gt 0 ] || { sed -n '2,12p' "$root/scripts/wine.sh" >&2; exit 2; }
-need wine64 xvfb
-
-# Debian keeps the programs themselves out of the path; its wrapper script would complain that the 32-bit ones are missing.
-export WINELOADER=/usr/lib/wine/wine64 WINESERVER=/usr/lib/wine/wineserver64
 language=${LANG:-en_US.UTF-8}
 unset LC_ALL LC_CTYPE LC_MESSAGES
 LANG=C "$root/scripts/locale.sh" "$language"
 export LANG=$language
 
-export WINEPREFIX=$root/build/wine
-export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
-# Neither Mono nor Gecko is wanted, and no entries in the desktop's menus.
-export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+export WINEPREFIX=$wine_folder
 export TESSELIA_WINE_SESSION=1
 mkdir -p "$WINEPREFIX"
 
@@ -48,7 +45,7 @@ flock -w 1200 9 || { say "Another session in $WINEPREFIX does not end"; exit 1; 
 screen=
 screenSize=1280x1024
 finish() {
-    timeout 20 "$WINESERVER" -k 2>/dev/null || true
+    timeout 20 "${server[@]}" -k 2>/dev/null || true
     [ -z "$screen" ] || { kill "$screen" 2>/dev/null && wait "$screen" 2>/dev/null; } || true
 }
 trap finish EXIT
@@ -75,11 +72,11 @@ start_screen() {
 add_japanese_letters() {
     local font
     for font in Tahoma 'Tahoma Bold' 'MS Sans Serif' 'Microsoft Sans Serif'; do
-        "$WINELOADER" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$font" \
+        "${loader[@]}" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$font" \
             /t REG_MULTI_SZ /d 'ipagp.ttf,IPAPGothic' /f || return
     done
     for font in 'MS PGothic' 'ＭＳ Ｐゴシック' 'MS UI Gothic'; do
-        LANG=ja_JP.UTF-8 "$WINELOADER" reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d IPAPGothic /f || return
+        LANG=ja_JP.UTF-8 "${loader[@]}" reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d IPAPGothic /f || return
     done
 }
 
@@ -87,22 +84,22 @@ add_japanese_letters() {
 if [ ! -e "$WINEPREFIX/complete" ]; then
     say "Setting up $WINEPREFIX"
     {
-        timeout 300 "$WINELOADER" wineboot --init &&
-            "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f &&
-            "$WINELOADER" reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d "$screenSize" /f &&
+        timeout 300 "${loader[@]}" wineboot --init &&
+            "${loader[@]}" reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f &&
+            "${loader[@]}" reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d "$screenSize" /f &&
             add_japanese_letters
     } >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Could not set up $WINEPREFIX"; exit 1; }
-    timeout 60 "$WINESERVER" -w || true
+    timeout 60 "${server[@]}" -w || true
     touch "$WINEPREFIX/complete"
 fi
 
 # Windows and its desktop are started here, to stay until the end: each program would start them anew, and what it starts would
 # hold the pipe open that ctest reads the program's output from.
-"$WINESERVER" -p 9>&- >"$WINEPREFIX.log" 2>&1 || true
-timeout 60 "$WINELOADER" wineboot >>"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Windows did not start"; exit 1; }
-"$WINELOADER" explorer "/desktop=Default,$screenSize" >>"$WINEPREFIX.log" 2>&1 9>&- &
+"${server[@]}" -p 9>&- >"$WINEPREFIX.log" 2>&1 || true
+timeout 60 "${loader[@]}" wineboot >>"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Windows did not start"; exit 1; }
+"${loader[@]}" explorer "/desktop=Default,$screenSize" >>"$WINEPREFIX.log" 2>&1 9>&- &
 # Any program with a window waits for the desktop, and this one ends at once.
-timeout 60 "$WINELOADER" rundll32 kernel32.dll,GetTickCount >>"$WINEPREFIX.log" 2>&1 9>&- || true
+timeout 60 "${loader[@]}" rundll32 kernel32.dll,GetTickCount >>"$WINEPREFIX.log" 2>&1 9>&- || true
 
 if [ "$1" = --session ]; then
     shift

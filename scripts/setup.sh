@@ -79,6 +79,12 @@ build() {
     configure "$@" && cmake --build --preset "$1" >&2
 }
 
+# pack PRESET GENERATORS FOLDER: what CPack makes of a build, in the folder.
+pack() {
+    cpack --config "$root/build/$1/CPackConfig.cmake" -G "$2" -B "$3" >"$root/build/$1.log" 2>&1 ||
+        { cat "$root/build/$1.log" "$3"/_CPack_Packages/*/NSIS/*.log >&2 || true; say "Packing the preset $1 failed"; return 1; }
+}
+
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit 1
 mkdir -p build

@@ -26,9 +26,9 @@ constexpr int kStopX = 88;
 constexpr int kButtonsY = 42;
 
 constexpr char kError[] = "Tesselia Error";
-// Wine's choosers have titles of their own.
+// The choosers of wine have no titles.
 const char* const kOpen = OnWindows() ? "" : "Open";
-const char* const kSave = OnWindows() ? "Save as" : "Save As";
+const char* const kSave = OnWindows() ? "" : "Save As";
 constexpr char kMessage[] = "Tesselia Message";
 
 class SessionTest : public ProgramTest {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
 
 #include "LibraryFile.h"
@@ -118,7 +119,15 @@ EndToEndTest::EndToEndTest() {
 EndToEndTest::~EndToEndTest() {
     if (OnWindows()) {
         // It would write to the folder that is taken away.
-        Process(TESSELIA_SCRIPTS "/windows-program.sh", {"--end"}, NextOutputs("end")).End();
+        Process(TESSELIA_SCRIPTS "/windows-program.sh", {"--end"}, folder / "wine-end").End();
+    }
+    if (const char* records = std::getenv("TESSELIA_RECORDS")) {
+        const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+        const fs::path record = fs::path(records) / (std::string(test.test_suite_name()) + '.' + test.name());
+        std::error_code ignored;
+        fs::create_directories(record, ignored);
+        fs::copy(folder, record, fs::copy_options::overwrite_existing, ignored);
+        std::ofstream(record / "result") << (HasFailure() ? "failed" : IsSkipped() ? "skipped" : "passed");
     }
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
 
 #include "LibraryFile.h"
@@ -95,9 +96,10 @@ std::unique_ptr<Process> EndToEndTest::StartTested(const std::string& program, c
 
 EndToEndTest::EndToEndTest() {
     EXPECT_EQ(setenv("XDG_CONFIG_HOME", folder.c_str(), 1), 0);
-    // Without a link a name would stand for a port of the machine, and nobody knows what is connected there.
+    // Without a link a name would stand for a port of the machine, and nobody knows what is connected there. A folder is no
+    // port on either system; a name that leads nowhere opens under wine all the same.
     for (int i = 1; i <= 8; ++i) {
-        LinkPort("COM" + std::to_string(i), "/dev/pts/none");
+        LinkPort("COM" + std::to_string(i), "/dev/pts/.");
     }
     library::UnitLibrary library;
     library.SetTitle({GroupKind::kDisc, 1, 0}, "Harbour in March");
@@ -112,6 +114,21 @@ EndToEndTest::EndToEndTest() {
     library.SetTitle({GroupKind::kAlbum, 999, 0}, "The Last of Them All, 32 Letters");
     std::string error;
     EXPECT_TRUE(library::SaveLibrary(libraryFile, library, error)) << error;
+}
+
+EndToEndTest::~EndToEndTest() {
+    if (OnWindows()) {
+        // It would write to the folder that is taken away.
+        Process(TESSELIA_SCRIPTS "/windows-program.sh", {"--end"}, folder / "wine-end").End();
+    }
+    if (const char* records = std::getenv("TESSELIA_RECORDS")) {
+        const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+        const fs::path record = fs::path(records) / (std::string(test.test_suite_name()) + '.' + test.name());
+        std::error_code ignored;
+        fs::create_directories(record, ignored);
+        fs::copy(folder, record, fs::copy_options::overwrite_existing, ignored);
+        std::ofstream(record / "result") << (HasFailure() ? "failed" : IsSkipped() ? "skipped" : "passed");
+    }
 }
 
 void EndToEndTest::LinkPort(const std::string& port, const std::string& device) const {

@@ -52,6 +52,8 @@ class EndToEndTest : public testing::Test {
 protected:
     // A library with Discs 1, 2 and 12, the last without a title, and Albums 7 and 999. No port name leads anywhere.
     EndToEndTest();
+    // What the units have seen and all files are kept in the folder that TESSELIA_RECORDS names, in one for each case.
+    ~EndToEndTest() override;
 
     void LinkPort(const std::string& port, const std::string& device) const;
 

@@ -147,8 +147,9 @@ TEST_F(TitlectlTest, TellsTheUsage) {
 TEST_F(TitlectlTest, SearchesThePorts) {
     const Terminal silent;
     LinkPort("COM1", silent.Path());
+    // Wine lets everybody have a terminal, and refuses a folder as Windows refuses a port in use.
     const Terminal busy;
-    LinkPort("COM2", busy.Path());
+    LinkPort("COM2", OnWindows() ? "/dev/pts/." : busy.Path());
     const int taken = open(busy.Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_GE(taken, 0);
     ASSERT_EQ(flock(taken, LOCK_EX), 0);
@@ -157,8 +158,10 @@ TEST_F(TitlectlTest, SearchesThePorts) {
     EXPECT_NE(errors.find("no main unit answers"), std::string::npos) << errors;
     EXPECT_EQ(Run({"--port", "COM2", "list"}), kNoUnit);
     EXPECT_NE(errors.find("the port is in use"), std::string::npos) << errors;
-    EXPECT_EQ(Run({"--port", "COM4", "list"}), kNoUnit);
-    EXPECT_NE(errors.find("no such port"), std::string::npos) << errors;
+    if (!OnWindows()) {
+        EXPECT_EQ(Run({"--port", "COM4", "list"}), kNoUnit);
+        EXPECT_NE(errors.find("no such port"), std::string::npos) << errors;
+    }
 
     const UnitProcess unit = StartUnit({}, "COM3");
     EXPECT_EQ(Run({"get", "D2", "0"}), kDone) << errors;
@@ -218,9 +221,9 @@ TEST_F(TitlectlTest, NoticesThatTheUnitFallsSilent) {
         const auto list = Start({"--port", "COM1", "list"});
         ASSERT_TRUE(list->WaitForError(secondTitle)) << list->Errors();
         unit.Signal(signal);
-        EXPECT_EQ(list->End(), kTimeOut) << list->Errors();
+        EXPECT_EQ(End(*list), kTimeOut) << errors;
         // What came until then is not kept back.
-        EXPECT_TRUE(list->Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list->Output();
+        EXPECT_TRUE(output.starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << output;
         EXPECT_LT(list->CpuSeconds(), list->WallSeconds() / 4) << "it spins";
     }
 }
@@ -243,9 +246,9 @@ TEST_F(TitlectlTest, EndsInGoodOrderOnCtrlC) {
     const auto list = Start({"--port", "COM1", "list"});
     ASSERT_TRUE(list->WaitForError(secondTitle)) << list->Errors();
     list->Signal(SIGINT);
-    EXPECT_EQ(list->End(kMostForAStop), kStopped) << list->Errors();
-    EXPECT_TRUE(list->Output().starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << list->Output();
-    EXPECT_EQ(list->Output().find("D160"), std::string::npos);
+    EXPECT_EQ(End(*list, kMostForAStop), kStopped) << errors;
+    EXPECT_TRUE(output.starts_with("D1    0  Harbour in March\nD2    0  Paper Lanterns\n")) << output;
+    EXPECT_EQ(output.find("D160"), std::string::npos);
     EXPECT_EQ(Run({"--port", "COM1", "get", "D2", "1"}), kDone) << errors;
     EXPECT_EQ(output, "D2    1  The Ferry & the Notebook\n");
     EXPECT_EQ(unit.Complaints(), "");

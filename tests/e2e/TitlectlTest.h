@@ -27,8 +27,8 @@ protected:
     // A whole run; its exit code.
     int Run(const std::vector<std::string>& arguments) { return End(*Start(arguments)); }
 
-    int End(Process& process) {
-        const int code = process.End();
+    int End(Process& process, std::chrono::milliseconds limit = kLimit) {
+        const int code = process.End(limit);
         output = process.Output();
         if (OnWindows()) {
             std::erase(output, '\r');

@@ -26,8 +26,9 @@ constexpr int kStopX = 88;
 constexpr int kButtonsY = 42;
 
 constexpr char kError[] = "Tesselia Error";
-constexpr char kOpen[] = "Open";
-constexpr char kSave[] = "Save As";
+// The choosers of wine have no titles.
+const char* const kOpen = OnWindows() ? "" : "Open";
+const char* const kSave = OnWindows() ? "" : "Save As";
 constexpr char kMessage[] = "Tesselia Message";
 
 class SessionTest : public ProgramTest {
@@ -271,7 +272,7 @@ TEST_F(SessionTest, TheNextRunBeginsWhereThisOneEnded) {
     End();
     std::string settings = Settings();
     EXPECT_NE(settings.find("GroupNo=2"), std::string::npos) << settings;
-    for (int run = 0; run < 5; ++run) {
+    for (int run = 0; run < 4; ++run) {
         if (run == 2) {
             // From now on the window manager has a place of its own for it.
             const std::string rules = (theScreen->Folder() / "openbox").string();
@@ -281,7 +282,9 @@ TEST_F(SessionTest, TheNextRunBeginsWhereThisOneEnded) {
                   rules + "/rc.xml");
             Shell("openbox --reconfigure");
             const std::size_t place = settings.find("PosX=");
-            settings.replace(place, settings.find('\n', settings.find("PosY=")) - place, "PosX=300\nPosY=200");
+            // Under wine a frame counts that the window manager does not draw.
+            settings.replace(place, settings.find('\n', settings.find("PosY=")) - place,
+                             OnWindows() ? "PosX=297\nPosY=197" : "PosX=300\nPosY=200");
         }
         StartTheUnit();
         Start();

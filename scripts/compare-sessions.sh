@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# Runs the tests of whole programs on the Linux build and, under wine, on the Windows builds that are there, and prints one table: how
+# each ended, and whether each Windows program said the same to the main unit, frame by frame, printed the same and wrote the same files.
+#
+#   scripts/compare-sessions.sh               all of it; fails if one case fails or differs
+#   scripts/compare-sessions.sh --keep-linux  takes the records of Linux from build/sessions/linux as they are
+#
+# Where there is a 32-bit wine, WINE32_LOADER, WINE32_SERVER and WINE32_TEMPLATE name it.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+
+records=$root/build/sessions
+cases='^real[.]SessionTest|^Titlectl'
+
+# Where a transfer is cut off by the clock, by typing or by a signal, no two runs need be alike, on one system either. The dialogue
+# of the others holds no matter how long anything takes.
+by_the_clock='SessionTest[.](TransfersByMenu|TypingGoesOnDuringAFetch|ClosesInEveryState)|
+    TitlectlFilesTest[.](MakesNoBackupOfHalfAUnit)|TitlectlTest[.](NoticesThatTheUnitFallsSilent|EndsInGoodOrderOnCtrlC)'
+by_the_clock=${by_the_clock//[[:space:]]/}
+
+# run SYSTEM: its records. A case that did not come to its end has none.
+run() {
+    rm -rf "${records:?}/$1"
+    mkdir -p "$records/$1"
+    TESSELIA_RECORDS=$records/$1 LANG=en_US.UTF-8 \
+        ctest --preset release -R "$cases" -j "$((2 * $(nproc)))" >"$records/$1.log" 2>&1 || tail -n 300 "$records/$1.log" >&2
+}
+
+systems=(linux)
+[ "${1:-}" = --keep-linux ] || run linux
+if [ -e build/windows-x64/bin/titlectl.exe ]; then
+    TESSELIA_WINDOWS_BUILD=$root/build/windows-x64/bin run windows-64
+    systems+=(windows-64)
+fi
+if [ -e build/windows-x86/bin/titlectl.exe ] && [ -n "${WINE32_LOADER:-}" ]; then
+    TESSELIA_WINDOWS_BUILD=$root/build/windows-x86/bin WINEARCH=win32 WINELOADER=$WINE32_LOADER WINESERVER=$WINE32_SERVER \
+        WINE_TEMPLATE=$WINE32_TEMPLATE run windows-32
+    systems+=(windows-32)
+fi
+
+# flatten FOLDER: what must be alike, without times, line ends of a console, folders of the test and what X and wine say.
+flatten() {
+    local file
+    for file in "$1"/*; do
+        case ${file##*/} in
+            result | tesselia-*.err | wine-end.* | lock) continue ;;
+        esac
+        printf '== %s\n' "${file##*/}"
+        case $file in
+            */mainunit-*.err) sed -E 's/^ *[0-9]+[.][0-9]{3} //' "$file" ;;
+            *.out | *.err) sed -E 's/\r$//; s|/tmp/tesselia-test-[A-Za-z0-9]+|FOLDER|g; s|/dev/pts/[0-9]+|PORT|' "$file" ;;
+            *) od -An -c -v "$file" ;;
+        esac
+    done
+}
+
+printf '%-58s' ''
+printf '%-12s' "${systems[@]}"
+printf '%s\n' dialogue
+bad=0
+for name in $(ctest --preset release -N -R "$cases" | sed -n 's/^ *Test *#[0-9]*: \(real[.]\)\?//p'); do
+    printf '%-58s' "$name"
+    same=same
+    for system in "${systems[@]}"; do
+        result=$(cat "$records/$system/$name/result" 2>/dev/null || echo 'no end')
+        printf '%-12s' "$result"
+        [ "$result" = passed ] || [ "$result" = skipped ] || bad=1
+        flatten "$records/$system/$name" >"$records/$system/$name.flat"
+        cmp -s "$records/linux/$name.flat" "$records/$system/$name.flat" || same=DIFFERS
+    done
+    if [[ $name =~ ^($by_the_clock)$ ]]; then
+        same='by the clock'
+    elif [ "$same" = DIFFERS ]; then
+        bad=1
+    fi
+    printf '%s\n' "$same"
+done
+[ "$bad" = 0 ] || say "diff the .flat files below $records to see what differs"
+exit "$bad"

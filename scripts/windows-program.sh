@@ -6,32 +6,30 @@
 #   scripts/windows-program.sh --end                         ends the Windows that may still be running
 #
 # Its registry lies in the folder `wine` beside the user's port names, and stays there from run to run. The folders of Windows itself
-# are those of scripts/wine.sh, which sets them up. WINE_TEMPLATE, WINEARCH, WINELOADER and WINESERVER name another Windows.
+# are those of scripts/wine.sh, which sets them up; WINE_BITS=32 takes those for 32-bit programs.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+source "$root/scripts/wine-setup.sh"
 cd "$OLDPWD"
 
 settings=${XDG_CONFIG_HOME:-$HOME/.config}
-export WINEPREFIX=$settings/wine WINEARCH=${WINEARCH:-win64} WINEDEBUG=${WINEDEBUG:--all}
-export WINELOADER=${WINELOADER:-/usr/lib/wine/wine64} WINESERVER=${WINESERVER:-/usr/lib/wine/wineserver64}
-export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+export WINEPREFIX=$settings/wine
 
 if [ "$1" = --end ]; then
-    [ ! -d "$WINEPREFIX" ] || "$WINESERVER" -k || true
+    [ ! -d "$WINEPREFIX" ] || "${server[@]}" -k || true
     exit 0
 fi
 
-windows=${WINE_TEMPLATE:-$root/build/wine}
-[ -e "$windows/complete" ] || LANG=en_US.UTF-8 "$root/scripts/wine.sh" --session true
+[ -e "$wine_folder/complete" ] || LANG=en_US.UTF-8 "$root/scripts/wine.sh" --session true
 
 # Its windows are to be the window manager's, and not all in the one of a Windows desktop.
 make_folders() {
     mkdir -p "$WINEPREFIX/drive_c" "$WINEPREFIX/dosdevices"
-    ln -s "$windows"/drive_c/* "$WINEPREFIX/drive_c"
+    ln -s "$wine_folder"/drive_c/* "$WINEPREFIX/drive_c"
     ln -s ../drive_c "$WINEPREFIX/dosdevices/c:"
     ln -s / "$WINEPREFIX/dosdevices/z:"
-    cp "$windows/system.reg" "$windows/userdef.reg" "$windows/.update-timestamp" "$WINEPREFIX"
-    grep -v '^"Desktop"="Default"' "$windows/user.reg" >"$WINEPREFIX/user.reg"
+    cp "$wine_folder/system.reg" "$wine_folder/userdef.reg" "$wine_folder/.update-timestamp" "$WINEPREFIX"
+    grep -v '^"Desktop"="Default"' "$wine_folder/user.reg" >"$WINEPREFIX/user.reg"
     # The user's own names are followed each time a port is opened, since a unit may come later than the program.
     {
         printf '\n[Software\\\\Wine\\\\Ports]\n'
@@ -43,14 +41,14 @@ make_folders() {
 [ -d "$WINEPREFIX" ] || make_folders
 
 # Started here, it holds no stream of the program open. It may run already.
-"$WINESERVER" </dev/null >"$WINEPREFIX/log" 2>&1 || true
+"${server[@]}" </dev/null >"$WINEPREFIX/log" 2>&1 || true
 
 case ${1##*/} in
     tesselia.exe) ;;
-    *) exec "$WINELOADER" "$@" ;;
+    *) exec "${loader[@]}" "$@" ;;
 esac
 # The settings go to the file with the end of Windows.
 code=0
-"$WINELOADER" "$@" || code=$?
-"$WINESERVER" -k || true
+"${loader[@]}" "$@" || code=$?
+"${server[@]}" -k || true
 exit "$code"

@@ -126,7 +126,7 @@ EndToEndTest::~EndToEndTest() {
         const fs::path record = fs::path(records) / (std::string(test.test_suite_name()) + '.' + test.name());
         std::error_code ignored;
         fs::create_directories(record, ignored);
-        fs::copy(folder, record, fs::copy_options::overwrite_existing, ignored);
+        fs::copy(folder, record, ignored);
         std::ofstream(record / "result") << (HasFailure() ? "failed" : IsSkipped() ? "skipped" : "passed");
     }
 }

@@ -196,16 +196,6 @@ TEST_F(SessionTest, TitlesComeFromFilesAndGoToFiles) {
     End();
 }
 
-TEST_F(SessionTest, FindsTheUnitOnAnyPort) {
-    Terminal silent;
-    LinkPort("COM1", silent.Path());
-    StartTheUnit({}, "COM3");
-    Start();
-    WaitUntilQuiet();
-    EXPECT_GT(unit->CountRequests("TitleRead"), 3);
-    End();
-}
-
 TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
     // In MENU mode, with its tray open, and not stopped.
     const std::vector<std::vector<std::string>> states = {{"--menu"}, {"--status", "00"}, {"--status", "41"}};
@@ -216,12 +206,6 @@ TEST_F(SessionTest, AUnitThatIsNotReadyIsTold) {
         EXPECT_EQ(unit->CountRequests("TitleRead"), 0);
         End();
     }
-    // Busy for a while is no failure.
-    StartTheUnit({"--status", "FE,FF,01,04,FD,40"});
-    Start();
-    WaitUntilQuiet();
-    EXPECT_GT(unit->CountRequests("TitleRead"), 3);
-    End();
 }
 
 TEST_F(SessionTest, TypingGoesOnDuringAFetch) {

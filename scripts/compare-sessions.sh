@@ -4,8 +4,6 @@
 #
 #   scripts/compare-sessions.sh               all of it; fails if one case fails or differs
 #   scripts/compare-sessions.sh --keep-linux  takes the records of Linux from build/sessions/linux as they are
-#
-# Where there is a 32-bit wine, WINE32_LOADER, WINE32_SERVER and WINE32_TEMPLATE name it.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
@@ -32,10 +30,15 @@ if [ -e build/windows-x64/bin/titlectl.exe ]; then
     TESSELIA_WINDOWS_BUILD=$root/build/windows-x64/bin run windows-64
     systems+=(windows-64)
 fi
-if [ -e build/windows-x86/bin/titlectl.exe ] && [ -n "${WINE32_LOADER:-}" ]; then
-    TESSELIA_WINDOWS_BUILD=$root/build/windows-x86/bin WINEARCH=win32 WINELOADER=$WINE32_LOADER WINESERVER=$WINE32_SERVER \
-        WINE_TEMPLATE=$WINE32_TEMPLATE run windows-32
-    systems+=(windows-32)
+if [ -e build/windows-x86/bin/titlectl.exe ]; then
+    code=0
+    WINE_BITS=32 scripts/wine.sh --session true || code=$?
+    if [ "$code" -eq 0 ]; then
+        TESSELIA_WINDOWS_BUILD=$root/build/windows-x86/bin WINE_BITS=32 run windows-32
+        systems+=(windows-32)
+    elif [ "$code" -ne 77 ]; then
+        exit "$code"
+    fi
 fi
 
 # flatten FOLDER: what must be alike, without times and what the programs print.

@@ -131,6 +131,7 @@ TEST_F(SessionTest, TypedTitlesReachTheUnit) {
     Xdotool("key alt+v key a");
     EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "Once more"));
     EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 2, 0, ""));
+    WaitUntilQuiet();
     EXPECT_EQ(unit->Complaints(), "");
     End();
 }

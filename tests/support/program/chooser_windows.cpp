@@ -2,12 +2,18 @@
 // first.
 #include "ScriptedChooser.h"
 
+#ifdef _WIN64
+#define IMPORTED(name) asm("__imp_" name)
+#else
+#define IMPORTED(name) asm("__imp__" name "@4")
+#endif
+
 using Chooser = BOOL(CALLBACK*)(OPENFILENAMEA*);
 
-extern Chooser openFile asm("__imp_GetOpenFileNameA");
-extern Chooser saveFile asm("__imp_GetSaveFileNameA");
+extern Chooser openFile IMPORTED("GetOpenFileNameA");
+extern Chooser saveFile IMPORTED("GetSaveFileNameA");
 
-extern BOOL(CALLBACK* pickFont)(CHOOSEFONTA*) asm("__imp_ChooseFontA");
+extern BOOL(CALLBACK* pickFont)(CHOOSEFONTA*) IMPORTED("ChooseFontA");
 
 Chooser openFile = scripted::OpenFile;
 Chooser saveFile = scripted::SaveFile;

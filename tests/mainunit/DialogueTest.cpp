@@ -7,28 +7,6 @@
 namespace mainunit {
 namespace {
 
-TEST(Dialogue, NamesRequests) {
-    const struct {
-        std::string frame;
-        const char* meaning;
-    } cases[] = {
-        {std::string("\x11") + "000\x03", "ModelQuery"},
-        {std::string("\x02") + "52060\x03", "StatusQuery 0x60"},
-        {std::string("\x02") + "07CBD\x03", "UnitCommand 0xBD"},
-        {BlockFrame("0300000000000000"), "MapQuery Discs"},
-        {BlockFrame("0301000000000000"), "MapQuery Albums"},
-        {BlockFrame("0302FFFF00000000"), "MapQuery probe"},
-        {BlockFrame("0302212300000000"), "MapQuery Tracks of Album 123"},
-        {BlockFrame("0500120300000000"), "TitleRead Disc 12 track 3"},
-        {BlockFrame("0620070000000000"), "TitleWrite Album 7"},
-        {BlockFrame("Low\tWater                       "), "TitleData \"Low.Water\""},
-        {"?!", "2 bytes"},
-    };
-    for (const auto& one : cases) {
-        EXPECT_EQ(Dialogue::DescribeRequest(one.frame), one.meaning);
-    }
-}
-
 TEST(Dialogue, NamesReplies) {
     const std::string titleReply = BlockReply(SubType::kTitleRead, 0, "Low Water                       ");
     std::string bitmap(250, '0');

@@ -119,23 +119,6 @@ TEST_F(LineTest, WritesArriveAtThePaceOfTheLineOneBehindTheOther) {
     }
 }
 
-TEST_F(LineTest, AnswersTrickleIn) {
-    Run([&] {
-        line.Send("a first answer", 5 * kMs);
-        line.Send(" and its end");
-        EXPECT_NEAR(static_cast<double>(line.QuietAt()), static_cast<double>(5 * kMs + ByteUs(26)), 1);
-        Sleep(5);
-        EXPECT_EQ(Waiting(port), 0U);
-        Sleep(10);
-        EXPECT_EQ(Read(port), "a first a");  // the tenth is still on its way
-        EXPECT_EQ(Waiting(port), 0U);
-        Sleep(17);
-        EXPECT_EQ(Read(port), "nswer and its en");
-        Sleep(1);
-        EXPECT_EQ(Read(port), "d");
-    });
-}
-
 TEST_F(LineTest, TheBaudRateSetsThePaceOfBothDirections) {
     Run([&] {
         DCB state = {};
@@ -164,27 +147,6 @@ TEST_F(LineTest, TheBaudRateSetsThePaceOfBothDirections) {
     });
     ASSERT_EQ(peer.writes.size(), 1U);
     EXPECT_NEAR(static_cast<double>(peer.writes[0].lastUs), 100'000.0, 1);
-}
-
-TEST_F(LineTest, APortIsExclusiveAndItsNameIsKnown) {
-    Run([&] {
-        EXPECT_EQ(Open(), INVALID_HANDLE_VALUE);
-        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-        for (const char* name : {"COM2", "COM9", "COM", "", "COM11", "C:\\titles.csv"}) {
-            EXPECT_EQ(Open(name), INVALID_HANDLE_VALUE);
-            EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND) << name;
-        }
-        CloseHandle(port);
-        line.SetBusy(true);
-        EXPECT_EQ(Open(), INVALID_HANDLE_VALUE);
-        EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
-        line.SetBusy(false);
-        line.Send("old");
-        Sleep(2);
-        port = Open("com1");
-        Sleep(10);
-        EXPECT_EQ(Read(port), "ld");  // what had arrived before is gone
-    });
 }
 
 TEST_F(LineTest, APulledPlugKillsThePortAndCutsWhatIsOnItsWay) {

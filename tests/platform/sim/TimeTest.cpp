@@ -1,4 +1,4 @@
-// Virtual time: the beat of the system, lateness and ticks.
+// Virtual time: the beat of the system, and lateness.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -49,27 +49,6 @@ TEST(Time, WakeUpsAreLateByUpToTheJitterAndNeverEarly) {
         expected.insert(us);
     }
     EXPECT_EQ(late, expected);
-}
-
-TEST(Time, TicksCountAndATimeoutComesAtItsTimeAndASignalBeforeIt) {
-    Simulation simulation({.jitterMs = 0});
-    ExpectDone(simulation, [&] {
-        timeBeginPeriod(1);
-        Event event(false);
-        EXPECT_EQ(GetTickCount(), 0U);
-        EXPECT_EQ(WaitForSingleObject(event.handle, 25), WAIT_TIMEOUT);
-        EXPECT_EQ(simulation.Now(), 25 * kMs);
-        Thread setter([&] {
-            Sleep(10);
-            SetEvent(event.handle);
-        });
-        EXPECT_EQ(WaitForSingleObject(event.handle, 1000), WAIT_OBJECT_0);
-        EXPECT_EQ(simulation.Now(), 35 * kMs);
-        // The timer of the wait that has ended must not end this one.
-        EXPECT_EQ(WaitForSingleObject(event.handle, 5000), WAIT_TIMEOUT);
-        EXPECT_EQ(simulation.Now(), 5035 * kMs);
-        EXPECT_EQ(GetTickCount(), 5035U);
-    });
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ use() {
     find "$WINEPREFIX/drive_c" -type d -name Tesselia -prune -exec rm -r {} +
 
     LANG=ja_JP.UTF-8 expect_code 0 "the installer" wine "$installer" /S
-    folder=$(value "$registered" InstallLocation)
+    folder=$(value "$registered" InstallLocation || true)
     place=$WINEPREFIX/drive_c/$(tr '\\' / <<<"${folder#C:\\}")
     [[ $folder == C:\\*Tesselia ]] && [ -d "$place" ] || { fail "installed to '$folder'"; return; }
     expect_installed ja/Tesselia.chm 'Tesselia の使い方.lnk Tesselia.lnk '
@@ -95,7 +95,8 @@ use() {
     build/release/bin/mainunit --link COM1 --sample --pace 0 --log "$work/dialogue" >"$work/ready" &
     unit=$!
     wait_for_unit $unit "$work/ready"
-    ln -sfn "$(sed -n 's/^ready: //p' "$work/ready")" "$WINEPREFIX/dosdevices/com1"
+    export WINE_PORTS
+    WINE_PORTS=COM1=$(sed -n 's/^ready: //p' "$work/ready")
     "$root/scripts/wine.sh" "$place/tesselia.exe" >"$work/program" 2>&1 &
     program=$!
     wait_for "the program did not read the titles of the unit" grep -q TitleRead "$work/dialogue" || cat "$work/program" >&2
@@ -153,12 +154,12 @@ use_in_wine() {
         fail "the installer of $1 bits"
 }
 
+need_build_tools
+configure release
+cmake --build --preset release --target mainunit_program >&2
 folder=${1:-$root/build/packages}
 if [ $# -eq 0 ]; then
     scripts/package-windows.sh >&2
-    need_build_tools
-    configure release
-    cmake --build --preset release --target mainunit_program >&2
     pack windows-x64 NSIS "$work"
     unzip -q "$folder/tesselia-$version-windows-64.zip" -d "$work"
     use_in_wine 64 "$work/tesselia-$version-windows-64.exe"

@@ -20,7 +20,7 @@ if [ "$1" = --end ]; then
     exit 0
 fi
 
-[ -e "$wine_folder/complete" ] || LANG=en_US.UTF-8 "$root/scripts/wine.sh" --session true
+[ -e "$wine_folder/fresh" ] || LANG=en_US.UTF-8 "$root/scripts/wine.sh" --session true
 
 # Its windows are to be the window manager's, and not all in the one of a Windows desktop.
 make_folders() {
@@ -28,8 +28,8 @@ make_folders() {
     ln -s "$wine_folder"/drive_c/* "$WINEPREFIX/drive_c"
     ln -s ../drive_c "$WINEPREFIX/dosdevices/c:"
     ln -s / "$WINEPREFIX/dosdevices/z:"
-    cp "$wine_folder/system.reg" "$wine_folder/userdef.reg" "$wine_folder/.update-timestamp" "$WINEPREFIX"
-    grep -v '^"Desktop"="Default"' "$wine_folder/user.reg" >"$WINEPREFIX/user.reg"
+    cp -r "$wine_folder/fresh/." "$WINEPREFIX"
+    sed -i '/^"Desktop"="Default"/d' "$WINEPREFIX/user.reg"
     # The user's own names are followed each time a port is opened, since a unit may come later than the program.
     {
         printf '\n[Software\\\\Wine\\\\Ports]\n'

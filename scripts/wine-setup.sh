@@ -1,7 +1,7 @@
 # Sourced after setup.sh by what runs Windows programs: wine of 64 bits or, with WINE_BITS=32, of 32.
 #
 # Debian keeps wine's own programs out of the path, and has the 32-bit ones in packages of another architecture. Those lie in a root
-# of their own, build/wine32.root, and run there by bubblewrap, with all but the system's folders as they are on this machine.
+# of their own, build/wine32.root.
 
 wine_bits=${WINE_BITS:-64}
 wine_root=$root/build/wine32.root
@@ -10,15 +10,9 @@ case $wine_bits in
     64) wine_folder=$root/build/wine WINELOADER=/usr/lib/wine/wine64 WINESERVER=/usr/lib/wine/wineserver64 ;;
     32)
         wine_folder=$root/build/wine32 WINELOADER=/usr/lib/wine/wine WINESERVER=/usr/lib/wine/wineserver32
-        in_root=(bwrap --die-with-parent --bind "$wine_root" / --dev-bind /dev /dev --proc /proc)
-        for place in /*/; do
-            case $place in
-                /bin/ | /boot/ | /dev/ | /etc/ | /lib*/ | /lost+found/ | /proc/ | /sbin/ | /sys/ | /usr/ | /var/) ;;
-                *) in_root+=(--bind "$place" "$place") ;;
-            esac
-        done
-        # The letters and the languages, too, are this machine's.
-        in_root+=(--ro-bind /usr/share/fonts /usr/share/fonts --ro-bind /usr/lib/locale /usr/lib/locale)
+        in_root=(unshare --mount)
+        [ "$(id -u)" -eq 0 ] || in_root+=(--map-root-user)
+        in_root+=("$root/scripts/in-wine-root.sh" "$wine_root")
         ;;
     *) say "WINE_BITS is 64 or 32"; exit 2 ;;
 esac
@@ -45,16 +39,17 @@ fetch_wine_root() {
     release=$(. /etc/os-release && printf '%s' "$VERSION_CODENAME")
     archive=$(apt-get indextargets --format '$(REPO_URI)' "Created-By: Packages" "Codename: $release" "Component: main" | sort -u | head -1)
     as_root rm -rf "$wine_root" &&
-        as_root mmdebstrap --quiet --architectures=i386 --variant=minbase --include=wine32 "$release" "$wine_root" "$archive" >&2
+        as_root mmdebstrap --quiet --architectures=i386 --variant=minbase --include=wine32 "$release" "$wine_root" "$archive" >&2 &&
+        as_root mkdir -p "$wine_root$root" "$wine_root${TMPDIR:-/tmp}" "$wine_root/usr/share/fonts" "$wine_root/usr/lib/locale"
 }
 
 # Installs what is missing. Without 32-bit programs on this machine it ends with 77, as a test ends that cannot run here.
 need_wine() {
     if [ "$wine_bits" = 64 ]; then
-        need wine64 xvfb
+        need wine64 xvfb fonts-dejavu-core fonts-ipafont-gothic
         return
     fi
-    need bubblewrap mmdebstrap xvfb
+    need mmdebstrap xvfb fonts-dejavu-core fonts-ipafont-gothic
     runs_32_bits || { say "This machine runs no 32-bit programs"; exit 77; }
     [ -e "$wine_root.complete" ] && return
     say "Fetching 32-bit wine into $wine_root"

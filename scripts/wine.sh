@@ -9,7 +9,8 @@
 #                                                   and the running Windows, which saves their start each time
 #
 # DISPLAY stays as it is where WINE_DISPLAY=keep asks for it. The language is taken from LANG (en_US.UTF-8 or ja_JP.UTF-8, say),
-# inside a session too. A program may take WINE_LIMIT seconds (120 if not told); one that takes longer is ended with exit code 124.
+# inside a session too. WINE_PORTS='COM1=/dev/pts/3 COM2=...' puts devices at port names. A program may take WINE_LIMIT seconds (120
+# if not told); one that takes longer is ended with exit code 124.
 set -euo pipefail
 
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
@@ -17,6 +18,11 @@ source "$root/scripts/wine-setup.sh"
 cd "$OLDPWD"
 
 run_program() {
+    local port name
+    for port in ${WINE_PORTS:-}; do
+        name=${port%%=*}
+        ln -sfn "${port#*=}" "$WINEPREFIX/dosdevices/${name,,}"
+    done
     exec timeout --kill-after=5 "${WINE_LIMIT:-120}" "${loader[@]}" "$@"
 }
 
@@ -26,9 +32,7 @@ if [ -n "${TESSELIA_WINE_SESSION:-}" ]; then
     run_program "$@"
 fi
 
-[ $# -gt 0 ] || { sed -n '2,14p' "$root/scripts/wine.sh" >&2; exit 2; }
-need_wine
-
+[ $# -gt 0 ] || { sed -n '2,15p' "$root/scripts/wine.sh" >&2; exit 2; }
 language=${LANG:-en_US.UTF-8}
 unset LC_ALL LC_CTYPE LC_MESSAGES
 LANG=C "$root/scripts/locale.sh" "$language"
@@ -41,6 +45,7 @@ mkdir -p "$WINEPREFIX"
 # One session at a time in a prefix: the end of one would take the Windows of the other away.
 exec 9>"$WINEPREFIX.lock"
 flock -w 1200 9 || { say "Another session in $WINEPREFIX does not end"; exit 1; }
+need_wine
 
 screen=
 screenSize=1280x1024
@@ -80,8 +85,8 @@ add_japanese_letters() {
     done
 }
 
-# The first start fills the folders; a mark tells that it came to its end.
-if [ ! -e "$WINEPREFIX/complete" ]; then
+# The first start fills the folders. The registry as it is then is kept, for Windows that are to begin anew.
+if [ ! -e "$WINEPREFIX/fresh" ]; then
     say "Setting up $WINEPREFIX"
     {
         timeout 300 "${loader[@]}" wineboot --init &&
@@ -90,7 +95,9 @@ if [ ! -e "$WINEPREFIX/complete" ]; then
             add_japanese_letters
     } >"$WINEPREFIX.log" 2>&1 9>&- || { cat "$WINEPREFIX.log" >&2; say "Could not set up $WINEPREFIX"; exit 1; }
     timeout 60 "${server[@]}" -w || true
-    touch "$WINEPREFIX/complete"
+    mkdir -p "$WINEPREFIX/fresh.new"
+    cp "$WINEPREFIX"/*.reg "$WINEPREFIX/.update-timestamp" "$WINEPREFIX/fresh.new"
+    mv "$WINEPREFIX/fresh.new" "$WINEPREFIX/fresh"
 fi
 
 # Windows and its desktop are started here, to stay until the end: each program would start them anew, and what it starts would

@@ -245,6 +245,7 @@ TEST_F(SessionTest, AnEditOutlivesTheUnit) {
     Press("Return", kTitle);
     Click(kSyncX, kButtonsY);
     EXPECT_TRUE(WaitForTitle(GroupKind::kDisc, 1, 0, "Kept"));
+    WaitUntilQuiet();
     End();
 }
 

@@ -79,19 +79,15 @@ bool OnWindows() {
 
 std::string EndToEndTest::CommandOf(const std::string& program) {
     const char* windows = std::getenv("TESSELIA_WINDOWS_BUILD");
-    return windows == nullptr ? TESSELIA_BIN "/" + program
-                              : TESSELIA_SCRIPTS "/windows-program.sh " + std::string(windows) + "/" + program + ".exe";
+    return windows == nullptr
+               ? "'" TESSELIA_BIN "/" + program + "'"
+               : "'" TESSELIA_SCRIPTS "/windows-program.sh' '" + std::string(windows) + "/" + program + ".exe'";
 }
 
 std::unique_ptr<Process> EndToEndTest::StartTested(const std::string& program, const std::vector<std::string>& arguments) {
-    std::vector<std::string> words;
-    std::istringstream command(CommandOf(program));
-    for (std::string word; command >> word;) {
-        words.push_back(word);
-    }
+    std::vector<std::string> words = {"-c", "exec " + CommandOf(program) + " \"$@\"", program};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    return std::make_unique<Process>(words.front(), std::vector<std::string>(words.begin() + 1, words.end()),
-                                     NextOutputs(program));
+    return std::make_unique<Process>("/bin/sh", words, NextOutputs(program));
 }
 
 EndToEndTest::EndToEndTest() {

@@ -4,11 +4,18 @@
 set -euo pipefail
 new=$1
 shift
-# The letters and the languages, too, are this machine's.
-for place in /dev /home /media /mnt /opt /proc /root /run /srv /sys /tmp /var/tmp /usr/share/fonts /usr/lib/locale \
-    "$(cd "$(dirname "$0")/.." && pwd)" "${TMPDIR:-/tmp}"; do
-    [ -d "$place" ] || continue
-    [ -d "$new$place" ] || mkdir -p "$new$place"
-    mount --rbind "$place" "$new$place"
+bind() {
+    [ -d "$1" ] && { [ -d "$new$1" ] || mkdir -p "$new$1" 2>/dev/null; } || return 0
+    mount --rbind "$1" "$new$1"
+}
+for place in /*/; do
+    case $place in
+        /bin/ | /boot/ | /etc/ | /lib*/ | /lost+found/ | /sbin/ | /usr/ | /var/) ;;
+        *) bind "${place%/}" ;;
+    esac
+done
+# The letters and the languages, too, are this machine's. The checkout may lie in one of the system's folders.
+for place in /usr/share/fonts /usr/lib/locale /var/tmp "$(cd "$(dirname "$0")/.." && pwd)" "${TMPDIR:-/tmp}"; do
+    bind "$place"
 done
 exec chroot "$new" /usr/bin/env -C "$PWD" "$@"

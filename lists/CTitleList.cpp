@@ -123,9 +123,9 @@ void CTitleList::EndRefill(const Refill& refill) {
                                    SendMessageA(hwnd, LB_GETITEMDATA, static_cast<WPARAM>(row), 0));
         }
         SendMessageA(hwnd, WM_SETREDRAW, TRUE, 0);
-        // A selection that is still on its way means one of the rows of before.
+        // Selections that are still on their way mean rows of before.
         MSG selection;
-        PeekMessageA(&selection, hwnd, LB_SETCURSEL, LB_SETCURSEL, PM_REMOVE);
+        while (PeekMessageA(&selection, hwnd, LB_SETCURSEL, LB_SETCURSEL, PM_REMOVE)) {}
         OnRefilled();
         return;
     }

@@ -258,7 +258,7 @@ TEST_F(SessionTest, TheNextRunBeginsWhereThisOneEnded) {
     End();
     std::string settings = Settings();
     EXPECT_NE(settings.find("GroupNo=2"), std::string::npos) << settings;
-    for (int run = 0; run < 4; ++run) {
+    for (int run = 0; run < 5; ++run) {
         if (run == 2) {
             // From now on the window manager has a place of its own for it.
             const std::string rules = (theScreen->Folder() / "openbox").string();
